@@ -1,0 +1,23 @@
+# One libFuzzer program for each file of fuzz/. In ordinary builds a test runs it over its seeds
+# (fuzz/seeds/NAME); the preset `fuzz` compiles everything with coverage for real runs.
+if(NOT CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+  message(FATAL_ERROR "OVFILE_FUZZ needs clang.")
+endif()
+
+ovf_sources(files fuzz)
+foreach(file ${files})
+  get_filename_component(name "${file}" NAME_WE)
+  add_executable(fuzz_${name} "${file}")
+  target_include_directories(fuzz_${name} PRIVATE include src fuzz)
+  target_link_libraries(fuzz_${name} PRIVATE ovf_settings)
+  ovf_link_modules(fuzz_${name} ${OVF_MODULES})
+  target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
+
+  file(MAKE_DIRECTORY "${CMAKE_BINARY_DIR}/run/fuzz")
+  set(seeds "${CMAKE_CURRENT_SOURCE_DIR}/fuzz/seeds/${name}")
+  if(IS_DIRECTORY "${seeds}")
+    add_test(NAME fuzz_seeds.${name} COMMAND fuzz_${name} -runs=0 "${seeds}"
+             WORKING_DIRECTORY "${CMAKE_BINARY_DIR}/run/fuzz")
+    set_tests_properties(fuzz_seeds.${name} PROPERTIES TIMEOUT 300)
+  endif()
+endforeach()

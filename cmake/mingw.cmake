@@ -1,0 +1,14 @@
+# What the two Windows toolchains have in common.
+set(CMAKE_C_COMPILER ${OVF_TRIPLET}-gcc-posix)
+set(CMAKE_CXX_COMPILER ${OVF_TRIPLET}-g++-posix)
+set(CMAKE_RC_COMPILER ${OVF_TRIPLET}-windres)
+
+set(CMAKE_FIND_ROOT_PATH /usr/${OVF_TRIPLET})
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+
+foreach(kind EXE SHARED MODULE)
+  set(CMAKE_${kind}_LINKER_FLAGS_INIT "-static -Wl,--kill-at ${OVF_LINK_FLAGS}")
+endforeach()

@@ -1,0 +1,82 @@
+# The modules, from the ground up, the shared library made of them, and the command. A module whose
+# folder is still empty is left out.
+
+set(OVF_MODULES "")
+
+function(ovf_add_module name)
+  ovf_sources(files "src/${name}")
+  if(NOT files)
+    return()
+  endif()
+  add_library(ovf_${name} STATIC ${files})
+  target_include_directories(ovf_${name} PUBLIC include src)
+  target_link_libraries(ovf_${name} PUBLIC ovf_settings)
+  set(OVF_MODULES ${OVF_MODULES} ${name} PARENT_SCOPE)
+endfunction()
+
+foreach(module platform storage engine schema table stream server)
+  ovf_add_module(${module})
+endforeach()
+
+# Links the modules named (those that exist) into a target. The classes and server/ know each other
+# (error reports, tables of methods), so the linker looks through the whole group.
+function(ovf_link_modules target)
+  set(libraries "")
+  foreach(module ${ARGN})
+    if(module IN_LIST OVF_MODULES)
+      list(APPEND libraries ovf_${module})
+    endif()
+  endforeach()
+  if(libraries)
+    list(JOIN libraries "," group)
+    target_link_libraries(${target} PRIVATE "$<LINK_GROUP:RESCAN,${group}>")
+  endif()
+endfunction()
+
+# The shared library takes every object of the modules, also those that nobody calls by name.
+if("server" IN_LIST OVF_MODULES)
+  set(objects "")
+  foreach(module ${OVF_MODULES})
+    list(APPEND objects $<TARGET_OBJECTS:ovf_${module}>)
+  endforeach()
+  add_library(ovfile SHARED ${objects})
+  set_target_properties(ovfile PROPERTIES LINKER_LANGUAGE CXX)
+  target_include_directories(ovfile INTERFACE include)
+  target_link_libraries(ovfile PRIVATE ovf_settings)
+
+  set(server "${CMAKE_CURRENT_SOURCE_DIR}/src/server")
+  if(WIN32)
+    set_target_properties(ovfile PROPERTIES OUTPUT_NAME OvFile PREFIX "")
+    foreach(file ovfile.def ovfile.rc)
+      if(EXISTS "${server}/${file}")
+        target_sources(ovfile PRIVATE "${server}/${file}")
+      endif()
+    endforeach()
+    set_source_files_properties("${server}/ovfile.rc" PROPERTIES
+                                INCLUDE_DIRECTORIES "${CMAKE_CURRENT_SOURCE_DIR}/src;${CMAKE_CURRENT_SOURCE_DIR}/include")
+  else()
+    set_target_properties(ovfile PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+    if(EXISTS "${server}/ovfile.map")
+      target_link_options(ovfile PRIVATE "-Wl,--version-script=${server}/ovfile.map")
+      set_target_properties(ovfile PROPERTIES LINK_DEPENDS "${server}/ovfile.map")
+    endif()
+    # The sanitizers' functions come with the program that loads the library.
+    if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")
+      target_link_options(ovfile PRIVATE -Wl,--no-undefined)
+    endif()
+  endif()
+endif()
+
+# The command is a host like any other: published headers and the shared library, nothing else.
+ovf_sources(files src/command)
+if(files AND TARGET ovfile)
+  add_executable(ovfile_command ${files})
+  set_target_properties(ovfile_command PROPERTIES OUTPUT_NAME ovfile)
+  target_include_directories(ovfile_command PRIVATE src/command)
+  # The library before the system's, some of which have a DllGetClassObject too.
+  target_link_libraries(ovfile_command PRIVATE ovfile ovf_settings ovf_header_libraries)
+  # main_windows.cpp begins at wmain, which receives its arguments as UTF-16.
+  if(WIN32 AND EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/src/command/main_windows.cpp")
+    target_link_options(ovfile_command PRIVATE -municode)
+  endif()
+endif()

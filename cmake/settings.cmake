@@ -1,0 +1,46 @@
+# How every file of our own is compiled. Third-party code gets none of the warnings.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_SCAN_FOR_MODULES OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+
+if(NOT CMAKE_BUILD_TYPE)
+  set(CMAKE_BUILD_TYPE Release CACHE STRING "Kind of build" FORCE)
+endif()
+# Line tables are cheap and make the traces of a crash readable.
+set(CMAKE_CXX_FLAGS_RELEASE "-O2 -g1 -DNDEBUG")
+
+# The command, the tests and the library stand together: on Windows programs look for the library
+# beside themselves, on Linux the run path says the same.
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+
+find_program(CCACHE_PROGRAM ccache)
+if(CCACHE_PROGRAM AND NOT DEFINED CMAKE_CXX_COMPILER_LAUNCHER)
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${CCACHE_PROGRAM}")
+endif()
+
+if(OVFILE_LTO)
+  set(CMAKE_INTERPROCEDURAL_OPTIMIZATION ON)
+endif()
+
+find_package(Threads REQUIRED)
+
+set(OVF_WARNINGS -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+
+add_library(ovf_settings INTERFACE)
+target_compile_options(ovf_settings INTERFACE ${OVF_WARNINGS})
+target_link_libraries(ovf_settings INTERFACE Threads::Threads)
+
+if(WIN32)
+  enable_language(RC)
+  set(OVF_DEFINITIONS UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0601 __USE_MINGW_ANSI_STDIO=1)
+  target_compile_definitions(ovf_settings INTERFACE ${OVF_DEFINITIONS})
+  target_link_libraries(ovf_settings INTERFACE ole32 oleaut32 uuid advapi32)
+endif()

@@ -1,0 +1,10 @@
+# ovf_sources(RESULT FOLDER): the .cpp files of a folder, without those named for the other system.
+function(ovf_sources result folder)
+  file(GLOB files CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.cpp")
+  if(WIN32)
+    list(FILTER files EXCLUDE REGEX "_linux\\.cpp$")
+  else()
+    list(FILTER files EXCLUDE REGEX "_windows\\.cpp$")
+  endif()
+  set(${result} "${files}" PARENT_SCOPE)
+endfunction()

@@ -1,0 +1,79 @@
+# One program for each folder of tests/. A folder named like a module sees that module and those below
+# it; `command` and `golden` are hosts of the shared library; `host` loads it by itself at run time.
+# tests/support is a library for all of them.
+
+include(GoogleTest)
+
+# From its sources in every build, so that it is compiled as the tests are (sanitizers, Windows).
+set(gtest_force_shared_crt ON CACHE BOOL "" FORCE)
+set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
+add_subdirectory(/usr/src/googletest "${CMAKE_BINARY_DIR}/googletest" EXCLUDE_FROM_ALL SYSTEM)
+
+if(WIN32)
+  set(root "Z:")  # where Wine shows the whole file system
+endif()
+set(OVF_TEST_DEFINITIONS
+    OVFILE_SOURCE_DIR="${root}${CMAKE_CURRENT_SOURCE_DIR}"
+    OVFILE_COMMAND_PATH="${root}${CMAKE_BINARY_DIR}/bin/ovfile${CMAKE_EXECUTABLE_SUFFIX}"
+    OVFILE_LIBRARY_PATH="${root}${CMAKE_BINARY_DIR}/bin/$<IF:$<BOOL:${WIN32}>,OvFile.dll,libovfile.so>")
+
+# Where the shared inputs lie is decided when the tests run: the environment, else a folder `shared`
+# beside the source root.
+configure_file(cmake/shared_inputs.cmake.in "${CMAKE_BINARY_DIR}/shared_inputs.cmake" @ONLY)
+set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES "${CMAKE_BINARY_DIR}/shared_inputs.cmake")
+
+ovf_sources(files tests/support)
+if(files)
+  add_library(ovf_test_support STATIC ${files})
+  target_include_directories(ovf_test_support PUBLIC include src tests)
+  target_compile_definitions(ovf_test_support PRIVATE ${OVF_TEST_DEFINITIONS})
+  target_link_libraries(ovf_test_support PUBLIC ovf_settings ovf_header_libraries GTest::gmock)
+endif()
+
+# What the tests of a module link: the module and all below it. The classes need server/ for their
+# reports and method tables.
+set(modules_for_platform platform)
+set(modules_for_storage storage platform)
+set(modules_for_engine engine storage platform)
+
+function(ovf_add_test_folder name)
+  ovf_sources(files "tests/${name}")
+  set(target "test_${name}")
+  add_executable(${target} ${files})
+  target_include_directories(${target} PRIVATE include src tests)
+  target_compile_definitions(${target} PRIVATE ${OVF_TEST_DEFINITIONS})
+  if(TARGET ovf_test_support)
+    target_link_libraries(${target} PRIVATE ovf_test_support)
+  endif()
+  if(name STREQUAL "host" OR name STREQUAL "command" OR name STREQUAL "golden")
+    foreach(needed ovfile ovfile_command)
+      if(TARGET ${needed})
+        add_dependencies(${target} ${needed})
+      endif()
+    endforeach()
+    if(TARGET ovfile AND NOT name STREQUAL "host")
+      # Before the system's libraries, some of which have a DllGetClassObject too.
+      target_link_libraries(${target} PRIVATE ovfile)
+    endif()
+  elseif(DEFINED modules_for_${name})
+    ovf_link_modules(${target} ${modules_for_${name}})
+  else()
+    ovf_link_modules(${target} ${OVF_MODULES})
+  endif()
+  target_link_libraries(${target} PRIVATE ovf_settings ovf_header_libraries GTest::gmock GTest::gtest_main
+                        ${CMAKE_DL_LIBS})
+
+  set(run "${CMAKE_BINARY_DIR}/run/${name}")
+  file(MAKE_DIRECTORY "${run}")
+  gtest_discover_tests(${target} TEST_PREFIX "${name}." WORKING_DIRECTORY "${run}" DISCOVERY_MODE PRE_TEST
+                       DISCOVERY_TIMEOUT 120 PROPERTIES TIMEOUT 300)
+endfunction()
+
+file(GLOB folders CONFIGURE_DEPENDS LIST_DIRECTORIES true "${CMAKE_CURRENT_SOURCE_DIR}/tests/*")
+foreach(folder ${folders})
+  get_filename_component(name "${folder}" NAME)
+  ovf_sources(files "tests/${name}")
+  if(files AND NOT name STREQUAL "support")
+    ovf_add_test_folder(${name})
+  endif()
+endforeach()

@@ -1,0 +1,101 @@
+#include "column_types.h"
+
+#include <algorithm>
+#include <cmath>
+#include <tuple>
+#include <utility>
+
+#include "decimal.h"
+#include "words.h"
+
+namespace command {
+
+std::string_view stored_text(std::string_view cell) noexcept {
+  while (!cell.empty() && (cell.back() == ' ' || cell.back() == '\t')) cell.remove_suffix(1);
+  return cell;
+}
+
+void cell_problem::note(std::uint64_t at_line, std::size_t at_column, std::string words) {
+  if (at_line == 0) return;
+  if (line != 0 && std::tie(line, column) <= std::tie(at_line, at_column)) return;
+  line = at_line;
+  column = at_column;
+  what = std::move(words);
+}
+
+void type_finder::force_text(std::size_t column, std::size_t width) {
+  columns_[column].is_text = true;
+  columns_[column].forced_width = width;
+}
+
+void type_finder::add_row(const std::vector<std::string_view>& cells, std::uint64_t line) {
+  for (std::size_t i = 0; i < cells.size(); ++i) {
+    if (!cells[i].empty()) add_cell(i, cells[i], line);
+  }
+}
+
+void type_finder::add_cell(std::size_t index, std::string_view cell, std::uint64_t line) {
+  const std::string_view text = stored_text(cell);
+  if (text.empty()) return;
+  if (!columns_[index].is_text) look_at_number(index, cell, line);
+  look_at_text(index, text, line);
+}
+
+void type_finder::look_at_number(std::size_t index, std::string_view cell, std::uint64_t line) {
+  column_type& column = columns_[index];
+  if (!read_number(cell).is_number) {
+    column.is_text = true;
+    return;
+  }
+  if (!single_) return;
+  bool kept = true;
+  const float value = read_float(cell, kept);
+  if (!kept) column.loses_digits = true;
+  if (std::isinf(value) && column.too_large.line == 0) {
+    column.too_large.note(line, index + 1,
+                          fmt::format("{} is beyond the range of single precision", without_blanks(cell)));
+  }
+}
+
+void type_finder::look_at_text(std::size_t index, std::string_view text, std::uint64_t line) {
+  column_type& column = columns_[index];
+  utf8_facts facts;
+  facts.characters = text.size();
+  if (!is_ascii(text)) facts = look_at_utf8(text);
+  if (!facts.valid) valid_utf8_ = false;
+  column.longest_as_utf8 = std::max(column.longest_as_utf8, facts.characters);
+  column.longest_as_1252 = std::max(column.longest_as_1252, text.size());
+  if (!column.is_text) return;
+  if (facts.foreign != 0) {
+    problem_as_utf8_.note(
+        line, index + 1,
+        fmt::format("the character U+{:04X} is not in Windows-1252, in which tables keep text",
+                    static_cast<std::uint32_t>(facts.foreign)));
+  }
+  if (text.find('\0') != text.npos) problem_.note(line, index + 1, "a table cannot keep a NUL character");
+  if (column.forced_width == 0) return;
+  const auto too_long = [&](std::size_t length) {
+    return fmt::format("the text has {} characters, more than the {} of --text", length, column.forced_width);
+  };
+  if (facts.characters > column.forced_width)
+    problem_as_utf8_.note(line, index + 1, too_long(facts.characters));
+  if (text.size() > column.forced_width) problem_as_1252_.note(line, index + 1, too_long(text.size()));
+}
+
+cell_problem type_finder::first_problem() const {
+  cell_problem first = problem_;
+  first.note(valid_utf8_ ? problem_as_utf8_ : problem_as_1252_);
+  for (const column_type& column : columns_) {
+    if (!column.is_text) first.note(column.too_large);
+  }
+  return first;
+}
+
+std::size_t type_finder::width(std::size_t column) const noexcept {
+  const column_type& type = columns_[column];
+  if (type.forced_width != 0) return type.forced_width;
+  const std::size_t longest = valid_utf8_ ? type.longest_as_utf8 : type.longest_as_1252;
+  return (std::max<std::size_t>(longest, 1) + 3) / 4 * 4;
+}
+
+}  // namespace command

@@ -1,0 +1,16 @@
+// The commands of the program. A new one is a file that defines `define_NAME`, and a line in
+// OVFILE_COMMANDS.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#define OVFILE_COMMANDS(one) one(import) one(info) one(head) one(export)
+
+namespace command {
+
+/// Each adds its subcommand, whose callback does the work and throws what failure.h lists.
+#define OVFILE_DECLARE(name) void define_##name(CLI::App& program);
+OVFILE_COMMANDS(OVFILE_DECLARE)
+#undef OVFILE_DECLARE
+
+}  // namespace command

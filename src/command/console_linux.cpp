@@ -1,0 +1,59 @@
+#include <signal.h>
+#include <unistd.h>
+
+#include <cstdlib>
+
+#include "console.h"
+#include "encoding.h"
+#include "failure.h"
+
+namespace command {
+namespace {
+
+volatile sig_atomic_t stop_signal = 0;
+
+void remember_signal(int signal) { stop_signal = signal; }
+
+constexpr int stop_signals[] = {SIGINT, SIGTERM, SIGHUP};
+struct sigaction old_actions[3];
+
+}  // namespace
+
+std::vector<std::string> start_console(int count, char** values) {
+  ::signal(SIGPIPE, SIG_IGN);
+  ::signal(SIGXFSZ, SIG_IGN);
+  return {values, values + count};
+}
+
+bool is_terminal(standard_stream stream) noexcept { return ::isatty(static_cast<int>(stream)) == 1; }
+
+interrupt_guard::interrupt_guard() {
+  for (std::size_t i = 0; i < std::size(stop_signals); ++i) {
+    ::sigaction(stop_signals[i], nullptr, &old_actions[i]);
+    if (old_actions[i].sa_handler == SIG_IGN) continue;
+    struct sigaction action {};
+    action.sa_handler = remember_signal;  // no SA_RESTART: a read that waits returns
+    ::sigaction(stop_signals[i], &action, nullptr);
+  }
+}
+
+interrupt_guard::~interrupt_guard() {
+  for (std::size_t i = 0; i < std::size(stop_signals); ++i) {
+    ::sigaction(stop_signals[i], &old_actions[i], nullptr);
+  }
+}
+
+void throw_if_interrupted() {
+  if (stop_signal != 0) throw interrupted();
+}
+
+void end_as_interrupted() {
+  const int signal = stop_signal != 0 ? stop_signal : SIGINT;
+  ::signal(signal, SIG_DFL);
+  ::raise(signal);
+  std::_Exit(128 + signal);
+}
+
+bool has_ansi_place(char32_t character) noexcept { return in_windows_1252(character); }
+
+}  // namespace command

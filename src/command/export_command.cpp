@@ -1,0 +1,104 @@
+// ovfile export: a table becomes a CSV.
+#include <memory>
+
+#include "commands.h"
+#include "csv_text.h"
+#include "failure.h"
+#include "progress.h"
+#include "replacement.h"
+#include "table_options.h"
+#include "table_view.h"
+#include "text_output.h"
+
+namespace command {
+namespace {
+
+constexpr const char* help =
+    "Writes a table as a CSV: UTF-8, lines that end with LF, column names first. Numbers have the shortest\n"
+    "form that reads back to the same value; an absent number is an empty cell.";
+
+struct export_request {
+  row_options options;
+  std::string csv = "-";
+};
+
+class csv_exporter {
+ public:
+  csv_exporter(const export_request& request, table_view& view, text_output& output)
+      : view_(view), output_(output), fields_(view.choose(request.options.columns)) {
+    append_csv_cell(absent_, request.options.absent);
+  }
+
+  void write_header() {
+    for (std::size_t i = 0; i < fields_.size(); ++i) {
+      if (i > 0) output_.text() += ',';
+      append_csv_cell(output_.text(), fields_[i].name);
+    }
+    end_line();
+  }
+
+  void write_row() {
+    const std::size_t begin = output_.text().size();
+    for (std::size_t i = 0; i < fields_.size(); ++i) {
+      if (i > 0) output_.text() += ',';
+      write_cell(fields_[i]);
+    }
+    // An empty line would be taken for no row at all.
+    if (output_.text().size() == begin && !fields_.empty()) output_.text() += "\"\"";
+    end_line();
+  }
+
+ private:
+  void write_cell(const field_view& field) {
+    if (!field.is_text) {
+      view_.append_cell(output_.text(), field, absent_);
+      return;
+    }
+    text_.clear();
+    view_.append_cell(text_, field, {});
+    append_csv_cell(output_.text(), text_);
+  }
+
+  void end_line() {
+    output_.text() += '\n';
+    output_.pass_on();
+  }
+
+  table_view& view_;
+  text_output& output_;
+  std::vector<field_view> fields_;
+  std::string absent_;
+  std::string text_;
+};
+
+void run_export(const export_request& request) {
+  if (request.csv != "-" && same_file(request.options.table, request.csv)) {
+    throw wrong_usage("the table and the CSV are one file: " + request.csv);
+  }
+  table_view view(request.options.table);
+  text_output output(request.csv);
+  const bool to_terminal = request.csv == "-" && is_terminal(standard_stream::output);
+  progress bar("writing", !to_terminal);
+  csv_exporter exporter(request, view, output);
+  exporter.write_header();
+  for (LONG row = 1; row <= view.rows(); ++row) {
+    row == 1 ? view.go_to(1) : view.go_on();
+    exporter.write_row();
+    bar.at(static_cast<std::uint64_t>(row), static_cast<std::uint64_t>(view.rows()));
+  }
+  output.finish();
+}
+
+}  // namespace
+
+void define_export(CLI::App& program) {
+  auto request = std::make_shared<export_request>();
+  CLI::App* const app = program.add_subcommand("export", "Write a table as a CSV");
+  app->description(help);
+  add_table_argument(*app, request->options.table);
+  app->add_option("csv", request->csv, "the CSV to make; - is standard output")->capture_default_str();
+  add_row_options(*app, request->options);
+  app->callback([request] { run_export(*request); });
+}
+
+}  // namespace command

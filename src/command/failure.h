@@ -1,0 +1,26 @@
+// How a command ends early. Messages are UTF-8, name the file (and row and column where there are such)
+// and are one line; main prints them.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace command {
+
+/// The work failed: exit status 1.
+struct failure : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
+/// The arguments make no sense together: exit status 2.
+struct wrong_usage : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
+/// Whoever reads our output has gone: nothing is left to do or to say.
+struct broken_pipe {};
+
+/// A signal (or its like) asked the program to stop; what it made so far is to be removed.
+struct interrupted {};
+
+}  // namespace command

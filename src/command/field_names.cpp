@@ -1,0 +1,96 @@
+#include "field_names.h"
+
+#include <set>
+#include <string_view>
+
+#include "console.h"
+#include "decimal.h"
+#include "ovfile/smart.h"
+#include "words.h"
+
+namespace command {
+namespace {
+
+constexpr std::u32string_view never_allowed = U" ,!:*&=()?";
+constexpr std::u32string_view never_first = U".@";
+
+std::u32string characters_of(std::string_view utf8) {
+  std::u32string characters;
+  bool valid = true;
+  while (!utf8.empty()) characters.push_back(ovfile::take_utf8(utf8, valid));
+  return characters;
+}
+
+std::string utf8_of(std::u32string_view characters) {
+  ovfile::wide_string wide;
+  for (const char32_t c : characters) wide.push_back(static_cast<OLECHAR>(c));
+  return ovfile::to_utf8(wide);
+}
+
+bool is_allowed(char32_t c) {
+  return c >= 0x20 && c != 0x7F && never_allowed.find(c) == never_allowed.npos && has_ansi_place(c);
+}
+
+/// The header with an underscore for every character that a name may not have; not yet shortened.
+std::u32string made_valid(const std::string& header) {
+  std::u32string name = characters_of(without_blanks(header));
+  for (char32_t& c : name) {
+    if (!is_allowed(c)) c = U'_';
+  }
+  if (!name.empty() && never_first.find(name[0]) != never_first.npos) name[0] = U'_';
+  return name;
+}
+
+/// The name cut to the length, or its beginning with a number behind it that makes it new.
+std::string first_free(const std::u32string& name, std::size_t longest, const std::set<std::string>& taken) {
+  std::string made = utf8_of(std::u32string_view(name).substr(0, longest));
+  for (unsigned number = 2; taken.contains(made); ++number) {
+    const std::string tail = name.size() < longest ? fmt::format("_{}", number) : std::to_string(number);
+    const std::size_t room = longest > tail.size() ? longest - tail.size() : 0;
+    made = utf8_of(std::u32string_view(name).substr(0, room)) + tail;
+  }
+  return made;
+}
+
+std::string note_of(std::size_t column, const std::string& header, bool repeated, const std::string& name) {
+  if (without_blanks(header).empty())
+    return fmt::format("column {} has no name and becomes {}", column, name);
+  return fmt::format("column {} \"{}\"{} becomes {}", column, header, repeated ? ", a repeated name," : "",
+                     name);
+}
+
+}  // namespace
+
+std::string name_problem(const std::string& name, std::size_t longest) {
+  const std::u32string characters = characters_of(name);
+  if (characters.empty()) return "the name is empty";
+  if (characters.size() > longest) return fmt::format("the name is longer than {} characters", longest);
+  if (never_first.find(characters[0]) != never_first.npos) return "a name may not begin with . or @";
+  for (const char32_t c : characters) {
+    if (!is_allowed(c)) return "a name may not hold blanks, control characters or any of ,!:*&=()?";
+  }
+  return {};
+}
+
+std::vector<std::string> make_field_names(const std::vector<std::string>& headers,
+                                          const std::vector<std::string>& taken, std::size_t longest,
+                                          std::vector<std::string>& notes) {
+  std::set<std::string> used(taken.begin(), taken.end());
+  std::vector<std::string> names(headers.size());
+  for (std::size_t i = 0; i < headers.size(); ++i) {
+    const bool good = name_problem(headers[i], longest).empty();
+    if (good && used.insert(headers[i]).second) names[i] = headers[i];
+  }
+  for (std::size_t i = 0; i < headers.size(); ++i) {
+    if (!names[i].empty()) continue;
+    std::u32string wanted = made_valid(headers[i]);
+    if (wanted.empty()) wanted = characters_of(fmt::format("COL{}", i + 1));
+    names[i] = first_free(wanted, longest, used);
+    used.insert(names[i]);
+    const bool repeated = name_problem(headers[i], longest).empty();
+    notes.push_back(note_of(i + 1, headers[i], repeated, names[i]));
+  }
+  return names;
+}
+
+}  // namespace command

@@ -1,0 +1,129 @@
+// ovfile head: some rows of a table, in columns to read.
+#include <algorithm>
+#include <memory>
+
+#include "commands.h"
+#include "failure.h"
+#include "table_options.h"
+#include "table_view.h"
+#include "text_output.h"
+#include "words.h"
+
+namespace command {
+namespace {
+
+constexpr const char* help =
+    "Shows rows of a table in aligned columns: numbers in their shortest form, absent ones empty.";
+
+struct head_request {
+  row_options options;
+  LONG count = 10;
+  LONG from = 1;
+};
+
+/// Shows rows in two walks, one to find the columns' widths and one to print: memory does not grow with
+/// the number of rows.
+class row_printer {
+ public:
+  row_printer(const head_request& request, table_view& view)
+      : request_(request),
+        view_(view),
+        fields_(view.choose(request.options.columns)),
+        widths_(fields_.size()) {
+    const LONG behind = view.rows() - request.from + 1;
+    count_ = std::min(request.count, std::max<LONG>(behind, 0));
+  }
+
+  void print(text_output& output) {
+    const auto measure = [&](std::size_t i, bool) { widths_[i] = std::max(widths_[i], length_); };
+    const auto write = [&](std::size_t i, bool is_text) { append_padded(output.text(), i, is_text); };
+    for_each_line(measure, [] {});
+    for_each_line(write, [&] { end_line(output); });
+  }
+
+ private:
+  template <class Cell, class End>
+  void for_each_line(Cell cell, End end) {
+    for (std::size_t i = 0; i < fields_.size(); ++i) {
+      take(fields_[i].name);
+      cell(i, fields_[i].is_text);
+    }
+    end();
+    for (LONG row = 0; row < count_; ++row) {
+      row == 0 ? view_.go_to(request_.from) : view_.go_on();
+      for (std::size_t i = 0; i < fields_.size(); ++i) {
+        raw_.clear();
+        view_.append_cell(raw_, fields_[i], request_.options.absent);
+        take(raw_);
+        cell(i, fields_[i].is_text);
+      }
+      end();
+    }
+  }
+
+  /// Control characters would move the cursor, or worse: they show as full stops.
+  void take(std::string_view utf8) {
+    cell_.clear();
+    length_ = 0;
+    bool valid = true;
+    while (!utf8.empty()) {
+      const std::string_view before = utf8;
+      const std::uint32_t c = ovfile::take_utf8(utf8, valid);
+      const bool control = c < 0x20 || (c >= 0x7F && c < 0xA0);
+      cell_ += control ? "." : before.substr(0, before.size() - utf8.size());
+      ++length_;
+    }
+  }
+
+  void append_padded(std::string& line, std::size_t i, bool is_text) const {
+    if (i > 0) line += "  ";
+    if (!is_text) line.append(widths_[i] - length_, ' ');
+    line += cell_;
+    if (is_text && i + 1 < fields_.size()) line.append(widths_[i] - length_, ' ');
+  }
+
+  static void end_line(text_output& output) {
+    output.text() += '\n';
+    output.pass_on();
+  }
+
+  const head_request& request_;
+  table_view& view_;
+  std::vector<field_view> fields_;
+  std::vector<std::size_t> widths_;
+  LONG count_ = 0;
+  std::string raw_;
+  std::string cell_;
+  std::size_t length_ = 0;
+};
+
+void run_head(const head_request& request) {
+  table_view view(request.options.table);
+  if (request.from > std::max<LONG>(view.rows(), 1)) {
+    throw failure(fmt::format("{} has no row {}; it has {}", view.file(), request.from, view.rows()));
+  }
+  text_output output;
+  row_printer(request, view).print(output);
+  output.finish();
+}
+
+}  // namespace
+
+void define_head(CLI::App& program) {
+  auto request = std::make_shared<head_request>();
+  CLI::App* const app = program.add_subcommand("head", "Show rows of a table");
+  app->description(help);
+  add_table_argument(*app, request->options.table);
+  app->add_option("-n,--rows", request->count, "how many rows")
+      ->type_name("N")
+      ->check(CLI::NonNegativeNumber)
+      ->capture_default_str();
+  app->add_option("--from", request->from, "the first row to show")
+      ->type_name("ROW")
+      ->check(CLI::PositiveNumber)
+      ->capture_default_str();
+  add_row_options(*app, request->options);
+  app->callback([request] { run_head(*request); });
+}
+
+}  // namespace command

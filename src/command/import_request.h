@@ -1,0 +1,29 @@
+// What the user asked an import to do.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace command {
+
+struct forced_text {
+  std::string name;  ///< as in the CSV's header, or as the table will have it
+  std::size_t width;
+};
+
+struct implicit_field {
+  std::string name;
+  std::string value;
+};
+
+struct import_request {
+  std::string csv;  ///< `-` is standard input
+  std::string table;
+  bool single = false;
+  std::vector<forced_text> texts;
+  std::vector<implicit_field> implicits;
+  std::optional<std::string> description;
+};
+
+}  // namespace command

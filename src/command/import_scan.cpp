@@ -1,0 +1,203 @@
+#include "import_scan.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <set>
+
+#include "absent.h"
+#include "column_types.h"
+#include "csv_reader.h"
+#include "decimal.h"
+#include "failure.h"
+#include "field_names.h"
+#include "ovfile/smart.h"
+#include "progress.h"
+#include "words.h"
+
+namespace command {
+namespace {
+
+constexpr std::size_t short_name = 8;
+
+/// How long the library lets field names be.
+std::size_t longest_name(bool single) {
+  const auto schema = ovfile::create_schema();
+  ovfile::check(schema->put_DoublePrecisionFlag(single ? 0 : 1));
+  LONG longest = 0;
+  const bool known = schema->get_FieldNameMaxLength(&longest) == S_OK && longest > 0;
+  return known ? static_cast<std::size_t>(longest) : short_name;
+}
+
+planned_field plan_implicit(const implicit_field& wanted) {
+  planned_field field;
+  field.name = wanted.name;
+  const number_cell number = read_number(wanted.value);
+  field.is_text = !number.is_number && !without_blanks(wanted.value).empty();
+  field.number_default = number.is_number ? number.value : absent_number;
+  if (field.is_text) {
+    const utf8_facts facts = look_at_utf8(wanted.value);
+    if (!facts.valid || facts.foreign != 0) {
+      throw failure(
+          fmt::format("--implicit {}: the value has a character that is not in Windows-1252", wanted.name));
+    }
+    field.text_default = wanted.value;
+    field.width = (facts.characters + 3) / 4 * 4;
+  }
+  return field;
+}
+
+std::vector<planned_field> plan_implicits(const import_request& request, std::size_t longest) {
+  std::vector<planned_field> fields;
+  std::set<std::string> names;
+  for (const implicit_field& wanted : request.implicits) {
+    const std::string problem = name_problem(wanted.name, longest);
+    if (!problem.empty()) throw failure(fmt::format("--implicit {}: {}", wanted.name, problem));
+    if (!names.insert(wanted.name).second) {
+      throw failure(fmt::format("--implicit {}: the name is given twice", wanted.name));
+    }
+    fields.push_back(plan_implicit(wanted));
+    bool kept = true;
+    if (request.single && !fields.back().is_text && std::isinf(read_float(wanted.value, kept))) {
+      throw failure(fmt::format("--implicit {}: {} is beyond the range of single precision", wanted.name,
+                                wanted.value));
+    }
+  }
+  return fields;
+}
+
+/// The header's cells as UTF-8. A header that is no UTF-8 is Windows-1252.
+std::vector<std::string> read_header(csv_reader& reader, const std::string& file) {
+  if (!reader.next())
+    throw failure(file + ", line 1, column 1: the file is empty; it needs a line of column names");
+  const auto& cells = reader.cells();
+  const bool utf8 =
+      std::all_of(cells.begin(), cells.end(), [](std::string_view cell) { return look_at_utf8(cell).valid; });
+  std::vector<std::string> headers;
+  for (const std::string_view cell : cells) {
+    headers.push_back(to_utf8(cell, utf8 ? encoding::utf8 : encoding::windows_1252));
+  }
+  return headers;
+}
+
+void refuse_doubled_names(const std::vector<planned_field>& implicits,
+                          const std::vector<std::string>& headers, const std::string& file) {
+  for (const planned_field& field : implicits) {
+    if (std::find(headers.begin(), headers.end(), field.name) == headers.end()) continue;
+    throw failure(fmt::format("--implicit {}: {} has a column of that name", field.name, file));
+  }
+}
+
+void force_texts(type_finder& types, const import_request& request, const std::vector<std::string>& headers,
+                 const std::vector<planned_field>& fields) {
+  for (const forced_text& text : request.texts) {
+    std::size_t index = 0;
+    while (index < headers.size() && headers[index] != text.name) ++index;
+    if (index == headers.size()) {
+      index = 0;
+      while (index < fields.size() && fields[index].name != text.name) ++index;
+    }
+    if (index == headers.size()) {
+      throw failure(fmt::format("{} has no column {} (--text)", request.csv, text.name));
+    }
+    types.force_text(index, text.width);
+  }
+}
+
+[[noreturn]] void stop(const std::string& file, const cell_problem& problem, const std::string& header) {
+  throw failure(
+      fmt::format("{} ({}): {}", csv_place(file, problem.line, problem.column), header, problem.what));
+}
+
+/// Reads all rows; the first problem in the order of the file stops it.
+std::uint64_t scan_rows(csv_reader& reader, csv_input& input, type_finder& types,
+                        const std::vector<std::string>& headers) {
+  progress bar("reading " + input.name());
+  std::uint64_t rows = 0;
+  const auto check = [&] {
+    const cell_problem problem = types.first_problem();
+    if (problem.line != 0) stop(input.name(), problem, headers[problem.column - 1]);
+  };
+  try {
+    while (reader.next()) {
+      if (reader.is_blank() && headers.size() > 1) continue;
+      check_cell_count(reader, input.name(), headers.size());
+      types.add_row(reader.cells(), reader.line());
+      ++rows;
+      bar.at(reader.bytes_read(), input.size());
+    }
+  } catch (const failure&) {
+    check();
+    throw;
+  }
+  check();
+  if (rows > static_cast<std::uint64_t>(std::numeric_limits<LONG>::max())) {
+    throw failure(fmt::format("{} has {} rows; a table holds at most {}", input.name(), rows,
+                              std::numeric_limits<LONG>::max()));
+  }
+  return rows;
+}
+
+std::size_t words_of(const planned_field& field) { return field.is_text ? (field.width + 3) / 4 : 1; }
+
+void check_size(const import_plan& plan) {
+  const std::size_t limit = plan.single ? 64 : 256;
+  std::size_t words = 0;
+  for (const planned_field& field : plan.stored) words += words_of(field);
+  for (const planned_field& field : plan.implicit) words += words_of(field);
+  if (words <= limit) return;
+  throw failure(
+      fmt::format("the table would need {} words; a {}-precision one holds {} (a number takes one, a "
+                  "text one for every 4 characters)",
+                  words, plan.single ? "single" : "double", limit));
+}
+
+void note_lost_digits(import_plan& plan, const type_finder& types) {
+  std::string names;
+  for (std::size_t i = 0; i < plan.stored.size(); ++i) {
+    if (plan.stored[i].is_text || !types.columns()[i].loses_digits) continue;
+    names += (names.empty() ? "" : ", ") + plan.stored[i].name;
+  }
+  if (!names.empty()) plan.notes.push_back("warning: single precision loses digits of " + names);
+}
+
+}  // namespace
+
+void check_cell_count(const csv_reader& reader, const std::string& file, std::size_t columns) {
+  const std::size_t cells = reader.cells().size();
+  if (cells == columns) return;
+  throw failure(fmt::format("{}: the row has {} cells, the header has {}",
+                            csv_place(file, reader.line(), std::min(cells, columns) + 1), cells, columns));
+}
+
+import_plan scan_csv(csv_input& input, const import_request& request) {
+  import_plan plan;
+  plan.single = request.single;
+  plan.description = request.description.value_or("");
+  const std::size_t longest = longest_name(request.single);
+  plan.implicit = plan_implicits(request, longest);
+
+  csv_reader reader(input, input.name());
+  const std::vector<std::string> headers = read_header(reader, input.name());
+  refuse_doubled_names(plan.implicit, headers, input.name());
+  std::vector<std::string> taken;
+  for (const planned_field& field : plan.implicit) taken.push_back(field.name);
+  for (const std::string& name : make_field_names(headers, taken, longest, plan.notes)) {
+    plan.stored.push_back({});
+    plan.stored.back().name = name;
+  }
+
+  type_finder types(headers.size(), request.single);
+  force_texts(types, request, headers, plan.stored);
+  plan.rows = scan_rows(reader, input, types, headers);
+  plan.text_encoding = types.text_encoding();
+  for (std::size_t i = 0; i < headers.size(); ++i) {
+    plan.stored[i].is_text = types.columns()[i].is_text;
+    if (plan.stored[i].is_text) plan.stored[i].width = types.width(i);
+  }
+  check_size(plan);
+  if (plan.single) note_lost_digits(plan, types);
+  return plan;
+}
+
+}  // namespace command

@@ -1,0 +1,41 @@
+// The first of an import's two passes: reads the whole CSV, writes nothing, and comes back with the
+// table to make, or with the first thing that is wrong.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "csv_input.h"
+#include "csv_reader.h"
+#include "encoding.h"
+#include "import_request.h"
+
+namespace command {
+
+/// A field of the table to make.
+struct planned_field {
+  std::string name;
+  bool is_text = false;
+  std::size_t width = 0;      ///< characters of a text
+  double number_default = 0;  ///< of an implicit number
+  std::string text_default;   ///< of an implicit text, UTF-8
+};
+
+struct import_plan {
+  bool single = false;
+  std::string description;              ///< UTF-8; empty: the library's own
+  std::vector<planned_field> stored;    ///< one for each column of the CSV
+  std::vector<planned_field> implicit;  ///< behind them
+  encoding text_encoding = encoding::utf8;
+  std::uint64_t rows = 0;
+  std::vector<std::string> notes;  ///< what was changed, for the user
+};
+
+/// Throws `failure` with the place where a row has not as many cells as there are columns.
+void check_cell_count(const csv_reader& reader, const std::string& file, std::size_t columns);
+
+/// Throws `failure`.
+import_plan scan_csv(csv_input& input, const import_request& request);
+
+}  // namespace command

@@ -1,0 +1,162 @@
+// ovfile info: what a table is.
+#include <algorithm>
+#include <cmath>
+#include <memory>
+
+#include "absent.h"
+#include "commands.h"
+#include "number_text.h"
+#include "table_options.h"
+#include "table_view.h"
+#include "text_output.h"
+#include "words.h"
+
+namespace command {
+namespace {
+
+constexpr const char* help = "Tells a table's precision, byte order, description, size and fields.";
+
+struct info_request {
+  std::string table;
+  bool json = false;
+};
+
+struct table_facts {
+  OvTableFacts file{};
+  std::string description;
+  bool linked = false;
+  std::string target;  ///< of a link
+};
+
+table_facts read_facts(const table_view& view) {
+  table_facts facts;
+  const auto maintenance = ovfile::pointer<IOvTable>(&view.table()).query<IOvTableMaintenance>();
+  facts.file.cbSize = sizeof facts.file;
+  view.check(maintenance ? maintenance->GetFacts(&facts.file) : E_NOINTERFACE);
+  facts.description = ovfile::to_utf8(facts.file.description);
+  facts.description.erase(facts.description.find_last_not_of(' ') + 1);
+  VARIANT_BOOL linked = VARIANT_FALSE;
+  view.check(view.table().get_IsLinked(&linked));
+  facts.linked = linked != VARIANT_FALSE;
+  if (facts.linked) {
+    ovfile::text name;
+    view.check(view.table().get_Name(name.out()));
+    facts.target = name.utf8();
+  }
+  return facts;
+}
+
+const char* byte_order_words(LONG code) {
+  switch (code) {
+    case 0:
+      return "little-endian";
+    case 256:
+      return "bytes swapped in each half word";
+    case 1024:
+      return "halves of words swapped";
+    default:
+      return "big-endian";
+  }
+}
+
+std::string number_default_text(const table_view& view, double value) {
+  return view.is_single() ? number_text(static_cast<float>(value)) : number_text(value);
+}
+
+bool is_absent_default(const table_view& view, double value) {
+  return view.is_single() ? is_absent(static_cast<float>(value)) : is_absent(value);
+}
+
+std::string default_words(const table_view& view, const field_view& field) {
+  if (field.is_text) return field.text_default;
+  return is_absent_default(view, field.number_default) ? "absent"
+                                                       : number_default_text(view, field.number_default);
+}
+
+void append_fields(std::string& out, const table_view& view) {
+  std::size_t name_width = 5;
+  for (const field_view& field : view.fields()) name_width = std::max(name_width, field.name.size());
+  out += fmt::format("\n{:>4}  {:<{}}  {:<6}  {:>5}  {:<8}  {}\n", "#", "field", name_width, "type", "width",
+                     "kept", "default");
+  for (const field_view& field : view.fields()) {
+    const std::string line =
+        fmt::format("{:>4}  {:<{}}  {:<6}  {:>5}  {:<8}  {}", field.column, field.name, name_width,
+                    field.is_text ? "text" : "number", field.is_text ? std::to_string(field.width) : "",
+                    field.implicit ? "implicit" : "stored", default_words(view, field));
+    out.append(line, 0, line.find_last_not_of(' ') + 1);
+    out += '\n';
+  }
+}
+
+void append_words(std::string& out, const table_view& view, const table_facts& facts) {
+  const OvTableFacts& file = facts.file;
+  const auto line = [&](const char* what, const std::string& words) {
+    out += fmt::format("{:<12} {}\n", what, words);
+  };
+  line("file", view.file());
+  if (facts.linked) line("link to", facts.target);
+  line("precision",
+       fmt::format("{} ({}-byte words)", view.is_single() ? "single" : "double", file.wordBytes));
+  line("byte order", fmt::format("{} ({})", file.byteOrder, byte_order_words(file.byteOrder)));
+  line("description", facts.description);
+  line("rows", std::to_string(view.rows()));
+  line("record", fmt::format("{} words, {} in a page", file.recordWords, file.recordsPerPage));
+  line("pages", fmt::format("{}, {} of them header", file.pages, file.headerPages));
+  line("file size", fmt::format("{} bytes", file.fileBytes));
+  line("fields", std::to_string(view.fields().size()));
+  append_fields(out, view);
+}
+
+std::string json_default(const table_view& view, const field_view& field) {
+  if (field.is_text) return json_text(field.text_default);
+  if (is_absent_default(view, field.number_default)) return "null";
+  const std::string number = number_default_text(view, field.number_default);
+  return std::isfinite(field.number_default) ? number : json_text(number);
+}
+
+void append_json_field(std::string& out, const table_view& view, const field_view& field) {
+  out += fmt::format(R"({{"name": {}, "type": "{}", "width": {}, "implicit": {}, "default": {}}})",
+                     json_text(field.name), field.is_text ? "text" : "number", field.width, field.implicit,
+                     json_default(view, field));
+}
+
+void append_json(std::string& out, const table_view& view, const table_facts& facts) {
+  const OvTableFacts& file = facts.file;
+  out += fmt::format("{{\n  \"file\": {},\n  \"link_target\": {},\n", json_text(view.file()),
+                     facts.linked ? json_text(facts.target) : "null");
+  out += fmt::format("  \"precision\": \"{}\",\n  \"byte_order\": {},\n  \"description\": {},\n",
+                     view.is_single() ? "single" : "double", file.byteOrder, json_text(facts.description));
+  out +=
+      fmt::format("  \"rows\": {},\n  \"record_words\": {},\n  \"records_per_page\": {},\n  \"pages\": {},\n",
+                  view.rows(), file.recordWords, file.recordsPerPage, file.pages);
+  out += fmt::format("  \"header_pages\": {},\n  \"file_size\": {},\n  \"fields\": [", file.headerPages,
+                     file.fileBytes);
+  const char* separator = "\n    ";
+  for (const field_view& field : view.fields()) {
+    out += separator;
+    append_json_field(out, view, field);
+    separator = ",\n    ";
+  }
+  out += view.fields().empty() ? "]\n}\n" : "\n  ]\n}\n";
+}
+
+void run_info(const info_request& request) {
+  const table_view view(request.table);
+  const table_facts facts = read_facts(view);
+  text_output output;
+  request.json ? append_json(output.text(), view, facts) : append_words(output.text(), view, facts);
+  output.finish();
+}
+
+}  // namespace
+
+void define_info(CLI::App& program) {
+  auto request = std::make_shared<info_request>();
+  CLI::App* const app = program.add_subcommand("info", "Tell what a table is");
+  app->description(help);
+  add_table_argument(*app, request->table);
+  app->add_flag("--json", request->json, "as JSON: a default of null is absent");
+  app->callback([request] { run_info(*request); });
+}
+
+}  // namespace command

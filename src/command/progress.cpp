@@ -1,0 +1,43 @@
+#include "progress.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "console.h"
+#include "words.h"
+
+namespace command {
+namespace {
+
+constexpr auto patience = std::chrono::milliseconds(1000);
+constexpr auto between_looks = std::chrono::milliseconds(100);
+constexpr std::uint64_t bar_width = 30;
+
+}  // namespace
+
+progress::progress(std::string title, bool wanted)
+    : title_(std::move(title)),
+      shown_(wanted && is_terminal(standard_stream::error)),
+      next_(std::chrono::steady_clock::now() + patience) {}
+
+progress::~progress() {
+  if (drawn_) std::fputs("\r\x1B[K", stderr);
+}
+
+void progress::look(std::uint64_t done, std::uint64_t total) {
+  const auto now = std::chrono::steady_clock::now();
+  if (now < next_) return;
+  next_ = now + between_looks;
+  drawn_ = true;
+  const double share =
+      total == 0 ? 0.0 : std::min(1.0, static_cast<double>(done) / static_cast<double>(total));
+  const auto full = static_cast<std::uint64_t>(share * static_cast<double>(bar_width));
+  const std::string line = total == 0
+                               ? fmt::format("\r{} …\x1B[K", title_)
+                               : fmt::format("\r{} [{}{}] {:3.0f} %\x1B[K", title_, std::string(full, '#'),
+                                             std::string(bar_width - full, ' '), share * 100);
+  std::fputs(line.c_str(), stderr);
+  std::fflush(stderr);
+}
+
+}  // namespace command

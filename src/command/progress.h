@@ -1,0 +1,36 @@
+// A bar on standard error for work that lasts: shown from the second second on, only on a terminal, and
+// wiped away at the end.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+
+namespace command {
+
+class progress {
+ public:
+  /// `wanted` false keeps it silent (its line would run into the output).
+  explicit progress(std::string title, bool wanted = true);
+  ~progress();
+  progress(const progress&) = delete;
+  progress& operator=(const progress&) = delete;
+
+  /// Cheap enough for every row. A `total` of 0 is unknown: then only the bar's title stands there.
+  void at(std::uint64_t done, std::uint64_t total) {
+    if (shown_ && ++calls_ % calls_per_look == 0) look(done, total);
+  }
+
+ private:
+  static constexpr unsigned calls_per_look = 1024;
+
+  void look(std::uint64_t done, std::uint64_t total);
+
+  std::string title_;
+  bool shown_;
+  unsigned calls_ = 0;
+  bool drawn_ = false;
+  std::chrono::steady_clock::time_point next_;
+};
+
+}  // namespace command

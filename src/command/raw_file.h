@@ -1,0 +1,62 @@
+// Unbuffered files and standard streams, binary on every system. Names are UTF-8. Failures throw
+// `failure` with the file and the system's reason; a stop that was asked for throws `interrupted`.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace command {
+
+class raw_file {
+ public:
+  static raw_file standard_input();
+  static raw_file standard_output();
+  /// An existing file or pipe, for reading.
+  static raw_file open(const std::string& name);
+  /// An existing file, for writing from its beginning.
+  static raw_file open_to_write(const std::string& name);
+  /// A new file for writing and reading; fails when there is one already, with `taken()` true.
+  static raw_file make_new(const std::string& name, bool& taken);
+  /// A new file in the system's temporary folder that has gone when it is closed.
+  static raw_file make_scratch();
+
+  raw_file(raw_file&& other) noexcept;
+  raw_file& operator=(raw_file&&) = delete;
+  ~raw_file();
+
+  /// The name that messages use.
+  const std::string& name() const noexcept { return name_; }
+
+  /// Up to `count` bytes; 0 at the end alone.
+  std::size_t read(char* bytes, std::size_t count);
+  /// All bytes; throws `broken_pipe` when nobody reads them.
+  void write(std::string_view bytes);
+  /// Closes; a failure of it (a full disk that is told late) is thrown. The destructor closes in silence.
+  void close();
+
+  /// Whether it can be read a second time, and its size then.
+  bool is_regular(std::uint64_t& bytes) const noexcept;
+  void rewind();
+
+ private:
+  raw_file(int handle, std::string name) : handle_(handle), name_(std::move(name)) {}
+
+  int handle_;
+  std::string name_;
+};
+
+/// The last error of a C function, in words.
+std::string last_reason();
+
+/// Waits until what was written to a file stands on the disk. Throws `failure`.
+void sync_file(const std::string& name);
+/// Puts `from` in the place of `to` in one step and waits until that stands on the disk; permissions of a
+/// file that was there are carried over. Throws `failure`.
+void replace_file(const std::string& from, const std::string& to);
+void remove_file(const std::string& name) noexcept;
+/// A number that no other running process has.
+unsigned long process_number() noexcept;
+
+}  // namespace command

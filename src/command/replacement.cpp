@@ -1,0 +1,72 @@
+#include "replacement.h"
+
+#include <filesystem>
+#include <system_error>
+
+#include "failure.h"
+#include "raw_file.h"
+
+namespace command {
+namespace {
+
+namespace fs = std::filesystem;
+
+fs::path path_of(const std::string& utf8) { return {std::u8string(utf8.begin(), utf8.end())}; }
+
+std::string utf8_of(const fs::path& path) {
+  const std::u8string text = path.u8string();
+  return {text.begin(), text.end()};
+}
+
+/// Where the new file shall end up.
+std::string resolve(const std::string& target) {
+  std::error_code error;
+  const fs::path path = path_of(target);
+  if (target.empty()) throw failure("the name of the file to write is empty");
+  const fs::file_status kind = fs::status(path, error);
+  if (fs::exists(kind) && !fs::is_regular_file(kind)) {
+    throw failure("cannot write " + target + ": it is not a regular file");
+  }
+  if (!fs::is_symlink(fs::symlink_status(path, error))) return target;
+  const fs::path end = fs::canonical(path, error);
+  if (error) throw failure("cannot write " + target + ": " + error.message());
+  return utf8_of(end);
+}
+
+/// Makes the file under the first name that is free.
+std::string make_beside(const std::string& target) {
+  const fs::path folder = path_of(target).parent_path();
+  for (int number = 0;; ++number) {
+    const std::string leaf = ".NEW" + std::to_string(process_number()) + "-" + std::to_string(number);
+    const std::string name = utf8_of(folder / path_of(leaf));
+    bool taken = false;
+    try {
+      raw_file::make_new(name, taken).close();
+      return name;
+    } catch (const failure&) {
+      if (!taken) throw failure("cannot create " + target + ": " + last_reason());
+    }
+  }
+}
+
+}  // namespace
+
+replacement::replacement(const std::string& target) : target_(resolve(target)), name_(make_beside(target_)) {}
+
+replacement::~replacement() {
+  if (!committed_) remove_file(name_);
+}
+
+void replacement::commit() {
+  throw_if_interrupted();
+  sync_file(name_);
+  replace_file(name_, target_);
+  committed_ = true;
+}
+
+bool same_file(const std::string& left, const std::string& right) {
+  std::error_code error;
+  return fs::equivalent(path_of(left), path_of(right), error) && !error;
+}
+
+}  // namespace command

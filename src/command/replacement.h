@@ -1,0 +1,35 @@
+// A file that is either wholly new or wholly as it was: the new one is made beside the target and takes
+// its place in one step at the end. Whatever ends the work early (a failure, a signal) removes it.
+#pragma once
+
+#include <string>
+
+#include "console.h"
+
+namespace command {
+
+class replacement {
+ public:
+  /// Makes an empty file beside `target` (a link's target where it is a link). Throws `failure`, also when
+  /// the target is a folder or a device.
+  explicit replacement(const std::string& target);
+  ~replacement();
+  replacement(const replacement&) = delete;
+  replacement& operator=(const replacement&) = delete;
+
+  /// The new file, for whoever writes it.
+  const std::string& name() const noexcept { return name_; }
+  /// Puts the new file, which nobody has open any more, in the target's place. Throws `failure`.
+  void commit();
+
+ private:
+  interrupt_guard guard_;
+  std::string target_;
+  std::string name_;
+  bool committed_ = false;
+};
+
+/// Whether two names mean one existing file.
+bool same_file(const std::string& left, const std::string& right);
+
+}  // namespace command

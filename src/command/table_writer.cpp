@@ -1,0 +1,87 @@
+#include "table_writer.h"
+
+#include "absent.h"
+#include "column_types.h"
+#include "decimal.h"
+#include "failure.h"
+#include "words.h"
+
+namespace command {
+namespace {
+
+constexpr const char* changed = "the file changed while it was read";
+
+}  // namespace
+
+table_writer::table_writer(const std::string& file, std::string shown, const import_plan& plan)
+    : shown_(std::move(shown)), plan_(plan), table_(ovfile::create_table()) {
+  const auto schema = ovfile::create_schema();
+  add_fields(*schema.get());
+  check(table_->Create(ovfile::text(file).get(), schema.get()));
+}
+
+void table_writer::check(HRESULT status) const {
+  if (SUCCEEDED(status)) return;
+  throw failure(fmt::format("cannot write {}: {}", shown_, ovfile::error::take(status).what()));
+}
+
+void table_writer::add_fields(IOvSchema& schema) {
+  // The precision goes first: the adders ask for it.
+  check(schema.put_DoublePrecisionFlag(plan_.single ? 0 : 1));
+  check(schema.put_Description(ovfile::text(std::string_view(plan_.description)).get()));
+  for (const planned_field& field : plan_.stored) add_field(schema, field, false);
+  for (const planned_field& field : plan_.implicit) add_field(schema, field, true);
+}
+
+void table_writer::add_field(IOvSchema& schema, const planned_field& field, bool implicit) {
+  const ovfile::text name{std::string_view(field.name)};
+  if (field.is_text) {
+    const ovfile::text value{std::string_view(field.text_default)};
+    check(schema.AddStringColumn(name.get(), static_cast<LONG>(field.width), value.get(), implicit ? 1 : 0));
+  } else {
+    const double value = implicit ? field.number_default : absent_number;
+    check(schema.AddNumericColumn(name.get(), value, implicit ? 1 : 0));
+  }
+}
+
+void table_writer::add_row(const std::vector<std::string_view>& cells) {
+  check(table_->AddRow());  // every field starts as absent or blank
+  for (std::size_t i = 0; i < cells.size(); ++i) {
+    if (!cells[i].empty()) set_cell(static_cast<LONG>(i + 1), plan_.stored[i], cells[i]);
+  }
+}
+
+void table_writer::set_cell(LONG column, const planned_field& field, std::string_view cell) {
+  const std::string_view text = stored_text(cell);
+  if (text.empty()) return;
+  if (field.is_text) {
+    set_text(column, text);
+  } else {
+    set_number(column, cell);
+  }
+}
+
+void table_writer::set_number(LONG column, std::string_view cell) {
+  const number_cell number = read_number(cell);
+  if (!number.is_number) throw failure(changed);
+  if (plan_.single) {
+    // Straight from the text: by way of a double it would be rounded twice.
+    bool kept = true;
+    check(table_->SetColumnFloat(column, read_float(cell, kept)));
+  } else {
+    check(table_->SetColumnDouble(column, number.value));
+  }
+}
+
+void table_writer::set_text(LONG column, std::string_view cell) {
+  wide_.clear();
+  append_wide(wide_, cell, plan_.text_encoding);
+  const ovfile::text value{ovfile::wide_view(wide_)};
+  const HRESULT status = table_->SetColumnString(column, value.get());
+  check(status);
+  if (status == S_FALSE) throw failure(changed);  // it was cut
+}
+
+void table_writer::close() { check(table_->Close()); }
+
+}  // namespace command

@@ -1,0 +1,21 @@
+// Text formatting for messages and output.
+#pragma once
+
+#ifndef FMT_HEADER_ONLY
+#define FMT_HEADER_ONLY 1
+#endif
+#include <fmt/compile.h>
+#include <fmt/format.h>
+
+#include <string>
+#include <string_view>
+
+namespace command {
+
+/// A line on standard error that begins with the program's name.
+void say(std::string_view words);
+
+/// A JSON string, quotes included.
+std::string json_text(std::string_view utf8);
+
+}  // namespace command

@@ -1,0 +1,38 @@
+#include "engine/field_name.h"
+
+#include "ovfile/exception.h"
+#include "storage/format.h"
+
+namespace ovf {
+namespace {
+
+constexpr std::string_view forbidden_anywhere = " ,!:*&=()?";
+constexpr std::string_view forbidden_first = ".@";
+
+void check_length(wide_view name, bool is_double) {
+  if (!is_double && name.size() > format::short_name_chars) {
+    throw MyExceptionClass(OLESTR("field name exceeds 8 characters"));
+  }
+  if (is_double && name.size() > field_name_limit()) throw MyExceptionClass(OLESTR("field name too long"));
+}
+
+void check_characters(wide_view name) {
+  const std::string text = ansi_from_wide(name);
+  const bool bad_first = !text.empty() && forbidden_first.find(text.front()) != std::string_view::npos;
+  if (bad_first || text.find_first_of(forbidden_anywhere) != std::string::npos) {
+    throw MyExceptionClass(OLESTR("field name contains invalid characters"));
+  }
+}
+
+}  // namespace
+
+std::size_t field_name_limit() { return format::short_name_chars; }
+
+void check_new_field_name(wide_view name, bool is_double) {
+  check_length(name, is_double);
+  check_characters(name);
+}
+
+void fail_name_taken() { throw MyExceptionClass(OLESTR("field name already exists")); }
+
+}  // namespace ovf

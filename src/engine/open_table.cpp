@@ -1,0 +1,105 @@
+#include "engine/open_table.h"
+
+#include <algorithm>
+#include <set>
+
+#include "engine/field_name.h"
+#include "engine/ovtable.h"
+#include "platform/clock.h"
+#include "storage/file_error.h"
+#include "storage/ovdd.h"
+#include "storage/random_access_file.h"
+#include "storage/recognise.h"
+
+namespace ovf {
+namespace {
+
+constexpr wide_view no_name = OLESTR("no filename given");
+constexpr wide_view open_failed =
+    OLESTR("Failed to open table %s, windows reported the following error\r\nError: %i\r\nMessage: %s");
+constexpr wide_view too_many_fields = OLESTR(
+    "Failed to create file.\nPlease note there is a size limit of 64 4-byte fields per record in a "
+    "single precision Orvexa file.\nPlease consider removing some columns and/or choosing double "
+    "precision format");
+constexpr wide_view write_failed = OLESTR("Failed to create file");
+
+std::unique_ptr<file> open_handle(const wide& name, bool read_only) {
+  if (name.empty()) throw MyExceptionClass(wide(no_name));
+  auto opened = files().open(name, read_only ? open_mode::read : open_mode::edit);
+  if (opened != nullptr) return opened;
+  const system_code code = last_system_error();
+  throw file_error(wide_format(open_failed)
+                       .arg(wide_view(name))
+                       .arg(static_cast<long long>(code))
+                       .arg(system_message(code))
+                       .text());
+}
+
+template <class Precision>
+wide description_of(const table_definition& definition) {
+  if (!definition.description.empty()) return definition.description;
+  const utc_date today = today_utc();
+  return wide_format(Precision::created_by).arg(today.day).arg(today.month).arg(today.year).text();
+}
+
+template <class Precision>
+std::vector<std::byte> header_of(const table_definition& definition) {
+  if (!Precision::is_double && definition.fields.size() > Precision::max_atoms) {
+    throw MyExceptionClass(wide(too_many_fields));
+  }
+  basic_ovdd<Precision> dictionary;
+  dictionary.set_description(ansi_from_wide(description_of<Precision>(definition)));
+  std::set<wide_view> names;
+  for (const field_definition& each : definition.fields) {
+    check_new_field_name(each.name, Precision::is_double);
+    if (!names.insert(each.name).second) fail_name_taken();
+    const std::string name = ansi_from_wide(each.name);
+    if (each.kind == field_kind::numeric) {
+      dictionary.add_number(name, number_from<Precision>(each.number_default), !each.implicit);
+    } else {
+      dictionary.add_text(name, each.text_default, !each.implicit);
+    }
+  }
+  return dictionary.finished();
+}
+
+/// Writes the header; a target that could not be written whole is removed again.
+void write_new(const wide& name, const std::vector<std::byte>& header) {
+  std::exception_ptr failure;
+  {
+    random_access_file target(name, random_access::create);
+    try {
+      if (target.write(0, header) != header.size() || !target.sync()) throw file_error(write_failed);
+    } catch (...) {
+      failure = std::current_exception();
+    }
+  }
+  if (failure == nullptr) return;
+  files().remove(name);
+  std::rethrow_exception(failure);
+}
+
+}  // namespace
+
+std::unique_ptr<table> open_table(const wide& name, bool read_only) {
+  if (name.empty()) throw MyExceptionClass(wide(no_name));
+  const recognition found = recognise(name);
+  auto opened = open_handle(name, read_only);
+  if (found.is_double) return std::make_unique<ovtable64>(std::move(opened), name, read_only, found.order);
+  return std::make_unique<ovtable>(std::move(opened), name, read_only, found.order);
+}
+
+new_table::new_table(const table_definition& definition)
+    : header(definition.is_double ? header_of<double_precision>(definition)
+                                  : header_of<single_precision>(definition)),
+      is_double(definition.is_double) {}
+
+std::unique_ptr<table> create_table(const wide& name, const new_table& made) {
+  if (name.empty()) throw MyExceptionClass(wide(no_name));
+  write_new(name, made.header);
+  auto opened = open_handle(name, false);
+  if (made.is_double) return std::make_unique<ovtable64>(std::move(opened), name, false, byte_order::native);
+  return std::make_unique<ovtable>(std::move(opened), name, false, byte_order::native);
+}
+
+}  // namespace ovf

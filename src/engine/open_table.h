@@ -1,0 +1,45 @@
+// From a file's name to an open table.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "engine/table.h"
+
+namespace ovf {
+
+/// Opens a table of either precision. Throws "no filename given", what recognition throws, "Failed to
+/// open table …", and what reading the header throws.
+std::unique_ptr<table> open_table(const wide& name, bool read_only);
+
+/// A field of a table to be made.
+struct field_definition {
+  wide name;
+  field_kind kind = field_kind::numeric;
+  double number_default = 0;
+  std::string text_default;  ///< ANSI code page, padded to the field's width
+  bool implicit = false;
+};
+
+struct table_definition {
+  wide description;  ///< empty: who made the file, and when
+  std::vector<field_definition> fields;
+  bool is_double = false;
+};
+
+/// The header of a table to be made, complete: every reason to refuse the definition is found here,
+/// before any file is touched. Throws MyExceptionClass: the 64-field message, field name rules, too many
+/// words.
+struct new_table {
+  explicit new_table(const table_definition& definition);
+
+  std::vector<std::byte> header;
+  bool is_double;
+};
+
+/// Makes the file, or empties one, writes the header and opens it. Throws file_error "cannot create
+/// file" or "Failed to create file"; a file that could not be written whole is removed.
+std::unique_ptr<table> create_table(const wide& name, const new_table& made);
+
+}  // namespace ovf

@@ -1,0 +1,340 @@
+#include "engine/ovtable.h"
+
+#include <algorithm>
+#include <type_traits>
+
+#include "engine/values.h"
+#include "storage/file_error.h"
+
+namespace ovf {
+namespace {
+
+constexpr wide_view numeric_requested = OLESTR("invalid data type... numeric requested");
+constexpr wide_view string_expected = OLESTR("invalid field type... expected string data");
+constexpr wide_view default_not_numeric = OLESTR("Cannot write numeric value to an alphanumeric field.");
+constexpr wide_view default_not_text = OLESTR("Cannot write alphanumeric value to a non-alphanumeric field.");
+constexpr wide_view not_a_number = OLESTR("Error: Invalid number");
+constexpr wide_view bad_field_index = OLESTR("field index out of range");
+constexpr wide_view fields_are_fixed = OLESTR("the fields of an open table cannot be changed");
+
+template <class Number>
+Number converted(const VARIANT& value) {
+  if constexpr (std::is_same_v<Number, float>) {
+    return to_float(value);
+  } else {
+    return to_double(value);
+  }
+}
+
+}  // namespace
+
+template <class Precision>
+basic_ovtable<Precision>::basic_ovtable(std::unique_ptr<file> opened, wide name, bool read_only,
+                                        byte_order order)
+    : name_(std::move(name)),
+      rows_(std::move(opened), read_only, Precision::is_double ? byte_order::native : order) {
+  is_double_ = Precision::is_double;
+  record_bytes_ = rows_.record_bytes();
+  resolve_columns();
+}
+
+template <class Precision>
+void basic_ovtable<Precision>::resolve_columns() {
+  columns_.clear();
+  for (const field& each : rows_.fields()) {
+    column resolved;
+    if (!each.is_implicit() && each.kind == field_kind::numeric && rows_.order() == byte_order::native) {
+      resolved = {static_cast<std::uint32_t>((each.atoms.front().position - 1) * Precision::word_bytes),
+                  true};
+    }
+    columns_.push_back(resolved);
+  }
+}
+
+template <class Precision>
+void basic_ovtable<Precision>::locate(std::uint64_t row) {
+  take(rows_.locate(row));
+}
+
+template <class Precision>
+void basic_ovtable<Precision>::take(row_place place) noexcept {
+  record_ = place.record;
+  rows_left_in_page_ = place.rows_behind;
+}
+
+template <class Precision>
+void basic_ovtable<Precision>::addRow() {
+  // Appending may bring another page into memory, whatever comes of it.
+  drop_record(nullptr);
+  take(rows_.append());
+  current_ = rows_.row_count();
+}
+
+template <class Precision>
+bool basic_ovtable<Precision>::onSetRowCount(std::uint64_t rows) {
+  if (rows > rows_.row_count()) return false;
+  if (rows == rows_.row_count()) return true;
+  drop_record(nullptr);
+  current_ = std::min(current_, rows);
+  rows_.cut_to(rows);
+  if (current_ > 0) load(current_);
+  return true;
+}
+
+template <class Precision>
+wide basic_ovtable<Precision>::getDescription() {
+  return wide_from_ansi(rows_.header().texts(format::description_word, format::description_words_read));
+}
+
+template <class Precision>
+wide basic_ovtable<Precision>::getFieldName(std::uint64_t index) {
+  if (index > rows_.fields().size()) throw MyExceptionClass(wide(bad_field_index));
+  return index == rows_.fields().size() ? wide() : rows_.fields().at(index).name;
+}
+
+template <class Precision>
+std::int64_t basic_ovtable<Precision>::getFieldWidth(std::uint64_t index) {
+  return int_of(rows_.fields().at(index).atoms.size() * format::text_word_chars);
+}
+
+template <class Precision>
+std::uint64_t basic_ovtable<Precision>::getFieldWidthByName(const wide& name) {
+  return static_cast<std::uint64_t>(getFieldWidth(getFieldIndex(name)));
+}
+
+template <class Precision>
+void basic_ovtable<Precision>::rearrange_numbers(std::byte* record) const {
+  if (rows_.order() == byte_order::native) return;
+  for (const field& each : rows_.fields()) {
+    if (each.kind != field_kind::numeric || each.is_implicit()) continue;
+    std::byte* place = record + (each.atoms.front().position - 1) * Precision::word_bytes;
+    store_number<Precision>(place, load_number<Precision>(place, rows_.order()), byte_order::native);
+  }
+}
+
+template <class Precision>
+void basic_ovtable<Precision>::readRecord(std::uint64_t, void* buffer) {
+  std::memcpy(buffer, record(), record_bytes_);
+  rearrange_numbers(static_cast<std::byte*>(buffer));
+}
+
+template <class Precision>
+void basic_ovtable<Precision>::writeRecord(std::uint64_t, const void* buffer) {
+  std::byte* place = record();
+  std::memcpy(place, buffer, record_bytes_);
+  rearrange_numbers(place);
+  rows_.mark_changed();
+}
+
+template <class Precision>
+variant basic_ovtable<Precision>::getValue(std::uint64_t index) {
+  const field& from = rows_.fields().at(index);
+  const std::byte* words = record();
+  if (from.kind == field_kind::numeric) return variant(number_of<Precision>(from, words, rows_.order()));
+  const std::string text = text_of(from, words, Precision::word_bytes);
+  return text.empty() ? variant() : variant(wide_view(wide_from_ansi(text)));
+}
+
+template <class Precision>
+const field& basic_ovtable<Precision>::field_of(std::uint64_t index, field_kind kind,
+                                                wide_view message) const {
+  const field& wanted = rows_.fields().at(index);
+  if (wanted.kind != kind) throw MyExceptionClass(wide(message));
+  return wanted;
+}
+
+template <class Precision>
+auto basic_ovtable<Precision>::native_number(std::uint64_t index) -> number {
+  const field& from = field_of(index, field_kind::numeric, numeric_requested);
+  return number_of<Precision>(from, record(), rows_.order());
+}
+
+template <class Precision>
+void basic_ovtable<Precision>::set_native_number(std::uint64_t index, number value) {
+  const field& to = field_of(index, field_kind::numeric, string_expected);
+  std::byte* words = record();
+  if (to.is_implicit()) return;
+  // Stored as given also in a file of another byte order; `setValue` is the road that rearranges.
+  std::byte* place = words + (to.atoms.front().position - 1) * Precision::word_bytes;
+  store_number<Precision>(place, value, byte_order::native);
+  rows_.mark_changed();
+}
+
+template <class Precision>
+float basic_ovtable<Precision>::getFloat(std::uint64_t index) {
+  if constexpr (Precision::is_double) {
+    field_of(index, field_kind::numeric, numeric_requested);
+    return table::getFloat(index);
+  } else {
+    return native_number(index);
+  }
+}
+
+template <class Precision>
+double basic_ovtable<Precision>::getDouble(std::uint64_t index) {
+  if constexpr (Precision::is_double) {
+    return native_number(index);
+  } else {
+    field_of(index, field_kind::numeric, numeric_requested);
+    return table::getDouble(index);
+  }
+}
+
+template <class Precision>
+void basic_ovtable<Precision>::setDouble(std::uint64_t index, double value) {
+  if constexpr (Precision::is_double) {
+    set_native_number(index, value);
+  } else {
+    field_of(index, field_kind::numeric, string_expected);
+    table::setDouble(index, value);
+  }
+}
+
+template <class Precision>
+void basic_ovtable<Precision>::setFloat(std::uint64_t index, float value) {
+  if constexpr (Precision::is_double) {
+    table::setFloat(index, value);
+  } else {
+    set_native_number(index, value);
+  }
+}
+
+template <class Precision>
+void basic_ovtable<Precision>::setValue(std::uint64_t index, const VARIANT& value) {
+  const field& to = rows_.fields().at(index);
+  std::byte* words = record();
+  if (to.kind == field_kind::alphanumeric) {
+    put_text<Precision>(to, words, ansi_from_wide(to_text(value)));
+  } else {
+    number converted_value{};
+    try {
+      converted_value = converted<number>(value);
+    } catch (const com_error&) {
+      throw MyExceptionClass(wide(not_a_number));
+    }
+    if (to.is_implicit()) return;
+    std::byte* place = words + (to.atoms.front().position - 1) * Precision::word_bytes;
+    store_number<Precision>(place, converted_value, rows_.order());
+  }
+  rows_.mark_changed();
+}
+
+template <class Precision>
+void basic_ovtable<Precision>::setValueByName(const wide& name, const VARIANT& value) {
+  setValue(getFieldIndex(name), value);
+}
+
+template <class Precision>
+variant basic_ovtable<Precision>::getDefaultValue(std::uint64_t index) {
+  const field& from = rows_.fields().at(index);
+  if (from.kind == field_kind::numeric) {
+    return variant(load_number<Precision>(from.atoms.front().default_word.data(), rows_.order()));
+  }
+  std::string text;
+  for (const atom& word : from.atoms) text += load_text(word.default_word.data());
+  return text.empty() ? variant() : variant(wide_view(wide_from_ansi(text)));
+}
+
+template <class Precision>
+variant basic_ovtable<Precision>::getDefaultValueByName(const wide& name) {
+  return getDefaultValue(getFieldIndex(name));
+}
+
+template <class Precision>
+float basic_ovtable<Precision>::getDefaultFloat(std::uint64_t index) {
+  field_of(index, field_kind::numeric, numeric_requested);
+  return table::getDefaultFloat(index);
+}
+
+template <class Precision>
+double basic_ovtable<Precision>::getDefaultDouble(std::uint64_t index) {
+  field_of(index, field_kind::numeric, numeric_requested);
+  return table::getDefaultDouble(index);
+}
+
+template <class Precision>
+void basic_ovtable<Precision>::set_native_default(std::uint64_t index, number value) {
+  field& to = rows_.fields().at(index);
+  if (to.kind != field_kind::numeric) throw MyExceptionClass(wide(default_not_numeric));
+  std::byte* place = entry_word<Precision>(rows_.header().entry(to.first_entry), format::entry_default);
+  store_number<Precision>(place, value, rows_.order());
+  std::memcpy(to.atoms.front().default_word.data(), place, Precision::word_bytes);
+  rows_.header().mark_changed();
+}
+
+template <class Precision>
+void basic_ovtable<Precision>::setDefaultFloat(std::uint64_t index, float value) {
+  set_native_default(index, static_cast<number>(value));
+}
+
+template <class Precision>
+void basic_ovtable<Precision>::setDefaultDouble(std::uint64_t index, double value) {
+  if constexpr (Precision::is_double) {
+    set_native_default(index, value);
+  } else {
+    field_of(index, field_kind::numeric, default_not_numeric);
+    set_native_default(index, to_float(variant(value)));
+  }
+}
+
+template <class Precision>
+void basic_ovtable<Precision>::setDefaultString(std::uint64_t index, const wide& value) {
+  field& to = rows_.fields().at(index);
+  if (to.kind != field_kind::alphanumeric) throw MyExceptionClass(wide(default_not_text));
+  std::string text = ansi_from_wide(value);
+  text.resize(to.atoms.size() * format::text_word_chars, ' ');
+  for (std::size_t i = 0; i < to.atoms.size(); ++i) {
+    std::byte* place = entry_word<Precision>(rows_.header().entry(to.first_entry + i), format::entry_default);
+    std::memset(place, 0, Precision::word_bytes);
+    std::memcpy(place, text.data() + i * format::text_word_chars, format::text_word_chars);
+    std::memcpy(to.atoms[i].default_word.data(), place, Precision::word_bytes);
+    rows_.header().mark_changed();
+  }
+  flush();
+}
+
+template <class Precision>
+void basic_ovtable<Precision>::renameField(std::uint64_t, const wide&) {
+  throw MyExceptionClass(wide(fields_are_fixed));
+}
+
+template <class Precision>
+std::uint64_t basic_ovtable<Precision>::addNumericField(const wide&, float) {
+  throw MyExceptionClass(wide(fields_are_fixed));
+}
+
+template <class Precision>
+std::uint64_t basic_ovtable<Precision>::addNumericField(const wide&, double) {
+  throw MyExceptionClass(wide(fields_are_fixed));
+}
+
+template <class Precision>
+std::uint64_t basic_ovtable<Precision>::addAlphaField(const wide&, std::int64_t, const wide&) {
+  throw MyExceptionClass(wide(fields_are_fixed));
+}
+
+template <class Precision>
+table_facts basic_ovtable<Precision>::facts() {
+  const auto text = [this](std::size_t word, std::size_t words) {
+    return wide_from_ansi(rows_.header().texts(word, words));
+  };
+  table_facts found;
+  found.order = rows_.order();
+  found.atoms = static_cast<std::uint64_t>(rows_.header().get(format::atoms_word));
+  found.header_pages = rows_.counts().header_pages;
+  found.record_words = rows_.fields().record_words();
+  found.records_per_page = rows_.records_per_page();
+  found.records_in_last_page = rows_.counts().records_in_last_page;
+  found.pages = rows_.counts().pages;
+  found.file_bytes = rows_.file_bytes();
+  found.first_name = text(format::first_name_word, format::name_words);
+  found.second_name = text(format::second_name_word, format::name_words);
+  found.description = text(format::description_word, format::description_words);
+  found.owner = text(format::owner_word, format::name_words);
+  return found;
+}
+
+template class basic_ovtable<single_precision>;
+template class basic_ovtable<double_precision>;
+
+}  // namespace ovf

@@ -1,0 +1,166 @@
+#include "engine/row_store.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "storage/file_error.h"
+
+namespace ovf {
+namespace {
+
+constexpr wide_view nothing_stored = OLESTR("AddRow failed, the table has no stored fields");
+constexpr wide_view cut_failed =
+    OLESTR("OvFile Error: onSetRowCount failed to set the end of the file. (%x: %s)");
+
+constexpr std::uint64_t most_rows = std::numeric_limits<std::int32_t>::max();
+
+}  // namespace
+
+template <class Precision>
+row_store<Precision>::row_store(std::unique_ptr<file> opened, bool read_only, byte_order order)
+    : file_(std::move(opened)),
+      header_(*file_, !read_only, order),
+      fields_(read_fields(header_)),
+      records_(*file_, !read_only, fields_.record_words()) {
+  header_.before_write([this] { records_.flush(); });
+  read_counts();
+}
+
+template <class Precision>
+row_store<Precision>::~row_store() {
+  try {
+    flush();
+  } catch (...) {
+    // Nobody is left to tell; whoever wants to know flushes before.
+  }
+}
+
+template <class Precision>
+void row_store<Precision>::read_counts() {
+  const auto count = [this](std::size_t word) { return count_from(static_cast<double>(header_.get(word))); };
+  records_per_page_ = format::records_per_page(fields_.record_words());
+  counts_.header_pages = format::header_pages(static_cast<std::size_t>(count(format::atoms_word)));
+  counts_.pages = count(format::pages_word);
+  counts_.records_in_last_page = count(format::last_records_word);
+  if (counts_.pages != 0) counts_.pages = std::max(counts_.pages, counts_.header_pages);
+  if (records_per_page_ != 0 && counts_.records_in_last_page > records_per_page_) fail_not_a_table();
+  row_count_ = computed_row_count();
+  if (row_count_ > most_rows) fail_not_a_table();
+  // Some writers count one record page in a table that has none yet.
+  if (Precision::is_double && counts_.pages == 2 && row_count_ == 0) counts_.pages = counts_.header_pages;
+}
+
+template <class Precision>
+std::uint64_t row_store<Precision>::computed_row_count() const noexcept {
+  if (counts_.pages == 0 || records_per_page_ == 0) return 0;
+  const std::uint64_t record_pages = counts_.pages - counts_.header_pages;
+  const std::uint64_t full_pages = record_pages == 0 ? 0 : record_pages - 1;
+  return counts_.records_in_last_page + full_pages * records_per_page_;
+}
+
+template <class Precision>
+std::uint64_t row_store<Precision>::file_bytes() {
+  std::uint64_t bytes = 0;
+  if (!file_->size(bytes)) throw file_error(OLESTR("cannot retrieve file size"));
+  return bytes;
+}
+
+template <class Precision>
+row_place row_store<Precision>::locate(std::uint64_t row) {
+  const std::uint64_t index = row - 1;
+  const std::uint64_t within = index % records_per_page_;
+  const std::uint64_t page = counts_.header_pages + index / records_per_page_;
+  std::byte* record = records_.page(page, counts_) + within * record_bytes();
+  const std::uint64_t rows_on_page =
+      std::min<std::uint64_t>(records_per_page_, row_count_ - (index - within));
+  return {record, rows_on_page - within - 1};
+}
+
+template <class Precision>
+row_place row_store<Precision>::append() {
+  require_room_for_a_row();
+  const bool has_room =
+      counts_.pages > counts_.header_pages && counts_.records_in_last_page != records_per_page_;
+  if (!has_room) append_page();
+  set_records_in_last_page(counts_.records_in_last_page + 1);
+  ++row_count_;
+  try {
+    const row_place place = locate(row_count_);
+    fill_with_defaults(place.record);
+    records_.mark_changed();
+    return place;
+  } catch (...) {
+    // The row is not there: it must not count when nobody could fill it.
+    set_records_in_last_page(counts_.records_in_last_page - 1);
+    --row_count_;
+    throw;
+  }
+}
+
+template <class Precision>
+void row_store<Precision>::require_room_for_a_row() const {
+  if (records_per_page_ == 0) throw MyExceptionClass(wide(nothing_stored));
+  int_of(row_count_ + 1);
+  if (counts_.pages + 1 > Precision::largest_count) throw std::out_of_range("ov_size_t_2_int");
+}
+
+template <class Precision>
+void row_store<Precision>::append_page() {
+  page_counts grown = counts_;
+  grown.pages = std::max(counts_.pages, counts_.header_pages);
+  records_.append(grown);
+  ++grown.pages;
+  grown.records_in_last_page = 0;
+  header_.set(format::pages_word, grown.pages);
+  header_.set(format::last_records_word, 0);
+  counts_ = grown;
+}
+
+template <class Precision>
+void row_store<Precision>::set_records_in_last_page(std::uint64_t records) {
+  header_.set(format::last_records_word, records);
+  counts_.records_in_last_page = records;
+}
+
+template <class Precision>
+void row_store<Precision>::fill_with_defaults(std::byte* record) const {
+  for (const field& each : fields_) {
+    for (const atom& word : each.atoms) {
+      if (word.position == 0) continue;
+      std::byte* place = record + (word.position - 1) * Precision::word_bytes;
+      if (each.kind == field_kind::numeric) {
+        std::memcpy(place, word.default_word.data(), Precision::word_bytes);
+      } else {
+        store_text<Precision>(place, load_text(word.default_word.data()));
+      }
+    }
+  }
+}
+
+template <class Precision>
+void row_store<Precision>::cut_to(std::uint64_t rows) {
+  const std::uint64_t pages = counts_.header_pages + rows / records_per_page_ + 1;
+  const bool pages_change = pages != counts_.pages;
+  records_.flush();
+  header_.set(format::pages_word, pages);
+  set_records_in_last_page(rows % records_per_page_);
+  counts_.pages = pages;
+  row_count_ = rows;
+  header_.flush();
+  // What the segment holds beyond the new end must never be written again.
+  records_.forget();
+  if (!pages_change) return;
+  const auto end = static_cast<std::int64_t>(pages * Precision::page_bytes);
+  if (!file_->seek(end, seek_origin::begin) || !file_->set_end()) fail_with_system_error(cut_failed);
+}
+
+template <class Precision>
+void row_store<Precision>::flush() {
+  records_.flush();
+  header_.flush();
+}
+
+template class row_store<single_precision>;
+template class row_store<double_precision>;
+
+}  // namespace ovf

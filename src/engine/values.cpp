@@ -1,0 +1,49 @@
+#include "engine/values.h"
+
+#include <algorithm>
+
+namespace ovf {
+namespace {
+
+/// A double-precision word takes 4 characters and shows what follows them in its last bytes: up to 8
+/// characters are copied and the fifth is then overwritten by a NUL, where readers stop. Other programs
+/// write these bytes so, and equal tables must be equal files.
+void put_wide_word(std::byte* word, std::string_view rest) noexcept {
+  constexpr std::size_t bytes = double_precision::word_bytes;
+  std::memset(word, ' ', bytes);
+  std::memcpy(word, rest.data(), std::min(rest.size(), bytes));
+  word[format::text_word_chars] = std::byte{0};
+}
+
+}  // namespace
+
+std::string text_of(const field& from, const std::byte* record, std::size_t word_bytes) {
+  std::string text;
+  for (const atom& word : from.atoms) text += load_text(word_of(word, record, word_bytes));
+  return text;
+}
+
+template <class Precision>
+void put_text(const field& to, std::byte* record, std::string_view text) noexcept {
+  const bool empty = text.empty();
+  for (const atom& word : to.atoms) {
+    const std::string_view rest = text;
+    text.remove_prefix(std::min(text.size(), format::text_word_chars));
+    if (word.position == 0) continue;
+    std::byte* place = record + (word.position - 1) * Precision::word_bytes;
+    if constexpr (Precision::is_double) {
+      if (empty) {
+        store_text<Precision>(place, {});
+      } else {
+        put_wide_word(place, rest);
+      }
+    } else {
+      store_text<Precision>(place, rest);
+    }
+  }
+}
+
+template void put_text<single_precision>(const field&, std::byte*, std::string_view) noexcept;
+template void put_text<double_precision>(const field&, std::byte*, std::string_view) noexcept;
+
+}  // namespace ovf

@@ -1,0 +1,20 @@
+// The system's debug output: OutputDebugStringW on Windows; on Linux lines on standard error when the
+// environment sets OVFILE_DEBUG, else nothing.
+#pragma once
+
+#include <functional>
+
+#include "platform/text.h"
+
+namespace ovf {
+
+/// Writes one message. Never throws.
+void debug_output(wide_view message) noexcept;
+
+/// Sends messages to `listener` instead until it is set empty again; for tests.
+void listen_to_debug_output(std::function<void(wide_view)> listener);
+
+/// Writes to the system's channel, whoever listens.
+void write_system_debug_output(wide_view message);
+
+}  // namespace ovf

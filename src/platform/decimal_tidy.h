@@ -1,0 +1,34 @@
+// Widening a float so that its decimal digits stay tidy: 0.1f becomes 0.1 and not 0.10000000149…
+#pragma once
+
+namespace ovf {
+
+/// The float as a double rounded to seven significant decimal digits. Magnitudes of 100,000 and more,
+/// infinities and NaN are widened unchanged.
+inline double tidied(float value) noexcept {
+  const float magnitude = value < 0.0F ? -value : value;
+  if (magnitude == 0.0F) return 0.0;
+  float scale = 0.0F;
+  if (magnitude < 1.0F) {
+    scale = 10'000'000.0F;
+  } else if (magnitude < 10.0F) {
+    scale = 1'000'000.0F;
+  } else if (magnitude < 100.0F) {
+    scale = 100'000.0F;
+  } else if (magnitude < 1'000.0F) {
+    scale = 10'000.0F;
+  } else if (magnitude < 10'000.0F) {
+    scale = 1'000.0F;
+  } else if (magnitude < 100'000.0F) {
+    scale = 100.0F;
+  } else {
+    return static_cast<double>(value);
+  }
+  // The product is rounded to a float on purpose; volatile keeps registers of more digits and fused
+  // additions from carrying a longer one into the sum.
+  const volatile float product = scale * value;
+  const double rounded = static_cast<double>(product) + (value >= 0.0F ? 0.5 : -0.5);
+  return static_cast<double>(static_cast<int>(rounded)) / static_cast<double>(scale);
+}
+
+}  // namespace ovf

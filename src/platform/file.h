@@ -1,0 +1,81 @@
+// The one seam to the file system. Everything that touches a file goes through `files()`, so that a test
+// can put a failing or a stopping file system in its place. No operation throws: each answers whether
+// it worked, and the reason is the system's last error (platform/system_error.h).
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+
+#include "platform/text.h"
+
+namespace ovf {
+
+enum class seek_origin { begin, current, end };
+
+/// An open regular file with a position of its own. Closes itself; closing never fails visibly, since
+/// nothing is buffered here.
+class file {
+ public:
+  virtual ~file() = default;
+
+  virtual bool size(std::uint64_t& bytes) noexcept = 0;
+  virtual bool seek(std::int64_t distance, seek_origin origin) noexcept = 0;
+  /// Reads up to the span's length and moves the position on; fewer bytes, down to 0, at the end.
+  virtual bool read(std::span<std::byte> bytes, std::size_t& done) noexcept = 0;
+  virtual bool write(std::span<const std::byte> bytes, std::size_t& done) noexcept = 0;
+  /// Cuts or extends the file at the position.
+  virtual bool set_end() noexcept = 0;
+  /// Waits until what was written stands on the disk.
+  virtual bool sync() noexcept = 0;
+};
+
+enum class open_mode {
+  read,          ///< an existing file, read only
+  edit,          ///< an existing file, read and write
+  edit_or_make,  ///< read and write, made when missing
+  make_new,      ///< read and write, fails with `already_exists()` when there is one
+  truncate,      ///< read and write, an existing file, emptied
+  scratch        ///< read and write, made exclusively, readable by its owner alone, shared with nobody
+};
+
+enum class file_kind { missing, regular, other };
+
+class file_system {
+ public:
+  virtual ~file_system() = default;
+
+  /// Null on failure. Folders, pipes and devices are refused. Others may read and write the file too
+  /// while it is open, except where the mode says otherwise.
+  virtual std::unique_ptr<file> open(wide_view name, open_mode mode) noexcept = 0;
+  virtual file_kind kind(wide_view name) noexcept = 0;
+  virtual bool remove(wide_view name) noexcept = 0;
+  /// Puts `from` in the place of `to` in one step.
+  virtual bool replace(wide_view from, wide_view to) noexcept = 0;
+  /// Waits until a folder's entries stand on the disk.
+  virtual bool sync_folder(wide_view folder) noexcept = 0;
+  /// The system's folder for temporary files with a separator at its end; empty when there is none.
+  virtual wide temporary_folder() = 0;
+};
+
+/// The file system in use.
+file_system& files() noexcept;
+/// The real one, whatever is in use.
+file_system& system_files() noexcept;
+/// Puts another one in use (null: the real one) and returns the one before; for tests, one thread.
+file_system* use_files(file_system* other) noexcept;
+
+/// Whether the code is what `open_mode::make_new` answers for a file that is there already.
+bool already_exists(std::uint32_t code) noexcept;
+
+/// A name in `folder` that begins with `prefix` and is not taken at the moment of the call.
+wide temporary_name(wide_view folder, wide_view prefix);
+/// The part of a path up to and including its last separator; empty when it has none.
+wide_view folder_of(wide_view path) noexcept;
+/// Whether a path says where it begins by itself, whatever the current folder.
+bool is_absolute(wide_view path) noexcept;
+/// The path with the current folder in front where it is relative.
+wide absolute_path(wide_view path);
+
+}  // namespace ovf

@@ -1,0 +1,25 @@
+#include <dlfcn.h>
+
+#include <climits>
+#include <cstdlib>
+
+#include "platform/module_path.h"
+
+namespace ovf {
+
+namespace {
+const char anchor = 0;  ///< lies in this module and nowhere else
+}
+
+wide module_path() {
+  Dl_info info{};
+  char path[PATH_MAX];
+  if (dladdr(&anchor, &info) != 0 && info.dli_fname != nullptr && realpath(info.dli_fname, path) != nullptr) {
+    return wide_from_utf8(path);
+  }
+  // A program found on the path is named as it was called.
+  if (realpath("/proc/self/exe", path) != nullptr) return wide_from_utf8(path);
+  return {};
+}
+
+}  // namespace ovf

@@ -1,0 +1,37 @@
+// Failures of table files. What the file system refuses becomes a `file_error` whose text carries the
+// system's code and message; what is wrong with a file or a request becomes a MyExceptionClass.
+#pragma once
+
+#include <cstdint>
+#include <stdexcept>
+
+#include "ovfile/exception.h"
+#include "platform/system_error.h"
+#include "platform/text.h"
+
+namespace ovf {
+
+/// `what()` is UTF-8.
+class file_error : public std::runtime_error {
+ public:
+  explicit file_error(wide_view message) : std::runtime_error(utf8_from_wide(message)) {}
+};
+
+/// A header that no table can have, or no table at all.
+[[noreturn]] void fail_not_a_table();
+/// More atoms than the precision allows.
+[[noreturn]] void fail_unrecognised();
+
+/// A text with %x and %s filled by the system's last error.
+wide with_system_error(wide_view pattern);
+/// Writes the filled text to the debug channel and throws it.
+[[noreturn]] void fail_with_system_error(wide_view pattern);
+/// Writes the filled text to the debug channel alone.
+void note_system_error(wide_view pattern) noexcept;
+
+/// A host's 32-bit integer for a count; std::out_of_range with `text` when it does not fit.
+std::int32_t narrowed(std::uint64_t count, const char* text);
+inline std::int32_t int_of(std::uint64_t count) { return narrowed(count, "ov_size_t_2_int"); }
+inline std::int32_t long_of(std::uint64_t count) { return narrowed(count, "ov_size_t_2_long"); }
+
+}  // namespace ovf

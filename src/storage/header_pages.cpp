@@ -1,0 +1,48 @@
+#include "storage/header_pages.h"
+
+namespace ovf {
+
+template <class Precision>
+auto header_pages<Precision>::get(std::size_t header_word) -> number {
+  return load_number<Precision>(page(0) + header_word * Precision::word_bytes, order_);
+}
+
+template <class Precision>
+void header_pages<Precision>::set(std::size_t header_word, std::uint64_t value) {
+  store_number<Precision>(page(0) + header_word * Precision::word_bytes, static_cast<number>(value), order_);
+  mark_changed();
+}
+
+template <class Precision>
+std::string header_pages<Precision>::texts(std::size_t header_word, std::size_t words) {
+  return load_texts<Precision>(page(0) + header_word * Precision::word_bytes, words);
+}
+
+template <class Precision>
+entry_span<Precision> header_pages<Precision>::entry(std::size_t atom) {
+  const std::size_t word = (atom + format::file_header_entries) * format::entry_words;
+  std::byte* bytes =
+      page(word / format::header_page_words) + word % format::header_page_words * Precision::word_bytes;
+  return entry_span<Precision>(bytes, format::entry_words * Precision::word_bytes);
+}
+
+template <class Precision>
+void header_pages<Precision>::flush() {
+  if (!map_.dirty()) return;
+  if (before_write_) before_write_();
+  map_.flush();
+}
+
+template <class Precision>
+std::byte* header_pages<Precision>::page(std::uint64_t index) {
+  if (map_.segment() != index) {
+    flush();
+    map_.load(index, {Precision::page_bytes, Precision::page_bytes}, Precision::page_bytes, 0);
+  }
+  return map_.data();
+}
+
+template class header_pages<single_precision>;
+template class header_pages<double_precision>;
+
+}  // namespace ovf

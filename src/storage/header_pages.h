@@ -1,0 +1,44 @@
+// The header of an open table, one page of it in memory at a time.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "storage/dictionary_entry.h"
+#include "storage/segment_map.h"
+
+namespace ovf {
+
+template <class Precision>
+class header_pages {
+ public:
+  using number = typename Precision::number;
+
+  header_pages(file& target, bool may_write, byte_order order) : order_(order), map_(&target, may_write) {}
+
+  /// Runs before a header page is written: the header must never promise rows that are not in the file.
+  void before_write(std::function<void()> action) { before_write_ = std::move(action); }
+
+  /// A word of the file header (page 0), in native order.
+  number get(std::size_t header_word);
+  void set(std::size_t header_word, std::uint64_t value);
+  /// The characters of consecutive words of page 0, each up to its first NUL.
+  std::string texts(std::size_t header_word, std::size_t words);
+  /// The entry of an atom. The bytes stay until another page is asked for.
+  entry_span<Precision> entry(std::size_t atom);
+
+  /// Says that bytes of the page in memory were changed.
+  void mark_changed() noexcept { map_.mark_changed(); }
+  void flush();
+  byte_order order() const noexcept { return order_; }
+
+ private:
+  std::byte* page(std::uint64_t index);
+
+  byte_order order_;
+  std::function<void()> before_write_;
+  fileSegmentMap<Precision::page_bytes> map_;
+};
+
+}  // namespace ovf

@@ -1,0 +1,41 @@
+// The record pages of an open table, one segment of them in memory at a time.
+#pragma once
+
+#include <cstdint>
+
+#include "storage/precision.h"
+#include "storage/segment_map.h"
+
+namespace ovf {
+
+/// What the header says about the file's pages.
+struct page_counts {
+  std::uint64_t header_pages;
+  std::uint64_t pages;  ///< header pages included
+  std::uint64_t records_in_last_page;
+};
+
+template <class Precision>
+class record_pages {
+ public:
+  record_pages(file& target, bool may_write, std::size_t record_words)
+      : record_words_(record_words), map_(&target, may_write) {}
+
+  /// The bytes of a page, counted from the beginning of the file. They stay until another page is asked
+  /// for. Throws the page cache's messages.
+  std::byte* page(std::uint64_t index, const page_counts& counts);
+  /// Appends an empty page to the file behind the counted ones.
+  void append(const page_counts& counts);
+
+  void mark_changed() noexcept { map_.mark_changed(); }
+  void flush() { map_.flush(); }
+  void forget() noexcept { map_.forget(); }
+
+ private:
+  segment_need need_of(std::uint64_t index, const page_counts& counts) const noexcept;
+
+  std::size_t record_words_;
+  fileSegmentMap<Precision::page_bytes * Precision::segment_pages> map_;
+};
+
+}  // namespace ovf

@@ -1,0 +1,122 @@
+#include "storage/segment_map.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "platform/debug_channel.h"
+#include "storage/file_error.h"
+
+namespace ovf {
+namespace {
+
+constexpr wide_view read_failed = OLESTR("OvFile Error: cache failed to read file. (%x: %s)");
+constexpr wide_view read_short =
+    OLESTR("OvFile Error: cache failed to read an entire page. (%d bytes read instead of %d)");
+constexpr wide_view write_failed = OLESTR("OvFile Error: doFlush failed to write an entire page. (%x: %s)");
+
+[[noreturn]] void fail_short_read(std::uint64_t held, std::uint64_t required) {
+  const wide message =
+      wide_format(read_short).arg(static_cast<long long>(held)).arg(static_cast<long long>(required)).text();
+  debug_output(message);
+  throw file_error(message);
+}
+
+}  // namespace
+
+template <std::size_t N>
+fileSegmentMap<N>::fileSegmentMap(file* target, bool may_write)
+    : file_(target), may_write_(may_write), buffer_(std::make_unique<std::byte[]>(N)) {}
+
+template <std::size_t N>
+fileSegmentMap<N>::~fileSegmentMap() {
+  release();
+}
+
+template <std::size_t N>
+void fileSegmentMap<N>::load(std::uint64_t segment, segment_need need, std::uint64_t extent,
+                             std::uint64_t write_start) {
+  if (file_ == nullptr) return;
+  if (segment == none) {
+    extent_ = extent;
+    write_start_ = write_start;
+    return;
+  }
+  if (valid_ && segment == segment_) {
+    if (ends_early() && held_ < need.usable) fail_short_read(held_, required_);
+    extent_ = std::max(extent_, extent);
+    return;
+  }
+  flush();
+  read(segment, need);
+  extent_ = extent;
+  write_start_ = write_start;
+}
+
+template <std::size_t N>
+void fileSegmentMap<N>::read(std::uint64_t segment, segment_need need) {
+  forget();
+  seek(segment * N);
+  std::size_t held = 0;
+  if (!file_->read({buffer_.get(), N}, held)) fail_with_system_error(read_failed);
+  std::memset(buffer_.get() + held, 0, N - held);
+  if (held < std::min(need.required, need.usable)) fail_short_read(held, need.required);
+  segment_ = segment;
+  held_ = held;
+  required_ = need.required;
+  valid_ = true;
+}
+
+template <std::size_t N>
+void fileSegmentMap<N>::flush() {
+  if (file_ == nullptr || !valid_ || !writable_ || !dirty_) return;
+  seek(segment_ * N + write_start_);
+  const std::size_t count = extent_ > write_start_ ? static_cast<std::size_t>(extent_ - write_start_) : 0;
+  std::size_t done = 0;
+  if (!file_->write({buffer_.get() + write_start_, count}, done) || done != count) {
+    fail_with_system_error(write_failed);
+  }
+  writable_ = false;
+  dirty_ = false;
+}
+
+template <std::size_t N>
+void fileSegmentMap<N>::seek(std::uint64_t position) {
+  std::uint64_t size = 0;
+  if (!file_->size(size)) throw file_error(OLESTR("cannot retrieve file size"));
+  const auto target = static_cast<std::int64_t>(position);
+  const bool from_end = position > size / 2 && position <= size;
+  const bool moved = from_end ? file_->seek(target - static_cast<std::int64_t>(size), seek_origin::end)
+                              : file_->seek(target, seek_origin::begin);
+  if (!moved) throw file_error(OLESTR("cannot move to page in file"));
+}
+
+template <std::size_t N>
+void fileSegmentMap<N>::forget() noexcept {
+  segment_ = none;
+  valid_ = false;
+  writable_ = false;
+  dirty_ = false;
+}
+
+template <std::size_t N>
+void fileSegmentMap<N>::mark_changed() noexcept {
+  if (!may_write_) return;
+  writable_ = true;
+  dirty_ = true;
+}
+
+template <std::size_t N>
+void fileSegmentMap<N>::release() noexcept {
+  try {
+    flush();
+    if (next != nullptr) next->flush();
+  } catch (...) {
+    // A destructor has nobody to tell; whoever wants to know flushes before.
+  }
+}
+
+template class fileSegmentMap<2048>;
+template class fileSegmentMap<4096>;
+template class fileSegmentMap<409600>;
+
+}  // namespace ovf

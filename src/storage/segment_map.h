@@ -1,0 +1,75 @@
+// One segment of a file in memory. A table holds two: one header page, and one segment of its records.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+#include "platform/file.h"
+
+namespace ovf {
+
+/// How much of a segment a caller needs.
+struct segment_need {
+  std::uint64_t required;  ///< bytes that a whole segment must deliver; what the error message names
+  std::uint64_t usable;    ///< bytes that are enough for this caller when the file ends early
+};
+
+/// Holds the N bytes of one segment. With a null file every operation does nothing. Errors are thrown
+/// with the messages of the page cache. Not copied; released (flushed, errors swallowed) on destruction.
+template <std::size_t N>
+class fileSegmentMap {
+ public:
+  static constexpr std::uint64_t none = ~std::uint64_t{0};
+
+  /// `target` must outlive the map. Changes are written back only when `may_write`.
+  explicit fileSegmentMap(file* target = nullptr, bool may_write = false);
+  ~fileSegmentMap();
+  fileSegmentMap(const fileSegmentMap&) = delete;
+  fileSegmentMap& operator=(const fileSegmentMap&) = delete;
+
+  /// Makes `segment` current: flushes the one before and reads, unless it is current already. `extent`
+  /// is the number of bytes in use, from the segment's beginning, that a flush writes back, beginning at
+  /// `write_start`; for the current segment it only grows.
+  void load(std::uint64_t segment, segment_need need, std::uint64_t extent, std::uint64_t write_start);
+  /// Writes the bytes in use back when they have changed.
+  void flush();
+  /// Drops the segment with whatever was not flushed.
+  void forget() noexcept;
+  /// Says that the buffer was changed; no effect on a map that may not write.
+  void mark_changed() noexcept;
+
+  /// Seeks to a position of the file, from whichever end is nearer.
+  void seek(std::uint64_t position);
+
+  std::byte* data() noexcept { return buffer_.get(); }
+  std::uint64_t segment() const noexcept { return segment_; }
+  std::uint64_t extent() const noexcept { return extent_; }
+  bool valid() const noexcept { return valid_; }
+  bool dirty() const noexcept { return dirty_; }
+  /// Whether the file ended inside the segment, before the required bytes.
+  bool ends_early() const noexcept { return valid_ && held_ < required_; }
+  file* target() const noexcept { return file_; }
+
+  /// A second map that is flushed when this one is released.
+  fileSegmentMap* next = nullptr;
+
+ private:
+  void read(std::uint64_t segment, segment_need need);
+  void release() noexcept;
+
+  file* file_;
+  bool may_write_;
+  std::uint64_t segment_ = none;
+  std::uint64_t extent_ = N;
+  std::uint64_t write_start_ = 0;
+  std::uint64_t held_ = 0;      ///< bytes that the last read delivered
+  std::uint64_t required_ = 0;  ///< bytes that it should have
+  bool valid_ = false;
+  bool writable_ = false;
+  bool dirty_ = false;
+  std::unique_ptr<std::byte[]> buffer_;
+};
+
+}  // namespace ovf

@@ -1,0 +1,103 @@
+// The scriptable table object: opens one table file, walks its rows, reads and writes columns, makes new
+// files from a schema.
+//
+//   table_core               what it shares with the record-set object
+//   ov_table.cpp             opening, closing, making, name and schema
+//   ov_table_cursor.cpp      the cursor and rows
+//   ov_table_columns.cpp     values of the current row
+//   ov_table_later.cpp       methods that are not there yet
+#pragma once
+
+#include "server/report_error.h"
+#include "table/table_core.h"
+#include "table/table_faces.h"
+
+namespace ovf {
+
+class COvTable final : public component_class<COvTable, table_face, zu_table_face, IOvTableMaintenance> {
+ public:
+  static constexpr CLSID class_id = CLSID_OvTable;
+  static constexpr IID interface_id = IID_IOvTable;
+
+  HRESULT STDMETHODCALLTYPE GetColumnAsDouble(LONG lIndex, double* pVal) override;
+  HRESULT STDMETHODCALLTYPE GetColumnAsFloat(LONG lIndex, float* pVal) override;
+  HRESULT STDMETHODCALLTYPE GetColumnAsString(LONG lIndex, BSTR* pVal) override;
+  HRESULT STDMETHODCALLTYPE GetRowCount(LONG* pVal) override;
+  HRESULT STDMETHODCALLTYPE GetNextRow() override;
+  HRESULT STDMETHODCALLTYPE GetColumn(LONG lIndex, VARIANT* pVal) override;
+  HRESULT STDMETHODCALLTYPE get_Schema(IOvSchema** pVal) override;
+  HRESULT STDMETHODCALLTYPE put_Schema(IOvSchema* newVal) override;
+  HRESULT STDMETHODCALLTYPE get_Name(BSTR* pVal) override;
+  HRESULT STDMETHODCALLTYPE put_Name(BSTR newVal) override;
+  HRESULT STDMETHODCALLTYPE AddRow() override;
+  HRESULT STDMETHODCALLTYPE SetColumn(LONG lIndex, VARIANT newVal) override;
+  HRESULT STDMETHODCALLTYPE SetColumnDouble(LONG lIndex, double newVal) override;
+  HRESULT STDMETHODCALLTYPE SetColumnFloat(LONG lIndex, float newVal) override;
+  HRESULT STDMETHODCALLTYPE SetColumnString(LONG lIndex, BSTR newVal) override;
+  HRESULT STDMETHODCALLTYPE GetFirstRow() override;
+  HRESULT STDMETHODCALLTYPE GetCurrentRow(LONG* pVal) override;
+  HRESULT STDMETHODCALLTYPE GetPreviousRow() override;
+  HRESULT STDMETHODCALLTYPE GetLastRow() override;
+  HRESULT STDMETHODCALLTYPE GetRowAt(LONG lIndex) override;
+  HRESULT STDMETHODCALLTYPE Open(BSTR filename, LONG ReadOnly) override;
+  HRESULT STDMETHODCALLTYPE Close() override;
+  HRESULT STDMETHODCALLTYPE Create(BSTR bsFilename, IDispatch* tableDefinition) override;
+  HRESULT STDMETHODCALLTYPE get_EOF(VARIANT_BOOL* pVal) override;
+  HRESULT STDMETHODCALLTYPE get_BOF(VARIANT_BOOL* pVal) override;
+  HRESULT STDMETHODCALLTYPE DeleteRow(LONG lIndex) override;
+  HRESULT STDMETHODCALLTYPE FlushChanges() override;
+  HRESULT STDMETHODCALLTYPE get_IsLinked(VARIANT_BOOL* pVal) override;
+  HRESULT STDMETHODCALLTYPE WriteOVRecord(LONG* pBuffer) override;
+  HRESULT STDMETHODCALLTYPE ReduceRowCountTo(LONG lRows) override;
+
+  // Not there yet: E_NOTIMPL, out values cleared.
+  HRESULT STDMETHODCALLTYPE SetFilteredIn(LONG row) override;
+  HRESULT STDMETHODCALLTYPE SetFilteredOut(LONG row) override;
+  HRESULT STDMETHODCALLTYPE IsFilteredIn(LONG nMode, LONG row, VARIANT_BOOL* pbVal) override;
+  HRESULT STDMETHODCALLTYPE IsFilteredOut(LONG nMode, LONG row, VARIANT_BOOL* pbVal) override;
+  HRESULT STDMETHODCALLTYPE get_FilterString(LONG nMode, BSTR* pVal) override;
+  HRESULT STDMETHODCALLTYPE put_FilterString(LONG nMode, BSTR newVal) override;
+  HRESULT STDMETHODCALLTYPE GetColumnMin(LONG index, double* pVal) override;
+  HRESULT STDMETHODCALLTYPE GetColumnMax(LONG index, double* pVal) override;
+  HRESULT STDMETHODCALLTYPE Sort(LONG lIndex, VARIANT_BOOL bAscending) override;
+  HRESULT STDMETHODCALLTYPE Repair(IOvSchema* pSchema) override;
+  HRESULT STDMETHODCALLTYPE GetLooseSignature(BSTR* pVal) override;
+  HRESULT STDMETHODCALLTYPE GetTightSignature(BSTR* pVal) override;
+  HRESULT STDMETHODCALLTYPE GetSignature(VARIANT_BOOL ignoreDescription, VARIANT_BOOL ignoreFieldOrder,
+                                         VARIANT_BOOL ignorePrecision, LONG nPtsAfterDecimal,
+                                         BSTR* pVal) override;
+  HRESULT STDMETHODCALLTYPE SetColumnDefaultFloat(LONG lIndex, float newVal) override;
+  HRESULT STDMETHODCALLTYPE SetColumnDefaultDouble(LONG lIndex, double newVal) override;
+  HRESULT STDMETHODCALLTYPE SetColumnName(LONG lIndex, BSTR newVal) override;
+  HRESULT STDMETHODCALLTYPE SetColumnDefaultString(LONG lIndex, BSTR newVal) override;
+  HRESULT STDMETHODCALLTYPE AddImplicitNumericColumnFloat(BSTR bstrName, float defaultValue) override;
+  HRESULT STDMETHODCALLTYPE AddImplicitNumericColumnDouble(BSTR bstrName, double defaultValue) override;
+  HRESULT STDMETHODCALLTYPE AddImplicitStringColumn(BSTR bstrName, LONG length,
+                                                    BSTR bstrDefaultValue) override;
+
+  HRESULT read_record(LONG* buffer) override;
+  HRESULT read_record_into_argument() override;
+  HRESULT STDMETHODCALLTYPE Reserved6(IZuCommonDataSchema** pVal) override;
+  HRESULT STDMETHODCALLTYPE Reserved7() override { return S_FALSE; }
+
+  HRESULT STDMETHODCALLTYPE GetFacts(OvTableFacts* pFacts) override;
+  HRESULT STDMETHODCALLTYPE Rebuild(IOvSchema* pSchema, LONG nColumns, const LONG* pColumnOf, LONG nRows,
+                                    const LONG* pRowOf) override;
+
+ private:
+  friend component_class;
+  COvTable() = default;
+  ~COvTable() = default;
+
+  /// Runs `body` on a valid cursor; reports `refusal` otherwise.
+  template <class Body>
+  HRESULT on_a_row(wide_view refusal, Body body);
+  /// Runs `body` on a valid cursor of a table that may be changed. True from `body`: a text was cut.
+  template <class Body>
+  HRESULT changing_a_row(Body body);
+  HRESULT make_from(IOvSchema& definition);
+
+  table_core core_;
+};
+
+}  // namespace ovf

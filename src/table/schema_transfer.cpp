@@ -1,0 +1,90 @@
+#include "table/schema_transfer.h"
+
+#include <algorithm>
+
+#include "ovfile/smart.h"
+#include "schema/schema_filling.h"
+
+namespace ovf {
+namespace {
+
+constexpr LONG implicit_offset = -1;
+
+HRESULT add_field(IOvSchema& schema, table& from, std::uint64_t index) {
+  const ovfile::text name(wide_view(from.getFieldName(index)));
+  const LONG implicit = from.isImplicit(index) ? 1 : 0;
+  if (from.getFieldType(index) == field_kind::numeric) {
+    return schema.AddNumericColumn(name.get(), to_double(from.getDefaultValue(index)), implicit);
+  }
+  const ovfile::text text(wide_view(from.getDefaultString(index)));
+  return schema.AddStringColumn(name.get(), static_cast<LONG>(from.getFieldWidth(index)), text.get(),
+                                implicit);
+}
+
+wide without_trailing_blanks(wide text) {
+  text.erase(text.find_last_not_of(OLESTR(' ')) + 1);
+  return text;
+}
+
+void require(HRESULT status) {
+  if (FAILED(status)) throw com_error(status);
+}
+
+/// A text default fills the field's width, so that its words can be counted.
+std::string padded_default(IOvSchema& schema, LONG index, const VARIANT& value) {
+  LONG width = 0;
+  require(schema.GetFieldSizeChars(index, &width));
+  std::string text = ansi_from_wide(to_text(value));
+  const auto characters = static_cast<std::size_t>(std::clamp<LONG>(width, 0, 4096));
+  if (text.size() < characters) text.resize(characters, ' ');
+  return text;
+}
+
+field_definition field_of(IOvSchema& schema, LONG index) {
+  ovfile::text name;
+  OvColumnType type{};
+  LONG offset = 0;
+  variant value;
+  require(schema.GetFieldName(index, name.out()));
+  require(schema.GetFieldType(index, &type));
+  require(schema.GetFieldOffset(index, &offset));
+  require(schema.GetFieldDefault(index, value.out()));
+  field_definition field;
+  field.name = name.view();
+  field.implicit = offset == implicit_offset;
+  if (type == ovColumnString) {
+    field.kind = field_kind::alphanumeric;
+    field.text_default = padded_default(schema, index, value);
+  } else {
+    field.number_default = to_double(value);
+  }
+  return field;
+}
+
+}  // namespace
+
+HRESULT fill_schema(IOvSchema& schema, table& from) {
+  if (!begin_filling(schema)) return S_OK;
+  HRESULT status = schema.put_DoublePrecisionFlag(from.isDouble() ? 1 : 0);
+  const ovfile::text description(wide_view(without_trailing_blanks(from.getDescription())));
+  if (SUCCEEDED(status)) status = schema.put_Description(description.get());
+  const std::uint64_t count = from.getFieldCount();
+  for (std::uint64_t i = 0; i < count && SUCCEEDED(status); ++i) status = add_field(schema, from, i);
+  return status;
+}
+
+table_definition definition_of(IOvSchema& schema) {
+  table_definition definition;
+  VARIANT_BOOL is_double = VARIANT_FALSE;
+  ovfile::text description;
+  LONG count = 0;
+  require(schema.get_DoublePrecisionFlag(&is_double));
+  require(schema.get_Description(description.out()));
+  require(schema.get_FieldCount(&count));
+  definition.is_double = is_double != VARIANT_FALSE;
+  definition.description = description.view();
+  for (LONG i = 1; i <= count; ++i) definition.fields.push_back(field_of(schema, i));
+  return definition;
+}
+
+}  // namespace ovf

@@ -1,0 +1,17 @@
+// Between an open table's fields and a schema object.
+#pragma once
+
+#include "engine/open_table.h"
+#include "ovfile/ovfile.h"
+
+namespace ovf {
+
+/// Fills a schema of this library from the table: fields, description, precision. A foreign one stays as
+/// it is. The result is the first failed status of the schema's methods.
+HRESULT fill_schema(IOvSchema& schema, table& from);
+
+/// Reads a schema, of whatever making, as the definition of a new table. Throws com_error with the
+/// status of a method that fails.
+table_definition definition_of(IOvSchema& schema);
+
+}  // namespace ovf

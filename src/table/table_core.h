@@ -1,0 +1,94 @@
+// What both table objects share: one open table with its schema, a cursor on its rows, and values of the
+// current row. It knows no messages of its own; the objects turn its answers into statuses and reports.
+// Failures of the layers below pass through as exceptions.
+#pragma once
+
+#include <memory>
+
+#include "engine/table.h"
+#include "ovfile/ovfile.h"
+#include "ovfile/smart.h"
+
+namespace ovf {
+
+/// How opening went.
+enum class opening { opened, missing, not_a_table };
+
+/// Where a move of the cursor ended.
+enum class move { on_a_row, off_the_end, empty };
+
+class table_core {
+ public:
+  // Opening and closing.
+
+  /// Opens a table, or the one that a link file names; the table held before is flushed first and
+  /// replaced at the end. `filled` is the status of filling the new schema. The cursor does not move.
+  opening open(wide_view name, LONG read_only, HRESULT& filled);
+  /// Makes a table from the schema, which is held from then on. Throws like `create_table`.
+  void create(ovfile::pointer<IOvSchema> schema);
+  /// Flushes and lets go. A failed flush throws, and the table stays open.
+  void close();
+
+  bool is_open() const noexcept { return table_ != nullptr; }
+  /// The open table; throws not_open when there is none.
+  table& opened() const;
+  struct not_open {};
+
+  // The cursor, on an open table. Rows count from 1.
+
+  bool on_a_row() const noexcept { return !at_end && !at_beginning; }
+  move first_row();
+  move last_row();
+  /// Stays on the last row and raises `at_end` when there is no next one.
+  move next_row();
+  /// Stays on row 1 and raises `at_beginning` when there is none before.
+  move previous_row();
+  move row_at(LONG row);
+  /// Appends a row and moves to it.
+  void add_row();
+
+  // Values of the current row. Columns count from 1.
+
+  double column_as_double(LONG column) const;
+  variant column(LONG column) const;
+  /// True when a text was cut to the column's width.
+  bool set_column(LONG column, const VARIANT& value);
+  bool set_text(LONG column, wide_view value);
+
+  // State that hosts see.
+  wide name;
+  LONG read_only = 0;
+  bool at_end = false;
+  bool at_beginning = false;
+  bool is_linked = false;
+  ovfile::pointer<IOvSchema> schema;
+
+ private:
+  opening open_target(std::unique_ptr<table>& opened);
+  HRESULT hold(std::unique_ptr<table> opened);
+
+  bool is_double_ = false;
+  std::unique_ptr<table> table_;
+};
+
+/// The engine's index of a host's column; a column below 1 becomes one that no table has.
+inline std::uint64_t field_index(LONG column) noexcept {
+  return static_cast<std::uint64_t>(static_cast<std::int64_t>(column) - 1);
+}
+
+inline table& table_core::opened() const {
+  if (table_ == nullptr) throw not_open();
+  return *table_;
+}
+
+inline move table_core::next_row() {
+  try {
+    opened().nextRow();
+    return move::on_a_row;
+  } catch (const bound_error&) {
+    at_end = true;
+    return move::off_the_end;
+  }
+}
+
+}  // namespace ovf
