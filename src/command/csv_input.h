@@ -25,7 +25,7 @@ class csv_input final : public byte_source {
 
   const std::string& name() const noexcept { return file_.name(); }
   /// The number of bytes; 0 while it is not known.
-  std::uint64_t size() const noexcept { return size_; }
+  std::uint64_t size() const noexcept { return copy_ && !from_copy_ ? 0 : size_; }
 
   std::size_t read(char* bytes, std::size_t count) override;
   /// Goes back to the first byte, after everything was read once.

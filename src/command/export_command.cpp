@@ -94,7 +94,7 @@ void run_export(const export_request& request) {
 void define_export(CLI::App& program) {
   auto request = std::make_shared<export_request>();
   CLI::App* const app = program.add_subcommand("export", "Write a table as a CSV");
-  app->description(help);
+  app->footer(help);
   add_table_argument(*app, request->options.table);
   app->add_option("csv", request->csv, "the CSV to make; - is standard output")->capture_default_str();
   add_row_options(*app, request->options);

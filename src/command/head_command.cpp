@@ -112,7 +112,7 @@ void run_head(const head_request& request) {
 void define_head(CLI::App& program) {
   auto request = std::make_shared<head_request>();
   CLI::App* const app = program.add_subcommand("head", "Show rows of a table");
-  app->description(help);
+  app->footer(help);
   add_table_argument(*app, request->options.table);
   app->add_option("-n,--rows", request->count, "how many rows")
       ->type_name("N")

@@ -104,7 +104,7 @@ void define_import(CLI::App& program) {
   };
   auto given = std::make_shared<arguments>();
   CLI::App* const app = program.add_subcommand("import", "Make a table from a CSV");
-  app->description(help);
+  app->footer(help);
   app->add_option("csv", given->request.csv, "the CSV; - is standard input")->required();
   app->add_option("table", given->request.table, "the table to make; one that is there is replaced")
       ->required();

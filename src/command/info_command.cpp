@@ -153,7 +153,7 @@ void run_info(const info_request& request) {
 void define_info(CLI::App& program) {
   auto request = std::make_shared<info_request>();
   CLI::App* const app = program.add_subcommand("info", "Tell what a table is");
-  app->description(help);
+  app->footer(help);
   add_table_argument(*app, request->table);
   app->add_flag("--json", request->json, "as JSON: a default of null is absent");
   app->callback([request] { run_info(*request); });

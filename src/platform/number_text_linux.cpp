@@ -85,6 +85,7 @@ class reader {
           if (!bracket_ || !once(bracket_closed_)) return;
           break;
         case u'$':
+          if (number_.is_bits) return;
           break;
         default:
           if (!is_space(front())) return;
@@ -129,7 +130,9 @@ class reader {
       }
     }
     if (!any) return false;
-    if ((front() == u'e' || front() == u'E') && !read_exponent()) return false;
+    // An amount of money that begins with its sign has no exponent.
+    const bool has_exponent = !currency_ && (front() == u'e' || front() == u'E');
+    if (has_exponent && !read_exponent()) return false;
     // Commas may also follow the exponent.
     while (front() == u',') skip();
     drop_trailing_zeros();

@@ -97,8 +97,8 @@ HRESULT to_date(const source_value& value, double& result) noexcept {
   }
   const HRESULT status = to_double(value, result);
   if (FAILED(status)) return status;
-  // A float is taken as it is, however far away.
-  const bool checked = value.what != kind::single && value.what != kind::date;
+  // The automation library takes floats and currencies as they are, however far away.
+  const bool checked = value.what != kind::single && value.what != kind::currency;
   return checked && !is_date(result) ? DISP_E_OVERFLOW : S_OK;
 }
 

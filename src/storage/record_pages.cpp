@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 #include "storage/file_error.h"
 
@@ -18,6 +19,19 @@ constexpr std::byte empty_page[Precision::page_bytes] = {};
 }  // namespace
 
 template <class Precision>
+record_pages<Precision>::record_pages(file& target, bool may_write, std::size_t record_words)
+    : record_words_(record_words), map_(set_up(target, may_write)) {}
+
+template <class Precision>
+auto record_pages<Precision>::set_up(file& target, bool may_write) -> std::unique_ptr<map> {
+  try {
+    return std::make_unique<map>(&target, may_write);
+  } catch (const std::bad_alloc&) {
+    throw file_error(OLESTR("error caching page"));
+  }
+}
+
+template <class Precision>
 std::byte* record_pages<Precision>::page(std::uint64_t index, const page_counts& counts) {
   const std::uint64_t segment = index / Precision::segment_pages;
   const std::uint64_t within = index % Precision::segment_pages;
@@ -25,8 +39,8 @@ std::byte* record_pages<Precision>::page(std::uint64_t index, const page_counts&
   // The first segment of a double-precision file holds the header pages too; they are not ours to write.
   const bool shares_header = Precision::segment_pages > 1 && segment == 0;
   const std::uint64_t write_start = shares_header ? counts.header_pages * Precision::page_bytes : 0;
-  map_.load(segment, need_of(index, counts), end, write_start);
-  return map_.data() + within * Precision::page_bytes;
+  map_->load(segment, need_of(index, counts), end, write_start);
+  return map_->data() + within * Precision::page_bytes;
 }
 
 template <class Precision>
@@ -48,13 +62,13 @@ segment_need record_pages<Precision>::need_of(std::uint64_t index, const page_co
 template <class Precision>
 void record_pages<Precision>::append(const page_counts& counts) {
   // What lies behind an early end of the file is about to change under the segment.
-  if (map_.ends_early()) {
-    map_.flush();
-    map_.forget();
+  if (map_->ends_early()) {
+    map_->flush();
+    map_->forget();
   }
-  file& target = *map_.target();
+  file& target = *map_->target();
   const std::uint64_t position = counts.pages * Precision::page_bytes;
-  map_.seek(position);
+  map_->seek(position);
   std::uint64_t size = 0;
   if constexpr (Precision::is_double) {
     if (target.size(size) && size > position && !target.set_end()) fail_with_system_error(set_end_failed);
@@ -63,9 +77,9 @@ void record_pages<Precision>::append(const page_counts& counts) {
   if (!target.write(empty_page<Precision>, done) || done != Precision::page_bytes) {
     fail_with_system_error(Precision::add_page_write_failed);
   }
-  if (map_.valid() && map_.segment() == counts.pages / Precision::segment_pages) {
+  if (map_->valid() && map_->segment() == counts.pages / Precision::segment_pages) {
     const std::uint64_t within = counts.pages % Precision::segment_pages;
-    std::memset(map_.data() + within * Precision::page_bytes, 0, Precision::page_bytes);
+    std::memset(map_->data() + within * Precision::page_bytes, 0, Precision::page_bytes);
   }
 }
 

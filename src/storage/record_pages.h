@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 
 #include "storage/precision.h"
 #include "storage/segment_map.h"
@@ -18,8 +19,8 @@ struct page_counts {
 template <class Precision>
 class record_pages {
  public:
-  record_pages(file& target, bool may_write, std::size_t record_words)
-      : record_words_(record_words), map_(&target, may_write) {}
+  /// Throws file_error "error caching page" when there is no memory for a segment.
+  record_pages(file& target, bool may_write, std::size_t record_words);
 
   /// The bytes of a page, counted from the beginning of the file. They stay until another page is asked
   /// for. Throws the page cache's messages.
@@ -27,15 +28,18 @@ class record_pages {
   /// Appends an empty page to the file behind the counted ones.
   void append(const page_counts& counts);
 
-  void mark_changed() noexcept { map_.mark_changed(); }
-  void flush() { map_.flush(); }
-  void forget() noexcept { map_.forget(); }
+  void mark_changed() noexcept { map_->mark_changed(); }
+  void flush() { map_->flush(); }
+  void forget() noexcept { map_->forget(); }
 
  private:
+  using map = fileSegmentMap<Precision::page_bytes * Precision::segment_pages>;
+
+  static std::unique_ptr<map> set_up(file& target, bool may_write);
   segment_need need_of(std::uint64_t index, const page_counts& counts) const noexcept;
 
   std::size_t record_words_;
-  fileSegmentMap<Precision::page_bytes * Precision::segment_pages> map_;
+  std::unique_ptr<map> map_;
 };
 
 }  // namespace ovf

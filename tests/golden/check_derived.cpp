@@ -60,8 +60,8 @@ HRESULT signature(IOvTable& table, const std::string& key, bstr& received, std::
   std::istringstream words(key);
   std::string part[4];
   for (std::string& word : part) std::getline(words, word, ',');
-  return table.GetSignature(flag(part[0]), flag(part[1]), flag(part[2]), static_cast<LONG>(std::stol(part[3])),
-                            received.out());
+  return table.GetSignature(flag(part[0]), flag(part[1]), flag(part[2]),
+                            static_cast<LONG>(std::stol(part[3])), received.out());
 }
 
 void check_signatures(comparison& compare, IOvTable& table, const expected_reading& expected) {

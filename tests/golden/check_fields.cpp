@@ -15,8 +15,7 @@ void check_default(comparison& compare, IOvSchema& schema, LONG column, const ex
     }
   } else if (const auto* text = std::get_if<std::string>(&expected.default_value)) {
     if (compare.equal(where, "type of the default", static_cast<long>(VT_BSTR), long{received.get().vt})) {
-      const BSTR units = received.get().bstrVal;
-      compare.equal(where, "default", *text, to_utf8({units, SysStringLen(units)}));
+      compare.equal(where, "default", *text, to_utf8(received.view()));
     }
   }
 }

@@ -9,9 +9,22 @@
 namespace ovtest {
 namespace {
 
-std::string array_text(const OLECHAR* units, std::size_t count) {
-  std::string text = to_utf8(std::basic_string_view<OLECHAR>(units, count));
-  return text;
+/// The facts hold texts up to a terminating 0, which must be there.
+template <std::size_t Size>
+std::string array_text(const OLECHAR (&units)[Size]) {
+  const std::size_t length = std::char_traits<OLECHAR>::length(units);
+  return length < Size ? to_utf8({units, length}) : "no terminating 0";
+}
+
+/// Words of 4 characters, each up to its first NUL.
+std::string words_of(const std::string& utf8) {
+  const wide all = ovfile::to_wide(utf8);
+  wide kept;
+  for (std::size_t i = 0; i < all.size(); i += 4) {
+    const wide word = all.substr(i, 4);
+    kept += word.substr(0, word.find(OLECHAR{0}));
+  }
+  return to_utf8(kept);
 }
 
 void check_counts(comparison& compare, const OvTableFacts& received, const expected_facts& expected) {
@@ -30,10 +43,10 @@ void check_counts(comparison& compare, const OvTableFacts& received, const expec
 
 void check_header(comparison& compare, const OvTableFacts& received, const expected_header& expected) {
   const place whole;
-  compare.equal(whole, "first name", expected.first_name, array_text(received.firstName, 8));
-  compare.equal(whole, "second name", expected.second_name, array_text(received.secondName, 8));
-  compare.equal(whole, "description", expected.description, array_text(received.description, 64));
-  compare.equal(whole, "owner", expected.owner, array_text(received.owner, 8));
+  compare.equal(whole, "first name", expected.first_name, array_text(received.firstName));
+  compare.equal(whole, "second name", expected.second_name, array_text(received.secondName));
+  compare.equal(whole, "description", words_of(expected.description), array_text(received.description));
+  compare.equal(whole, "owner", expected.owner, array_text(received.owner));
 }
 
 void check_facts(comparison& compare, IOvTable& table, const expected_reading& expected) {

@@ -125,14 +125,17 @@ expected_reading expected_from_odd(const json& expect, const std::string& file) 
   if (expect.contains("fields")) {
     made.fields.emplace();
     for (const json& field : expect["fields"]) {
-      made.fields->push_back({field[0], static_cast<column_type>(field[1].get<int>()), field[2], field[3], {}});
+      made.fields->push_back(
+          {field[0], static_cast<column_type>(field[1].get<int>()), field[2], field[3], {}});
     }
   }
   if (expect.contains("rows")) {
-    for (const auto& [row, cells] : expect["rows"].items()) made.rows.emplace(std::stol(row), cells_from(cells));
+    for (const auto& [row, cells] : expect["rows"].items())
+      made.rows.emplace(std::stol(row), cells_from(cells));
   }
   if (expect.contains("row_fails")) {
-    for (const auto& [row, message] : expect["row_fails"].items()) made.row_failures.emplace(std::stol(row), message);
+    for (const auto& [row, message] : expect["row_fails"].items())
+      made.row_failures.emplace(std::stol(row), message);
   }
   return made;
 }

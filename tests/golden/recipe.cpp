@@ -40,7 +40,8 @@ constexpr recipe_method methods[] = {
 };
 
 variant variant_from(const json& value) {
-  const auto& [type, content] = *value.items().begin();
+  const std::string& type = value.begin().key();
+  const json& content = value.begin().value();
   if (type == "R4") return variant(static_cast<float>(number_from(content)));
   if (type == "R8") return variant(number_from(content));
   if (type == "I4") return variant(content.get<LONG>());
@@ -50,14 +51,21 @@ variant variant_from(const json& value) {
 
 variant argument_from(char kind, const json& value, const recipe_bench& bench) {
   switch (kind) {
-    case 't': return text_variant(value.get<std::string>());
+    case 't':
+      return text_variant(value.get<std::string>());
     case 'l':
-    case 'b': return variant(value.get<LONG>());
-    case 'f': return variant(static_cast<float>(number_from(value)));
-    case 'd': return variant(number_from(value));
-    case 'n': return text_variant(to_utf8(wide_path(bench.folder / value.get<std::string>())));
-    case 'o': return object_variant(bench.schema.get());
-    default: return variant_from(value);
+    case 'b':
+      return variant(value.get<LONG>());
+    case 'f':
+      return variant(static_cast<float>(number_from(value)));
+    case 'd':
+      return variant(number_from(value));
+    case 'n':
+      return text_variant(to_utf8(wide_path(bench.folder / value.get<std::string>())));
+    case 'o':
+      return object_variant(bench.schema.get());
+    default:
+      return variant_from(value);
   }
 }
 

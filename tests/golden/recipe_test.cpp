@@ -60,8 +60,8 @@ class recipe : public testing::TestWithParam<std::string> {
     const bytes expected = read_bytes(golden);
     const bytes received = read_bytes(made_ / table["file"].get<std::string>());
     const std::size_t word_bytes = table["precision"] == "double" ? 8 : 4;
-    EXPECT_TRUE(expected == received) << table["file"] << ": "
-                                      << first_difference(expected, received, word_bytes);
+    EXPECT_TRUE(expected == received)
+        << table["file"] << ": " << first_difference(expected, received, word_bytes);
   }
 
   scratch_folder golden_;

@@ -39,8 +39,9 @@ const std::map<std::string_view, schema_call>& schema_calls() {
        }},
       {"CreateModelFile",
        [](IOvSchema& s, const given& a) {
-         return s.CreateModelFile(a.number(0), a.number(1), a.number(2), a.number(3), a.number(4), a.number(5),
-                                  a.whole(6), a.whole(7), a.whole(8), a.whole(9), a.whole(10), a.whole(11));
+         return s.CreateModelFile(a.number(0), a.number(1), a.number(2), a.number(3), a.number(4),
+                                  a.number(5), a.whole(6), a.whole(7), a.whole(8), a.whole(9), a.whole(10),
+                                  a.whole(11));
        }},
       {"CreateRegularGrid",
        [](IOvSchema& s, const given& a) {
@@ -68,8 +69,10 @@ const std::map<std::string_view, table_call>& table_calls() {
       {"SetColumn", [](IOvTable& t, const given& a) { return t.SetColumn(a.whole(0), a.value(1)); }},
       {"SetColumnDouble",
        [](IOvTable& t, const given& a) { return t.SetColumnDouble(a.whole(0), a.number(1)); }},
-      {"SetColumnFloat", [](IOvTable& t, const given& a) { return t.SetColumnFloat(a.whole(0), a.single(1)); }},
-      {"SetColumnString", [](IOvTable& t, const given& a) { return t.SetColumnString(a.whole(0), a.text(1)); }},
+      {"SetColumnFloat",
+       [](IOvTable& t, const given& a) { return t.SetColumnFloat(a.whole(0), a.single(1)); }},
+      {"SetColumnString",
+       [](IOvTable& t, const given& a) { return t.SetColumnString(a.whole(0), a.text(1)); }},
       {"SetColumnName", [](IOvTable& t, const given& a) { return t.SetColumnName(a.whole(0), a.text(1)); }},
       {"SetColumnDefaultFloat",
        [](IOvTable& t, const given& a) { return t.SetColumnDefaultFloat(a.whole(0), a.single(1)); }},

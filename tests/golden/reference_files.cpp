@@ -76,7 +76,8 @@ std::optional<fs::path> copy_reference(const std::string& file, const fs::path& 
 std::string test_name(std::string name) {
   std::replace_if(
       name.begin(), name.end(),
-      [](char c) { return !((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9')); }, '_');
+      [](char c) { return !((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9')); },
+      '_');
   return name;
 }
 

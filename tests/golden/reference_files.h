@@ -20,7 +20,8 @@ nlohmann::json reference_json(const std::string& name);
 
 /// Copies the table `name` (a path relative to the folder, `.ovt` included) into `folder` under the same
 /// relative name, unpacked when it is packed. Empty when it is packed and nothing here can unpack it.
-std::optional<std::filesystem::path> copy_reference(const std::string& file, const std::filesystem::path& folder);
+std::optional<std::filesystem::path> copy_reference(const std::string& file,
+                                                    const std::filesystem::path& folder);
 
 /// A test's name from a file's: letters, digits and underscores.
 std::string test_name(std::string name);

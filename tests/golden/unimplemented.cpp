@@ -22,7 +22,8 @@ class report_at_end : public testing::Environment {
   }
 };
 
-[[maybe_unused]] testing::Environment* const registered = testing::AddGlobalTestEnvironment(new report_at_end);
+[[maybe_unused]] testing::Environment* const registered =
+    testing::AddGlobalTestEnvironment(new report_at_end);
 
 }  // namespace
 

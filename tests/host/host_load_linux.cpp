@@ -36,7 +36,8 @@ bool is_exported(const Elf64_Sym& symbol) {
 
 }  // namespace
 
-loaded_library::loaded_library(const std::string& path) : path_(path), handle_(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL)) {
+loaded_library::loaded_library(const std::string& path)
+    : path_(path), handle_(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL)) {
   if (handle_ == nullptr) throw std::runtime_error(dlerror());
 }
 
@@ -63,45 +64,16 @@ std::set<std::string> loaded_library::exported_names() const {
 }
 
 std::set<std::string> loaded_library::contract() {
-  return {"DllGetClassObject",
-          "DllCanUnloadNow",
-          "DllRegisterServer",
-          "DllUnregisterServer",
-          "SysAllocString",
-          "SysAllocStringLen",
-          "SysAllocStringByteLen",
-          "SysReAllocString",
-          "SysReAllocStringLen",
-          "SysFreeString",
-          "SysStringLen",
-          "SysStringByteLen",
-          "VariantInit",
-          "VariantClear",
-          "VariantCopy",
-          "VariantCopyInd",
-          "VariantChangeType",
-          "VariantChangeTypeEx",
-          "CreateErrorInfo",
-          "SetErrorInfo",
-          "GetErrorInfo",
-          "CoInitialize",
-          "CoInitializeEx",
-          "CoUninitialize",
-          "CoCreateInstance",
-          "CoGetClassObject",
-          "CoRegisterClassObject",
-          "CoRevokeClassObject",
-          "CLSIDFromProgID",
-          "ProgIDFromCLSID",
-          "CLSIDFromString",
-          "StringFromGUID2",
-          "CoTaskMemAlloc",
-          "CoTaskMemRealloc",
-          "CoTaskMemFree",
+  return {"DllGetClassObject", "DllCanUnloadNow", "DllRegisterServer", "DllUnregisterServer",
+          "SysAllocString", "SysAllocStringLen", "SysAllocStringByteLen", "SysReAllocString",
+          "SysReAllocStringLen", "SysFreeString", "SysStringLen", "SysStringByteLen", "VariantInit",
+          "VariantClear", "VariantCopy", "VariantCopyInd", "VariantChangeType", "VariantChangeTypeEx",
+          "CreateErrorInfo", "SetErrorInfo", "GetErrorInfo", "CoInitialize", "CoInitializeEx",
+          "CoUninitialize", "CoCreateInstance", "CoGetClassObject", "CoRegisterClassObject",
+          "CoRevokeClassObject", "CLSIDFromProgID", "ProgIDFromCLSID", "CLSIDFromString", "StringFromGUID2",
+          "CoTaskMemAlloc", "CoTaskMemRealloc", "CoTaskMemFree",
           // What a host needs to catch the exceptions of Merge.
-          "_ZTI16MyExceptionClass",
-          "_ZTS16MyExceptionClass",
-          "_ZTV16MyExceptionClass"};
+          "_ZTI16MyExceptionClass", "_ZTS16MyExceptionClass", "_ZTV16MyExceptionClass"};
 }
 
 }  // namespace ovtest

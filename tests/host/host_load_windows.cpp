@@ -12,7 +12,9 @@ const Struct* at(HMODULE module, DWORD offset) {
   return reinterpret_cast<const Struct*>(reinterpret_cast<const char*>(module) + offset);
 }
 
-FARPROC find_in(const char* library, const char* name) { return GetProcAddress(GetModuleHandleA(library), name); }
+FARPROC find_in(const char* library, const char* name) {
+  return GetProcAddress(GetModuleHandleA(library), name);
+}
 
 }  // namespace
 

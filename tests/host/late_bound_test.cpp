@@ -53,8 +53,7 @@ class late_bound : public host_test {
 
   HRESULT open(const std::string& path, EXCEPINFO* exception = nullptr) {
     VARIANT name = text_value(path);
-    const HRESULT status =
-        call(*table_, "Open", DISPATCH_METHOD, {name, long_value(1)}, nullptr, exception);
+    const HRESULT status = call(*table_, "Open", DISPATCH_METHOD, {name, long_value(1)}, nullptr, exception);
     call_.clear_variant(&name);
     return status;
   }

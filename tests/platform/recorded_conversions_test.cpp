@@ -14,8 +14,9 @@ namespace {
 
 std::filesystem::path table_path() {
   const char* shared = std::getenv("OVFILE_SHARED");
-  const std::filesystem::path folder =
-      shared != nullptr ? std::filesystem::path(shared) : std::filesystem::path(OVFILE_SOURCE_DIR) / ".." / "shared";
+  const std::filesystem::path folder = shared != nullptr
+                                           ? std::filesystem::path(shared)
+                                           : std::filesystem::path(OVFILE_SOURCE_DIR) / ".." / "shared";
   return folder / "data" / "conversions.csv";
 }
 

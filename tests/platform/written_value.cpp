@@ -12,10 +12,10 @@ struct named_type {
   std::string_view name;
   VARTYPE type;
 };
-constexpr named_type types[] = {{"EMPTY", VT_EMPTY}, {"NULL", VT_NULL}, {"I1", VT_I1},     {"I2", VT_I2},
-                                {"I4", VT_I4},       {"I8", VT_I8},     {"UI1", VT_UI1},   {"UI2", VT_UI2},
-                                {"UI4", VT_UI4},     {"UI8", VT_UI8},   {"INT", VT_INT},   {"UINT", VT_UINT},
-                                {"R4", VT_R4},       {"R8", VT_R8},     {"CY", VT_CY},     {"DATE", VT_DATE},
+constexpr named_type types[] = {{"EMPTY", VT_EMPTY}, {"NULL", VT_NULL}, {"I1", VT_I1},      {"I2", VT_I2},
+                                {"I4", VT_I4},       {"I8", VT_I8},     {"UI1", VT_UI1},    {"UI2", VT_UI2},
+                                {"UI4", VT_UI4},     {"UI8", VT_UI8},   {"INT", VT_INT},    {"UINT", VT_UINT},
+                                {"R4", VT_R4},       {"R8", VT_R8},     {"CY", VT_CY},      {"DATE", VT_DATE},
                                 {"BSTR", VT_BSTR},   {"BOOL", VT_BOOL}, {"ERROR", VT_ERROR}};
 
 template <class Number>
@@ -28,9 +28,9 @@ Number number_in(std::string_view text, int base = 10) {
   return number;
 }
 
-/// The bits after the slash.
+/// The bits after the last slash; what stands before it is for people.
 unsigned long long bits_in(std::string_view text) {
-  return number_in<unsigned long long>(text.substr(text.find('/') + 1), 16);
+  return number_in<unsigned long long>(text.substr(text.rfind('/') + 1), 16);
 }
 
 std::string hexadecimal(unsigned long long bits, int digits) {

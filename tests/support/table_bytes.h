@@ -38,10 +38,14 @@ inline std::size_t header_word(std::size_t w) {
 /// Which byte of the number each of the 4 bytes on disk is.
 inline std::array<std::size_t, 4> byte_places(int order) {
   switch (order) {
-    case 256: return {1, 0, 3, 2};
-    case 1024: return {2, 3, 0, 1};
-    case 1280: return {3, 2, 1, 0};
-    default: return {0, 1, 2, 3};
+    case 256:
+      return {1, 0, 3, 2};
+    case 1024:
+      return {2, 3, 0, 1};
+    case 1280:
+      return {3, 2, 1, 0};
+    default:
+      return {0, 1, 2, 3};
   }
 }
 
@@ -55,9 +59,8 @@ inline void put_bits(bytes& file, std::size_t word, std::uint64_t bits, word_for
 }
 
 inline void put_number(bytes& file, std::size_t word, double value, word_format format) {
-  const std::uint64_t bits = format.size == 4
-                                 ? std::bit_cast<std::uint32_t>(static_cast<float>(value))
-                                 : std::bit_cast<std::uint64_t>(value);
+  const std::uint64_t bits = format.size == 4 ? std::bit_cast<std::uint32_t>(static_cast<float>(value))
+                                              : std::bit_cast<std::uint64_t>(value);
   put_bits(file, word, bits, format);
 }
 

@@ -23,7 +23,8 @@ inline expected_field single_field(std::string name, double default_value = 0, b
 inline expected_field double_field(std::string name, double default_value = 0, bool implicit = false) {
   return {std::move(name), column_type::double_number, 4, implicit, default_value};
 }
-inline expected_field text_field(std::string name, int width, std::string default_value, bool implicit = false) {
+inline expected_field text_field(std::string name, int width, std::string default_value,
+                                 bool implicit = false) {
   return {std::move(name), column_type::text, width, implicit, std::move(default_value)};
 }
 

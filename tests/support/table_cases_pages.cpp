@@ -38,15 +38,16 @@ table_case wide_rows(std::string name, std::size_t rows, word_format format) {
   const std::size_t record_pages = (rows + per_page - 1) / per_page;
   const std::size_t last = rows == 0 ? 0 : rows - (record_pages - 1) * per_page;
   const int pages = static_cast<int>(1 + record_pages);
-  table_case made = start_case(name_of(format, name), counts(pages, static_cast<int>(last)), atoms, format,
-                               {static_cast<int>(format.size), 0, 50, 1, 50, 10, pages, static_cast<int>(last)});
+  table_case made =
+      start_case(name_of(format, name), counts(pages, static_cast<int>(last)), atoms, format,
+                 {static_cast<int>(format.size), 0, 50, 1, 50, 10, pages, static_cast<int>(last)});
   for (std::size_t p = 0; p < record_pages; ++p) add_page(made.file, format);
   std::vector<std::vector<expected_cell>> cells(rows);
   for (std::size_t r = 0; r < rows; ++r) {
     for (std::size_t c = 1; c <= columns; ++c) {
       const std::size_t value = 1000 * (r + 1) + c;
-      put_number(made.file, record_word(1 + r / per_page, r % per_page, columns, c), static_cast<double>(value),
-                 format);
+      put_number(made.file, record_word(1 + r / per_page, r % per_page, columns, c),
+                 static_cast<double>(value), format);
       cells[r].emplace_back(whole(value, format));
     }
   }
@@ -62,8 +63,9 @@ table_case short_last_page(word_format format) {
 
 table_case no_fields(word_format format) {
   const int size = static_cast<int>(format.size);
-  return with_rows(start_case(name_of(format, "no_fields"), counts(1, 0), {}, format, {size, 0, 0, 1, 0, 0, 1, 0}),
-                   {}, {});
+  return with_rows(
+      start_case(name_of(format, "no_fields"), counts(1, 0), {}, format, {size, 0, 0, 1, 0, 0, 1, 0}), {},
+      {});
 }
 
 /// 69 atoms are one more than the first header page holds.
@@ -75,8 +77,8 @@ table_case two_header_pages() {
     atoms.push_back(number_atom("C" + std::to_string(c), static_cast<int>(c), static_cast<double>(c) / 4));
     fields.push_back(double_field("C" + std::to_string(c), static_cast<double>(c) / 4));
   }
-  table_case made = start_case("double_two_header_pages", counts(4, 1), atoms, double_words,
-                               {8, 0, 69, 2, 69, 7, 4, 1});
+  table_case made =
+      start_case("double_two_header_pages", counts(4, 1), atoms, double_words, {8, 0, 69, 2, 69, 7, 4, 1});
   add_page(made.file, double_words);
   add_page(made.file, double_words);
   std::vector<std::vector<expected_cell>> rows(8);
@@ -96,8 +98,8 @@ table_case segment_edges() {
   constexpr std::size_t record_pages = 204;
   std::vector<atom> atoms{number_atom("ROW", 1)};
   add_text_atoms(atoms, "LOG", text_words, 2);
-  table_case made = start_case("double_segment_edges", counts(208, 2), atoms, double_words,
-                               {8, 0, 254, 4, 254, 2, 208, 2});
+  table_case made =
+      start_case("double_segment_edges", counts(208, 2), atoms, double_words, {8, 0, 254, 4, 254, 2, 208, 2});
   for (std::size_t p = 0; p < record_pages; ++p) add_page(made.file, double_words);
   std::vector<std::vector<expected_cell>> rows(2 * record_pages);
   for (std::size_t r = 0; r < rows.size(); ++r) {
@@ -107,8 +109,8 @@ table_case segment_edges() {
     put_text(made.file, record_word(4 + r / 2, r % 2, 254, 2), text_words, log, double_words);
     rows[r] = {double_number(static_cast<double>(r + 1)), text_cell{log}};
   }
-  return with_rows(made, {double_field("ROW"), text_field("LOG", 4 * text_words, std::string(4 * text_words, ' '))},
-                   rows);
+  return with_rows(
+      made, {double_field("ROW"), text_field("LOG", 4 * text_words, std::string(4 * text_words, ' '))}, rows);
 }
 
 /// A page count of the header pages alone, yet records: they are on the page behind.

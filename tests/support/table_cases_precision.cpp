@@ -60,7 +60,8 @@ table_case single_assays(int order, std::uint32_t cutoff) {
       made,
       {text_field("BHID", 8, "        "), single_field("FROM"), single_field("AU", double{-1e30F}),
        single_field("CUTOFF", 2.5, true), text_field("LAB", 4, "ALS ", true)},
-      {{text_cell{"BH-1    "}, single_number(0.5F, 0.5, "0.5"), single_number(0.1F, 0.1, "0.1"), implicit, lab},
+      {{text_cell{"BH-1    "}, single_number(0.5F, 0.5, "0.5"), single_number(0.1F, 0.1, "0.1"), implicit,
+        lab},
        {text_cell{"BH-22   "}, single_number(12.25F, 12.25, "12.25"), single_number(-1e30F, double{-1e30F}),
         implicit, lab},
        {text_cell{"BH-333-B"}, single_number(123456.75F, 123456.75), single_number(-0.0F, 0.0, "0"), implicit,
@@ -68,18 +69,18 @@ table_case single_assays(int order, std::uint32_t cutoff) {
 }
 
 table_case double_assays() {
-  table_case made = start_case("double", assay_header(), assay_atoms(), double_words, {8, 0, 6, 1, 4, 127, 2, 3});
+  table_case made =
+      start_case("double", assay_header(), assay_atoms(), double_words, {8, 0, 6, 1, 4, 127, 2, 3});
   add_assays(made.file, double_words);
   made.expected.header = assay_header_reading();
   const number_cell implicit = double_number(2.5);
   const text_cell lab{"ALS "};
-  return with_rows(
-      made,
-      {text_field("BHID", 8, "        "), double_field("FROM"), double_field("AU", -1e30),
-       double_field("CUTOFF", 2.5, true), text_field("LAB", 4, "ALS ", true)},
-      {{text_cell{"BH-1    "}, double_number(0.5), double_number(0.1), implicit, lab},
-       {text_cell{"BH-22   "}, double_number(12.25), double_number(-1e30), implicit, lab},
-       {text_cell{"BH-333-B"}, double_number(123456.75), double_number(-0.0), implicit, lab}});
+  return with_rows(made,
+                   {text_field("BHID", 8, "        "), double_field("FROM"), double_field("AU", -1e30),
+                    double_field("CUTOFF", 2.5, true), text_field("LAB", 4, "ALS ", true)},
+                   {{text_cell{"BH-1    "}, double_number(0.5), double_number(0.1), implicit, lab},
+                    {text_cell{"BH-22   "}, double_number(12.25), double_number(-1e30), implicit, lab},
+                    {text_cell{"BH-333-B"}, double_number(123456.75), double_number(-0.0), implicit, lab}});
 }
 
 /// A file without a precision mark is single precision when word 25 is a small count.
@@ -126,10 +127,15 @@ table_case double_patterns() {
 }
 
 table_case single_patterns(int order) {
-  constexpr std::uint32_t patterns[] = {0x7FC12345, 0x7F800001, 0x7F800000, 0xFF800000, 0x00000001, 0x80000000};
+  constexpr std::uint32_t patterns[] = {0x7FC12345, 0x7F800001, 0x7F800000,
+                                        0xFF800000, 0x00000001, 0x80000000};
   const double infinite = std::numeric_limits<double>::infinity();
   const double as_double[] = {std::numeric_limits<double>::quiet_NaN(),
-                              std::numeric_limits<double>::quiet_NaN(), infinite, -infinite, 0.0, 0.0};
+                              std::numeric_limits<double>::quiet_NaN(),
+                              infinite,
+                              -infinite,
+                              0.0,
+                              0.0};
   const word_format format{4, order};
   table_case made = start_case("single_patterns_order_" + std::to_string(order), one_number_header(6),
                                {number_atom("V", 1)}, format, {4, order, 1, 1, 1, 508, 2, 6});

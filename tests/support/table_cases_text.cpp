@@ -58,16 +58,17 @@ table_case implicit_mix(word_format format) {
   put_text(made.file, record_word(1, 0, 4, 2), 2, "GRANIT", format);
   put_number(made.file, record_word(1, 0, 4, 4), 3.25, format);
   const bool is_double = format.size == 8;
-  const auto number = [&](float value) { return is_double ? double_number(value) : single_number(value, value); };
+  const auto number = [&](float value) {
+    return is_double ? double_number(value) : single_number(value, value);
+  };
   const auto field = [&](std::string name, double value, bool implicit) {
     return is_double ? double_field(std::move(name), value, implicit)
                      : single_field(std::move(name), value, implicit);
   };
-  return with_rows(
-      made,
-      {text_field("SITE", 8, "NORTH   ", true), field("X", 0, false), field("XINC", 12.5, true),
-       text_field("ROCK", 8, "        "), field("Y", 0, false)},
-      {{text_cell{"NORTH   "}, number(3.25F), number(12.5F), text_cell{"GRANIT  "}, number(7)}});
+  return with_rows(made,
+                   {text_field("SITE", 8, "NORTH   ", true), field("X", 0, false), field("XINC", 12.5, true),
+                    text_field("ROCK", 8, "        "), field("Y", 0, false)},
+                   {{text_cell{"NORTH   "}, number(3.25F), number(12.5F), text_cell{"GRANIT  "}, number(7)}});
 }
 
 /// 8 characters fill the two words of a name, from 9 on it is a long one, 24 are the most.
@@ -75,15 +76,16 @@ table_case long_names() {
   std::vector<atom> atoms{number_atom("EIGHTLEN", 1), number_atom("NINECHARS", 2),
                           number_atom("ABCDEFGHIJKLMNOPQRSTUVWX", 3)};
   add_text_atoms(atoms, "ROCK_DESCRIPTION", 2, 4);
-  table_case made = start_case("double_long_names", one_page(1), atoms, double_words, {8, 0, 5, 1, 5, 101, 2, 1});
+  table_case made =
+      start_case("double_long_names", one_page(1), atoms, double_words, {8, 0, 5, 1, 5, 101, 2, 1});
   add_page(made.file, double_words);
   for (std::size_t i = 1; i <= 3; ++i) {
     put_number(made.file, record_word(1, 0, 5, i), static_cast<double>(i), double_words);
   }
   put_text(made.file, record_word(1, 0, 5, 4), 2, "SLATE", double_words);
   return with_rows(made,
-                   {double_field("EIGHTLEN"), double_field("NINECHARS"), double_field("ABCDEFGHIJKLMNOPQRSTUVWX"),
-                    text_field("ROCK_DESCRIPTION", 8, "        ")},
+                   {double_field("EIGHTLEN"), double_field("NINECHARS"),
+                    double_field("ABCDEFGHIJKLMNOPQRSTUVWX"), text_field("ROCK_DESCRIPTION", 8, "        ")},
                    {{double_number(1), double_number(2), double_number(3), text_cell{"SLATE   "}}});
 }
 
@@ -92,7 +94,8 @@ table_case names_twice() {
   std::vector<atom> atoms{number_atom("AU", 1), number_atom("AU", 2)};
   add_text_atoms(atoms, "T", 1, 3);
   add_text_atoms(atoms, "T", 1, 4);
-  table_case made = start_case("single_names_twice", one_page(1), atoms, single_words, {4, 0, 4, 1, 4, 127, 2, 1});
+  table_case made =
+      start_case("single_names_twice", one_page(1), atoms, single_words, {4, 0, 4, 1, 4, 127, 2, 1});
   add_page(made.file, single_words);
   put_number(made.file, record_word(1, 0, 4, 1), 1.5, single_words);
   put_number(made.file, record_word(1, 0, 4, 2), 2.5, single_words);

@@ -1,0 +1,2 @@
+#include "../../src/command/console_linux.cpp"
+#include "../../src/command/raw_file_linux.cpp"

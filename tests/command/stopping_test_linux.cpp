@@ -1,0 +1,145 @@
+// What happens when the world outside ends the work: signals, closed pipes, full disks, terminals.
+#include <pty.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "command/command_test.h"
+
+namespace {
+
+using names = std::vector<std::string>;
+
+class stopping_test : public ovtest::command_test {
+ protected:
+  /// Runs a shell script in which $OVFILE is the program.
+  ovtest::process_result shell(const std::string& script) const {
+    const char* const set = std::getenv("OVFILE_COMMAND");
+    ovtest::set_environment("OVFILE", set != nullptr ? set : OVFILE_COMMAND_PATH);
+    return ovtest::run_process({"/bin/sh", "-c", script}, folder().path());
+  }
+
+  /// A table whose CSV is some megabytes long.
+  void make_long_table() const {
+    std::string csv = "A,B\n";
+    for (int i = 0; i < 200000; ++i) csv += std::to_string(i) + ".5,text " + std::to_string(i) + "\n";
+    write("in.csv", csv);
+    run_quietly({"import", "in.csv", "t.ovt"});
+  }
+};
+
+TEST_F(stopping_test, a_reader_that_leaves_is_no_failure) {
+  make_long_table();
+  const ovtest::process_result result = shell("{ \"$OVFILE\" export t.ovt; echo $? >status; } | head -n 1");
+  EXPECT_EQ(result.output, "A,B\n");
+  EXPECT_EQ(result.error, "");
+  EXPECT_EQ(read("status"), "0\n");
+}
+
+TEST_F(stopping_test, an_output_that_is_full_is_a_failure) {
+  if (::access("/dev/full", W_OK) != 0) GTEST_SKIP() << "/dev/full is not there";
+  round_trip("A\n1\n");
+  for (const char* arguments : {"export t.ovt", "head t.ovt", "info t.ovt", "--help"}) {
+    const ovtest::process_result result = shell("exec \"$OVFILE\" " + std::string(arguments) + " >/dev/full");
+    EXPECT_EQ(result.status, 1) << arguments;
+    EXPECT_EQ(result.error, "ovfile: cannot write standard output: No space left on device\n") << arguments;
+  }
+}
+
+TEST_F(stopping_test, a_closed_output_is_a_failure) {
+  round_trip("A\n1\n");
+  EXPECT_EQ(shell("exec \"$OVFILE\" export t.ovt >&-").status, 1);
+}
+
+TEST_F(stopping_test, a_file_that_may_not_grow_leaves_no_table) {
+  make_long_table();
+  const std::string before = read("t.ovt");
+  write("small.csv", "A\n1\n");
+  const ovtest::process_result result = shell("ulimit -f 200; exec \"$OVFILE\" import in.csv t.ovt");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.error.substr(0, 28), "ovfile: cannot write t.ovt: ");
+  EXPECT_EQ(result.error.find('\n'), result.error.size() - 1);
+  EXPECT_EQ(read("t.ovt"), before);
+  EXPECT_EQ(shell("ulimit -f 200; exec \"$OVFILE\" export t.ovt out.csv").status, 1);
+  EXPECT_EQ(files(), (names{"in.csv", "small.csv", "t.ovt"}));
+}
+
+TEST_F(stopping_test, a_signal_leaves_no_table) {
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    make_long_table();
+    const std::string before = read("t.ovt");
+    const std::string kill = "kill -" + std::to_string(signal);
+    const ovtest::process_result result = shell(
+        "for i in 1 2 3 4 5 6 7 8; do cat in.csv; done >big.csv; sed -i '1!{/^A,B$/d}' big.csv;"
+        "\"$OVFILE\" import big.csv t.ovt & p=$!;"
+        "while [ -z \"$(ls .NEW* 2>/dev/null)\" ] && kill -0 $p 2>/dev/null; do sleep 0.01; done;" +
+        kill + " $p; wait $p; echo $? >status; rm big.csv");
+    EXPECT_EQ(result.error, "");
+    EXPECT_EQ(read("status"), std::to_string(128 + signal) + "\n");
+    EXPECT_EQ(read("t.ovt"), before);
+    EXPECT_EQ(files(), (names{"in.csv", "status", "t.ovt"}));
+  }
+}
+
+TEST_F(stopping_test, a_link_stays_a_link) {
+  round_trip("A\n1\n");
+  std::filesystem::create_directory(folder() / "real");
+  std::filesystem::rename(folder() / "t.ovt", folder() / "real" / "t.ovt");
+  std::filesystem::create_symlink("real/t.ovt", folder() / "t.ovt");
+  EXPECT_EQ(round_trip("B\n2\n"), "B\n2\n");
+  EXPECT_TRUE(std::filesystem::is_symlink(folder() / "t.ovt"));
+  EXPECT_EQ(run_quietly({"export", "real/t.ovt"}), "B\n2\n");
+}
+
+TEST_F(stopping_test, permissions_carry_over) {
+  using std::filesystem::perms;
+  round_trip("A\n1\n");
+  const perms narrow = perms::owner_read | perms::owner_write | perms::group_read;
+  std::filesystem::permissions(folder() / "t.ovt", narrow);
+  round_trip("B\n2\n");
+  EXPECT_EQ(std::filesystem::status(folder() / "t.ovt").permissions(), narrow);
+}
+
+TEST_F(stopping_test, a_pipe_can_be_imported) {
+  const ovtest::process_result result = shell(
+      "mkfifo p; { printf 'A,B\\n1,x\\n'; printf '2,yyyyy\\n'; } >p & \"$OVFILE\" import p t.ovt; rm p");
+  EXPECT_EQ(result.error, "");
+  EXPECT_EQ(run_quietly({"export", "t.ovt"}), "A,B\n1,x\n2,yyyyy\n");
+}
+
+/// What a shell script writes to standard error when that is a terminal.
+std::string on_terminal(const std::string& script, const std::filesystem::path& folder, int& status) {
+  int terminal = -1;
+  const pid_t child = ::forkpty(&terminal, nullptr, nullptr, nullptr);
+  if (child == 0) {
+    if (::chdir(folder.c_str()) != 0) ::_exit(127);
+    ::execl("/bin/sh", "sh", "-c", script.c_str(), static_cast<char*>(nullptr));
+    ::_exit(127);
+  }
+  std::string seen;
+  char bytes[4096];
+  for (ssize_t done = 0; (done = ::read(terminal, bytes, sizeof bytes)) > 0;) {
+    seen.append(bytes, static_cast<std::size_t>(done));
+  }
+  ::close(terminal);
+  ::waitpid(child, &status, 0);
+  return seen;
+}
+
+TEST_F(stopping_test, a_terminal_sees_a_bar_only_when_the_work_lasts) {
+  make_long_table();
+  const char* const set = std::getenv("OVFILE_COMMAND");
+  ovtest::set_environment("OVFILE", set != nullptr ? set : OVFILE_COMMAND_PATH);
+  int status = -1;
+  const std::string slow =
+      on_terminal("{ head -n 5000 in.csv; sleep 1.3; tail -n +5001 in.csv; } | \"$OVFILE\" import - u.ovt",
+                  folder().path(), status);
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(slow.find("\rreading standard input"), 0u) << slow;
+  EXPECT_EQ(slow.substr(slow.size() - 4), "\r\x1B[K") << "wiped away";
+  const std::string quick = on_terminal("\"$OVFILE\" head t.ovt >/dev/null", folder().path(), status);
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(quick, "");
+}
+
+}  // namespace
