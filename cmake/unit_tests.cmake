@@ -65,7 +65,7 @@ function(ovf_add_test_folder name)
 
   set(run "${CMAKE_BINARY_DIR}/run/${name}")
   file(MAKE_DIRECTORY "${run}")
-  gtest_discover_tests(${target} TEST_PREFIX "${name}." WORKING_DIRECTORY "${run}" DISCOVERY_MODE PRE_TEST
+  gtest_discover_tests(${target} TEST_PREFIX "${name}." NO_PRETTY_VALUES WORKING_DIRECTORY "${run}" DISCOVERY_MODE PRE_TEST
                        DISCOVERY_TIMEOUT 120 PROPERTIES TIMEOUT 300)
 endfunction()
 

@@ -64,10 +64,14 @@ void basic_ovtable<Precision>::take(row_place place) noexcept {
 
 template <class Precision>
 void basic_ovtable<Precision>::addRow() {
-  // Appending may bring another page into memory, whatever comes of it.
-  drop_record(nullptr);
-  take(rows_.append());
-  current_ = rows_.row_count();
+  try {
+    take(rows_.append());
+    current_ = rows_.row_count();
+  } catch (...) {
+    // The failed try may have brought another page into memory.
+    restore_record();
+    throw;
+  }
 }
 
 template <class Precision>

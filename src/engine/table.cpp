@@ -77,6 +77,15 @@ void table::drop_record(std::exception_ptr reason) noexcept {
   load_failure_ = std::move(reason);
 }
 
+void table::restore_record() noexcept {
+  try {
+    drop_record(nullptr);
+    if (current_ > 0) load(current_);
+  } catch (...) {
+    // Accesses tell why, until a move succeeds.
+  }
+}
+
 std::byte* table::record() const {
   if (record_ != nullptr) return record_;
   if (load_failure_ != nullptr) std::rethrow_exception(load_failure_);

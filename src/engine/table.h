@@ -129,6 +129,8 @@ class table {
   void drop_record(std::exception_ptr reason) noexcept;
   /// Makes `row` current and puts its record into reach.
   void load(std::uint64_t row);
+  /// Puts the current row's record into reach again if that is possible.
+  void restore_record() noexcept;
   /// The record of the current row; throws when none is held.
   std::byte* record() const;
 

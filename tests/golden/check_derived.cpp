@@ -88,11 +88,12 @@ void check_kind(comparison& compare, IOvTable& table, const expected_reading& ex
 
 }  // namespace
 
-void check_derived(IOvTable& table, const expected_reading& expected) {
+int check_derived(IOvTable& table, const expected_reading& expected) {
   comparison compare(expected.file);
   check_kind(compare, table, expected);
   check_ranges(compare, table, expected);
   check_signatures(compare, table, expected);
+  return compare.comparisons();
 }
 
 }  // namespace ovtest

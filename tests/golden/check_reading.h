@@ -10,7 +10,8 @@ namespace ovtest {
 /// run off the end. Failures name file, row, column, what was expected and what was received.
 void check_reading(IOvTable& table, const expected_reading& expected);
 
-/// Ranges, signatures and the kind of table: on a table that was opened just now.
-void check_derived(IOvTable& table, const expected_reading& expected);
+/// Ranges, signatures and the kind of table: on a table that was opened just now. Returns how many values
+/// were compared, as the methods may not exist yet.
+int check_derived(IOvTable& table, const expected_reading& expected);
 
 }  // namespace ovtest

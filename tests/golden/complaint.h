@@ -55,6 +55,7 @@ class comparison {
 
   template <class Value>
   bool equal(place where, const std::string& what, const Value& expected, const Value& received) {
+    ++comparisons_;
     if (same(expected, received)) return true;
     fail(where, what, shown(expected), shown(received));
     return false;
@@ -68,11 +69,12 @@ class comparison {
   }
 
   const std::string& file() const { return file_; }
-  int failures() const { return failures_; }
+  int comparisons() const { return comparisons_; }
 
  private:
   static constexpr int most_failures = 20;
   std::string file_;
+  int comparisons_ = 0;
   int failures_ = 0;
 };
 

@@ -79,9 +79,10 @@ TEST_P(reference_table, derives_as_expected) {
   if (table_.contains("link") && table_["link"].contains("fails")) GTEST_SKIP() << "leads nowhere";
   const owned<IOvTable> table = make_table();
   ASSERT_EQ(S_OK, open(*table)) << table_["file"] << ": " << take_error_text();
-  check_derived(*table, expected());
+  const int compared = check_derived(*table, expected());
   EXPECT_EQ(S_OK, table->Close());
   expect_unchanged();
+  if (compared == 0) GTEST_SKIP() << "kind, ranges and signatures are not there yet";
 }
 
 INSTANTIATE_TEST_SUITE_P(every, reference_table, testing::ValuesIn(reference_names()),

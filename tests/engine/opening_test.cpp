@@ -1,0 +1,240 @@
+#include <gtest/gtest.h>
+
+#include <ctime>
+
+#include "engine/field_name.h"
+#include "engine_files.h"
+#include "support/denied_memory.h"
+
+namespace {
+
+using ovtest::bytes;
+using ovtest::call;
+using ovtest::double_words;
+using ovtest::hole_table;
+using ovtest::message_of;
+using ovtest::single_words;
+using ovtest::utf8;
+
+TEST(Opening, WithoutANameThereIsNothingToOpen) {
+  EXPECT_EQ(message_of([] { ovf::open_table({}, true); }), "no filename given");
+}
+
+TEST(Opening, AFileThatTheSystemRefusesIsNamedWithCodeAndText) {
+  ovtest::engine_files files;
+  files.open(hole_table(1, single_words));
+  ovtest::failing_files failing;
+  failing.fail_nth(call::open, 2);  // the first one is the probe's
+  const std::string expected =
+      "Failed to open table " + utf8(files.name()) +
+      ", windows reported the following error\r\nError: 5\r\nMessage: " + utf8(ovf::system_message(5));
+  EXPECT_EQ(message_of([&] { files.reopen(); }), expected);
+  failing.fail_nth(call::open, 1);
+  EXPECT_EQ(message_of([&] { files.reopen(); }), "cannot open file " + utf8(files.name()));
+}
+
+TEST(Opening, TheDescriptionIsSixtyCharactersUntrimmed) {
+  ovtest::engine_files files;
+  ovtest::header_words words;
+  EXPECT_EQ(utf8(files.open(ovtest::make_header(words, {}, single_words))->getDescription()),
+            std::string(60, ' '));
+  words.description = std::string(62, 'd');
+  EXPECT_EQ(utf8(files.open(ovtest::make_header(words, {}, double_words))->getDescription()),
+            std::string(60, 'd'));
+}
+
+TEST(Opening, EachDescriptionWordEndsAtItsFirstNul) {
+  bytes file = hole_table(0, single_words);
+  ovtest::put_raw(file, 4, std::string("a\0bc", 4), single_words);
+  ovtest::engine_files files;
+  EXPECT_EQ(utf8(files.open(file)->getDescription()).substr(0, 3), "as ");
+}
+
+TEST(Opening, ReadsTheHeaderAndNoMore) {
+  ovtest::engine_files files;
+  files.open(hole_table(1000, double_words));
+  ovtest::failing_files watched;
+  const auto table = files.reopen();
+  // Two probes of the marks, and the header page.
+  EXPECT_EQ(watched.count(call::read), 3);
+}
+
+TEST(Opening, ConsecutiveTextAtomsOfOneNameAreOneField) {
+  std::vector<ovtest::atom> atoms;
+  ovtest::add_text_atoms(atoms, "A", 2, 1);
+  ovtest::add_text_atoms(atoms, "B", 1, 3);
+  atoms.push_back(ovtest::number_atom("B", 4));
+  atoms.push_back(ovtest::number_atom("B", 5));
+  ovtest::engine_files files;
+  const auto table = files.open(ovtest::make_header({}, atoms, double_words));
+  ASSERT_EQ(table->getFieldCount(), 4U);
+  EXPECT_EQ(table->getFieldWidth(0), 8);
+  EXPECT_EQ(table->getFieldIndex(OLESTR("B")), 1U);
+  EXPECT_EQ(table->getFieldType(3), ovf::field_kind::numeric);
+}
+
+TEST(Opening, CountsThatNoTableHasAreRefused) {
+  ovtest::engine_files files;
+  const auto refusal = [&](std::size_t word, double value) {
+    bytes file = hole_table(3, single_words);
+    ovtest::put_number(file, word, value, single_words);
+    return message_of([&] { files.open(file); });
+  };
+  const std::string not_a_table = "Not a valid orvexa table";
+  EXPECT_EQ(refusal(25, 65), "Unrecognised file type.");
+  EXPECT_EQ(refusal(25, -1), not_a_table);
+  EXPECT_EQ(refusal(25, std::numeric_limits<double>::quiet_NaN()), not_a_table);
+  EXPECT_EQ(refusal(26, -3), not_a_table);
+  EXPECT_EQ(refusal(26, 1e9), not_a_table);
+  EXPECT_EQ(refusal(26, std::numeric_limits<double>::infinity()), not_a_table);
+  EXPECT_EQ(refusal(27, 170), not_a_table);
+  EXPECT_EQ(refusal(27, -1), not_a_table);
+  EXPECT_EQ(refusal(26, 2.75), "");
+  EXPECT_EQ(refusal(27, 3.5), "");
+}
+
+TEST(Opening, EveryRecordWordBelongsToOneAtom) {
+  ovtest::engine_files files;
+  const auto refusal = [&](double position) {
+    bytes file = hole_table(3, double_words);
+    ovtest::put_number(file, (4 + 2) * 7 + 3, position, double_words);  // DEPTH
+    return message_of([&] { files.open(file); });
+  };
+  for (const double wrong : {1.0, 2.0, 4.0, -1.0, 1e9, std::nan("")}) {
+    EXPECT_EQ(refusal(wrong), "Not a valid orvexa table") << wrong;
+  }
+  EXPECT_EQ(refusal(3.75), "");
+}
+
+TEST(Opening, AHeaderPageThatIsNotThereIsAShortRead) {
+  bytes file = hole_table(0, single_words);
+  file.resize(1024);
+  ovtest::engine_files files;
+  EXPECT_EQ(message_of([&] { files.open(file); }),
+            "OvFile Error: cache failed to read an entire page. (1024 bytes read instead of 2048)");
+}
+
+TEST(Opening, WithoutMemoryForRecordsThereIsNoTable) {
+  // The map is set up when the table is opened; the message is what a host then sees.
+  ovtest::engine_files files;
+  files.open(hole_table(1, double_words));
+  ovtest::deny_allocations_of(409600);
+  EXPECT_EQ(message_of([&] { files.reopen(); }), "error caching page");
+  ovtest::deny_allocations_of(0);
+}
+
+ovf::field_definition number(const char* name) {
+  ovf::field_definition field;
+  field.name = ovf::wide_from_ansi(name);
+  return field;
+}
+
+ovf::table_definition definition(int fields, bool is_double) {
+  ovf::table_definition made;
+  made.is_double = is_double;
+  made.description = OLESTR("test");
+  for (int i = 0; i < fields; ++i) made.fields.push_back(number(("F" + std::to_string(i)).c_str()));
+  return made;
+}
+
+TEST(Making, SixtyFourFieldsPassAndSixtyFiveAreRefusedInSinglePrecision) {
+  const ovf::new_table made(definition(64, false));
+  EXPECT_EQ(made.header.size(), 2048U);
+  EXPECT_EQ(message_of([] { ovf::new_table(definition(65, false)); }),
+            "Failed to create file.\nPlease note there is a size limit of 64 4-byte fields per record in a "
+            "single precision Orvexa file.\nPlease consider removing some columns and/or choosing double "
+            "precision format");
+  EXPECT_EQ(ovf::new_table(definition(256, true)).header.size(), 4 * 4096U);
+  EXPECT_EQ(message_of([] { ovf::new_table(definition(257, true)); }),
+            "The Field count exceeds the limit of double precision");
+}
+
+TEST(Making, NamesAreCheckedBeforeTheTargetIsTouched) {
+  ovf::table_definition bad = definition(1, false);
+  bad.fields.push_back(number("F0"));
+  EXPECT_EQ(message_of([&] { ovf::new_table{bad}; }), "field name already exists");
+  bad.fields[1] = number("NINECHARS");
+  EXPECT_EQ(message_of([&] { ovf::new_table{bad}; }), "field name exceeds 8 characters");
+  bad.is_double = true;
+  EXPECT_EQ(message_of([&] { ovf::new_table{bad}; }), "field name too long");
+  bad.fields[1] = number("A=B");
+  EXPECT_EQ(message_of([&] { ovf::new_table{bad}; }), "field name contains invalid characters");
+}
+
+TEST(Names, ForbiddenCharactersAnywhereAndAtTheBeginning) {
+  for (const char* good : {"X.Y", "X@1", "AU_PPM", "FREQ-%", "1ST", "a\xE9"}) {
+    EXPECT_EQ(message_of([&] { ovf::check_new_field_name(ovf::wide_from_ansi(good), false); }), "") << good;
+  }
+  for (const char* bad : {".X", "@X", "A B", "A,B", "A!", "A:", "A*", "A&", "A=", "A(", "A)", "A?"}) {
+    EXPECT_EQ(message_of([&] { ovf::check_new_field_name(ovf::wide_from_ansi(bad), false); }),
+              "field name contains invalid characters")
+        << bad;
+  }
+}
+
+TEST(Making, WithoutADescriptionTheFileTellsWhoMadeItAndWhen) {
+  ovtest::engine_files files;
+  for (const bool is_double : {false, true}) {
+    ovf::table_definition bare = definition(1, is_double);
+    bare.description.clear();
+    const std::time_t before = std::time(nullptr);
+    const auto table = ovf::create_table(files.name(), ovf::new_table(bare));
+    const std::time_t after = std::time(nullptr);
+    const auto expected = [&](std::time_t at) {
+      const std::tm* date = std::gmtime(&at);
+      return "Created by OvFile Component (" + std::string(is_double ? "Double" : "Single") +
+             " Precision) on " + std::to_string(date->tm_mday) + "/" + std::to_string(date->tm_mon + 1) +
+             "/" + std::to_string(date->tm_year + 1900);
+    };
+    std::string found = utf8(table->facts().description);
+    found.erase(found.find_last_not_of(' ') + 1);
+    EXPECT_TRUE(found == expected(before) || found == expected(after)) << found;
+  }
+}
+
+TEST(Making, AnExistingFileIsEmptiedFirst) {
+  ovtest::engine_files files;
+  ovtest::write_bytes(files.path(), bytes(100000, 'x'));
+  ovf::create_table(files.name(), ovf::new_table(definition(2, false)));
+  EXPECT_EQ(files.content().size(), 2048U);
+}
+
+TEST(Making, ATargetThatCannotBeMade) {
+  ovtest::scratch_folder folder;
+  const ovf::wide name = ovtest::wide_path(folder / "no folder" / "table.ovt");
+  EXPECT_EQ(message_of([&] { ovf::create_table(name, ovf::new_table(definition(1, false))); }),
+            "cannot create file");
+  EXPECT_EQ(message_of([&] { ovf::create_table({}, ovf::new_table(definition(1, false))); }),
+            "no filename given");
+}
+
+TEST(Making, AFailureOnTheWayLeavesNoFileBehind) {
+  ovtest::engine_files files;
+  const ovf::new_table made(definition(3, false));
+  for (const call kind : {call::write, call::seek, call::read}) {
+    for (int nth = 1; nth <= 3; ++nth) {
+      ovtest::failing_files failing;
+      failing.fail_nth(kind, nth);
+      const std::string message = message_of([&] { ovf::create_table(files.name(), made); });
+      failing.fail_nothing();
+      if (message.empty()) {
+        EXPECT_EQ(files.content(), bytes(files.content()));
+        EXPECT_EQ(files.content().size(), 2048U);
+      } else if (message == "Failed to create file") {
+        EXPECT_FALSE(std::filesystem::exists(files.path()));
+      }
+      std::filesystem::remove(files.path());
+    }
+  }
+}
+
+TEST(Making, AWriteThatFailsIsReported) {
+  ovtest::engine_files files;
+  ovtest::failing_files failing;
+  failing.fail_all(call::write);
+  EXPECT_EQ(message_of([&] { ovf::create_table(files.name(), ovf::new_table(definition(3, false))); }),
+            "Failed to create file");
+  EXPECT_FALSE(std::filesystem::exists(files.path()));
+}
+
+}  // namespace
