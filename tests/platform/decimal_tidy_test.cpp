@@ -14,7 +14,7 @@ using ovf::tidied;
 TEST(decimal_tidying, keeps_seven_digits) {
   EXPECT_EQ(0.1, tidied(0.1F));
   EXPECT_EQ(-0.1, tidied(-0.1F));
-  EXPECT_EQ(0.3333333, tidied(1.0F / 3.0F));
+  EXPECT_EQ(0.2, tidied(0.2F));
   EXPECT_EQ(1.234567, tidied(1.234567F));
   EXPECT_EQ(12.34567, tidied(12.34567F));
   EXPECT_EQ(123.4567, tidied(123.4567F));
@@ -38,6 +38,8 @@ TEST(decimal_tidying, rounds_the_product_to_a_float_first) {
   // A hundred thousand times this one is 6,985,040.283, as a float 6,985,040.5.
   EXPECT_EQ(69.85041, tidied(69.85040283203125F));
   EXPECT_EQ(-69.85041, tidied(-69.85040283203125F));
+  // So a third ends in a 4.
+  EXPECT_EQ(0.3333334, tidied(1.0F / 3.0F));
 }
 
 TEST(decimal_tidying, leaves_large_numbers_alone) {
