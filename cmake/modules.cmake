@@ -53,7 +53,7 @@ if("server" IN_LIST OVF_MODULES)
       endif()
     endforeach()
     set_source_files_properties("${server}/ovfile.rc" PROPERTIES
-                                INCLUDE_DIRECTORIES "${CMAKE_CURRENT_SOURCE_DIR}/src;${CMAKE_CURRENT_SOURCE_DIR}/include")
+                                INCLUDE_DIRECTORIES "${CMAKE_CURRENT_SOURCE_DIR}/src")
   else()
     set_target_properties(ovfile PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
     if(EXISTS "${server}/ovfile.map")

@@ -40,7 +40,8 @@ target_link_libraries(ovf_settings INTERFACE Threads::Threads)
 
 if(WIN32)
   enable_language(RC)
-  set(OVF_DEFINITIONS UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0601 __USE_MINGW_ANSI_STDIO=1)
+  set(OVF_DEFINITIONS UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0601
+      __USE_MINGW_ANSI_STDIO=1)
   target_compile_definitions(ovf_settings INTERFACE ${OVF_DEFINITIONS})
   target_link_libraries(ovf_settings INTERFACE ole32 oleaut32 uuid advapi32)
 endif()

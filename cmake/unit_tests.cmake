@@ -59,14 +59,18 @@ function(ovf_add_test_folder name)
     ovf_link_modules(${target} ${modules_for_${name}})
   else()
     ovf_link_modules(${target} ${OVF_MODULES})
+    if(WIN32)
+      # The messages that the library has as resources; a program with its modules needs them too.
+      target_sources(${target} PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}/src/server/ovfile.rc")
+    endif()
   endif()
   target_link_libraries(${target} PRIVATE ovf_settings ovf_header_libraries GTest::gmock GTest::gtest_main
                         ${CMAKE_DL_LIBS})
 
   set(run "${CMAKE_BINARY_DIR}/run/${name}")
   file(MAKE_DIRECTORY "${run}")
-  gtest_discover_tests(${target} TEST_PREFIX "${name}." NO_PRETTY_VALUES WORKING_DIRECTORY "${run}" DISCOVERY_MODE PRE_TEST
-                       DISCOVERY_TIMEOUT 120 PROPERTIES TIMEOUT 300)
+  gtest_discover_tests(${target} TEST_PREFIX "${name}." NO_PRETTY_VALUES WORKING_DIRECTORY "${run}"
+                       DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120 PROPERTIES TIMEOUT 300)
 endfunction()
 
 file(GLOB folders CONFIGURE_DEPENDS LIST_DIRECTORIES true "${CMAKE_CURRENT_SOURCE_DIR}/tests/*")

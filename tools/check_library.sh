@@ -35,7 +35,8 @@ check_linux() {
 
 check_windows() {
   local exported needed
-  exported=$(objdump -p "$library" | awk '/Ordinal\/Name Pointer/ { on = 1; next } on && !NF { exit } on { print $NF }')
+  exported=$(objdump -p "$library" |
+    awk '/Ordinal\/Name Pointer/ { on = 1; next } on && !NF { exit } on { print $NF }')
   same "exported functions" \
     "$(printf '%s\n' DllCanUnloadNow DllGetClassObject DllRegisterServer DllUnregisterServer)" "$exported"
   needed=$(objdump -p "$library" | awk '/DLL Name:/ { print tolower($3) }')

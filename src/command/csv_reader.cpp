@@ -10,7 +10,6 @@
 namespace command {
 namespace {
 
-constexpr std::size_t first_buffer = 256 << 10;
 constexpr std::size_t unfinished = static_cast<std::size_t>(-1);
 
 /// The bytes that end a cell without quotes.
@@ -46,14 +45,13 @@ std::string csv_place(const std::string& name, std::uint64_t line, std::size_t c
   return name + ", line " + std::to_string(line) + ", column " + std::to_string(column);
 }
 
-csv_reader::csv_reader(byte_source& source, std::string name)
-    : source_(source), name_(std::move(name)), buffer_(first_buffer + 1) {
+csv_reader::csv_reader(byte_source& source, std::string name, std::size_t buffer)
+    : source_(source), name_(std::move(name)), buffer_(buffer + 1) {
   skip_mark();
 }
 
 void csv_reader::skip_mark() {
-  while (end_ < 3 && fill()) {
-  }
+  fill();
   const std::string_view start(buffer_.data(), std::min<std::size_t>(end_, 3));
   if (start == "\xEF\xBB\xBF") {
     begin_ = 3;
@@ -62,18 +60,21 @@ void csv_reader::skip_mark() {
   }
 }
 
-bool csv_reader::fill() {
-  if (at_end_) return false;
+void csv_reader::fill() {
   if (begin_ > 0) {
     std::memmove(buffer_.data(), buffer_.data() + begin_, end_ - begin_);
     end_ -= begin_;
     begin_ = 0;
+  } else if (end_ + 1 == buffer_.size()) {
+    buffer_.resize((buffer_.size() - 1) * 2 + 1);
   }
-  if (end_ + 1 == buffer_.size()) buffer_.resize((buffer_.size() - 1) * 2 + 1);
-  const std::size_t done = source_.read(buffer_.data() + end_, buffer_.size() - 1 - end_);
-  end_ += done;
-  at_end_ = done == 0;
-  return true;
+  // Up to the brim: a row that does not fit is scanned again, and that must not happen for every piece
+  // of a slow source.
+  while (!at_end_ && end_ + 1 < buffer_.size()) {
+    const std::size_t done = source_.read(buffer_.data() + end_, buffer_.size() - 1 - end_);
+    end_ += done;
+    at_end_ = done == 0;
+  }
 }
 
 bool csv_reader::next() {

@@ -17,8 +17,8 @@ class csv_reader {
   /// More than this is a missing quote, not a row.
   static constexpr std::size_t longest_row = 16 << 20;
 
-  /// `name` stands in messages.
-  csv_reader(byte_source& source, std::string name);
+  /// `name` stands in messages. The buffer has at least 3 bytes at first.
+  csv_reader(byte_source& source, std::string name, std::size_t buffer = 256 << 10);
 
   /// Goes to the next row; false at the end. Throws `failure` with file, line and column for what is no
   /// CSV.
@@ -41,7 +41,7 @@ class csv_reader {
   };
 
   void skip_mark();
-  bool fill();
+  void fill();
   bool scan_row();
   /// Each returns the place after the cell, or `unfinished` when the buffer ends within it.
   std::size_t scan_plain(std::size_t at);

@@ -10,6 +10,8 @@ namespace command {
 namespace {
 
 constexpr auto patience = std::chrono::milliseconds(1000);
+/// The work of a command is all that it does, in however many parts.
+const auto start = std::chrono::steady_clock::now();
 constexpr auto between_looks = std::chrono::milliseconds(100);
 constexpr std::uint64_t bar_width = 30;
 
@@ -18,7 +20,7 @@ constexpr std::uint64_t bar_width = 30;
 progress::progress(std::string title, bool wanted)
     : title_(std::move(title)),
       shown_(wanted && is_terminal(standard_stream::error)),
-      next_(std::chrono::steady_clock::now() + patience) {}
+      next_(start + patience) {}
 
 progress::~progress() {
   if (drawn_) std::fputs("\r\x1B[K", stderr);

@@ -320,7 +320,7 @@ std::uint64_t basic_ovtable<Precision>::addAlphaField(const wide&, std::int64_t,
 template <class Precision>
 table_facts basic_ovtable<Precision>::facts() {
   const auto text = [this](std::size_t word, std::size_t words) {
-    return wide_from_ansi(rows_.header().texts(word, words));
+    return wide_from_ansi(rows_.header().characters(word, words));
   };
   table_facts found;
   found.order = rows_.order();

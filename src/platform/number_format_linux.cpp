@@ -73,41 +73,45 @@ bool short_digits(double value, int count, decimal& number) {
   return number.count <= count;
 }
 
-void append_exponent(wide& text, int exponent) {
-  text.push_back(u'E');
-  text.push_back(exponent < 0 ? u'-' : u'+');
+void append_exponent(short_text& text, int exponent) {
+  text.append('E');
+  text.append(exponent < 0 ? '-' : '+');
   char digits[8];
-  char* const end = std::to_chars(digits, digits + sizeof digits, std::abs(exponent)).ptr;
-  if (end - digits < 2) text.push_back(u'0');
+  const char* end = std::to_chars(digits, digits + sizeof digits, std::abs(exponent)).ptr;
+  if (end - digits < 2) text.append('0');
   text.append(digits, end);
 }
 
-wide laid_out(const decimal& number, bool negative, int count) {
+short_text laid_out(const decimal& number, bool negative, int count) {
   int used = number.count;
   while (used > 1 && number.digits[used - 1] == '0') --used;
-  wide text;
-  if (negative) text.push_back(u'-');
+  short_text text;
+  if (negative) text.append('-');
   const char* digits = number.digits;
   if (number.exponent < -4 || number.exponent >= count) {
-    text.push_back(static_cast<char16_t>(digits[0]));
-    if (used > 1) text.append(u".").append(digits + 1, digits + used);
+    text.append(digits[0]);
+    if (used > 1) text.append('.');
+    text.append(digits + 1, digits + used);
     append_exponent(text, number.exponent);
   } else if (number.exponent < 0) {
-    text.append(u"0.").append(static_cast<std::size_t>(-1 - number.exponent), u'0');
+    text.append('0');
+    text.append('.');
+    for (int zeros = -1 - number.exponent; zeros > 0; --zeros) text.append('0');
     text.append(digits, digits + used);
   } else {
     const int whole = number.exponent + 1;
     text.append(digits, digits + std::min(used, whole));
-    if (used < whole) text.append(static_cast<std::size_t>(whole - used), u'0');
-    if (used > whole) text.append(u".").append(digits + whole, digits + used);
+    for (int zeros = whole - used; zeros > 0; --zeros) text.append('0');
+    if (used > whole) text.append('.');
+    if (used > whole) text.append(digits + whole, digits + used);
   }
   return text;
 }
 
-wide general_text(double value, int count, bool is_double) {
-  if (std::isnan(value)) return u"NAN";
-  if (std::isinf(value)) return value < 0 ? u"-INF" : u"INF";
-  if (value == 0) return u"0";
+short_text general_text(double value, int count, bool is_double) {
+  if (std::isnan(value)) return short_text("NAN");
+  if (std::isinf(value)) return short_text(value < 0 ? "-INF" : "INF");
+  if (value == 0) return short_text("0");
   decimal number;
   const double size = std::abs(value);
   if (!is_double || !short_digits(size, count, number)) rounded_digits(size, count, number);
@@ -116,9 +120,9 @@ wide general_text(double value, int count, bool is_double) {
 
 }  // namespace
 
-wide text_from(double value) { return general_text(value, 15, true); }
+short_text text_from(double value) noexcept { return general_text(value, 15, true); }
 
-wide text_from(float value) { return general_text(static_cast<double>(value), 7, false); }
+short_text text_from(float value) noexcept { return general_text(static_cast<double>(value), 7, false); }
 
 wide whole_text(bool negative, std::uint64_t size) {
   char digits[24];

@@ -23,7 +23,7 @@ class reader {
  public:
   reader(wide_view text, number_text& number)
       : rest_(text.substr(0, std::min(text.find(u'\0'), text.size()))), number_(number) {
-    number_.negative = number_.is_bits = false;
+    number_.negative = number_.is_bits = number_.too_many_bits = false;
     number_.bits = 0;
     number_.count = 0;
     number_.point = 0;
@@ -102,7 +102,7 @@ class reader {
     number_.is_bits = true;
     bool any = false;
     for (int digit = 0; (digit = bits_digit(front())) < (1 << width); skip(), any = true) {
-      if (number_.bits >> (64 - width) != 0) return false;
+      number_.too_many_bits = number_.too_many_bits || number_.bits >> (64 - width) != 0;
       number_.bits = number_.bits << width | static_cast<unsigned>(digit);
     }
     return any;

@@ -13,9 +13,9 @@ namespace {
 constexpr std::int64_t beyond_every_real = 400;  ///< as a power of ten, either way
 
 /// The bits of a hexadecimal number as a signed one of 32 bits, which is all that reals take.
-HRESULT real_from_bits(std::uint64_t bits, double& value) {
-  if (bits > 0x80000000u) return DISP_E_OVERFLOW;
-  value = static_cast<double>(static_cast<std::int32_t>(static_cast<std::uint32_t>(bits)));
+HRESULT real_from_bits(const number_text& number, double& value) {
+  if (number.too_many_bits || number.bits > 0x80000000u) return DISP_E_OVERFLOW;
+  value = static_cast<double>(static_cast<std::int32_t>(static_cast<std::uint32_t>(number.bits)));
   return S_OK;
 }
 
@@ -23,7 +23,7 @@ template <class Real>
 HRESULT nearest(const number_text& number, Real& value) {
   if (number.is_bits) {
     double exact = 0;
-    const HRESULT status = real_from_bits(number.bits, exact);
+    const HRESULT status = real_from_bits(number, exact);
     value = static_cast<Real>(exact);
     return status;
   }
@@ -79,7 +79,7 @@ HRESULT truth_from(const number_text& number, bool& value) noexcept {
 
 bool whole_from(const number_text& number, std::uint64_t& size) noexcept {
   size = number.bits;
-  if (number.is_bits || number.count == 0 || number.point < 0) return true;
+  if (number.is_bits || number.count == 0 || number.point < 0) return !number.too_many_bits;
   if (number.point > 20) return false;
   const auto digit = [&](std::int64_t i) {
     return i < number.count ? static_cast<unsigned>(number.digits[i] - '0') : 0u;

@@ -27,7 +27,12 @@ double to_double(const VARIANT& value) {
 }
 
 float to_float(const VARIANT& value) {
+  // Values that are surely within the type are worth no detour: this happens for every cell.
+  constexpr double surely_within = 1e38;
   if (value.vt == VT_R4) return value.fltVal;
+  if (value.vt == VT_R8 && value.dblVal < surely_within && value.dblVal > -surely_within) {
+    return static_cast<float>(value.dblVal);
+  }
   return changed(value, VT_R4).get().fltVal;
 }
 

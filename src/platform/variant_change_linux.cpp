@@ -69,7 +69,7 @@ HRESULT change_to_object(const VARIANT& source, VARTYPE type, VARIANT& result) {
   if (object == nullptr) return S_OK;
   void* found = nullptr;
   const HRESULT status = object->QueryInterface(type == VT_DISPATCH ? IID_IDispatch : IID_IUnknown, &found);
-  if (FAILED(status)) return DISP_E_TYPEMISMATCH;
+  if (FAILED(status)) return status;
   if (type == VT_DISPATCH) {
     result.pdispVal = static_cast<IDispatch*>(found);
   } else {

@@ -18,6 +18,7 @@ struct number_text {
 
   bool negative;
   bool is_bits;
+  bool too_many_bits;  ///< more than the 64 that `bits` holds
   std::uint64_t bits;
   int count;           ///< digits without leading zeros; 0 for the number 0
   std::int64_t point;  ///< the value is 0.DIGITS × 10^point
@@ -36,12 +37,28 @@ HRESULT truth_from(const number_text& number, bool& value) noexcept;
 /// The number's size rounded to a whole, halves to even; false when it takes more than 64 bits.
 bool whole_from(const number_text& number, std::uint64_t& size) noexcept;
 
+/// A text of a number, which never needs memory of its own.
+class short_text {
+ public:
+  short_text() = default;
+  explicit short_text(std::string_view text) { append(text.data(), text.data() + text.size()); }
+  void append(char letter) { units_[size_++] = static_cast<char16_t>(letter); }
+  void append(const char* first, const char* last) {
+    for (; first < last; ++first) append(*first);
+  }
+  operator wide_view() const { return {units_, size_}; }
+
+ private:
+  char16_t units_[32];  ///< a sign, 15 digits, a point, an exponent of 5; or 0.000 before the digits
+  std::size_t size_ = 0;
+};
+
 /// What a text says that is one of the two truth values by name.
 std::optional<bool> read_boolean(wide_view text) noexcept;
 
 /// `%.15G` and `%.7G` of the exact value, exact ties away from zero.
-wide text_from(double value);
-wide text_from(float value);
+short_text text_from(double value) noexcept;
+short_text text_from(float value) noexcept;
 wide whole_text(bool negative, std::uint64_t size);
 /// Ten-thousandths, as many digits after the point as say something.
 wide currency_text(std::int64_t value);

@@ -19,6 +19,11 @@ std::string header_pages<Precision>::texts(std::size_t header_word, std::size_t 
 }
 
 template <class Precision>
+std::string header_pages<Precision>::characters(std::size_t header_word, std::size_t words) {
+  return load_characters<Precision>(page(0) + header_word * Precision::word_bytes, words);
+}
+
+template <class Precision>
 entry_span<Precision> header_pages<Precision>::entry(std::size_t atom) {
   const std::size_t word = (atom + format::file_header_entries) * format::entry_words;
   std::byte* bytes =

@@ -25,6 +25,8 @@ class header_pages {
   void set(std::size_t header_word, std::uint64_t value);
   /// The characters of consecutive words of page 0, each up to its first NUL.
   std::string texts(std::size_t header_word, std::size_t words);
+  /// The same characters as they stand.
+  std::string characters(std::size_t header_word, std::size_t words);
   /// The entry of an atom. The bytes stay until another page is asked for.
   entry_span<Precision> entry(std::size_t atom);
 

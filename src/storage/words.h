@@ -59,4 +59,15 @@ std::string load_texts(const std::byte* first_word, std::size_t words) {
   return text;
 }
 
+/// The characters of consecutive words as they stand, NULs and all.
+template <class Precision>
+std::string load_characters(const std::byte* first_word, std::size_t words) {
+  std::string text;
+  for (std::size_t i = 0; i < words; ++i) {
+    text.append(reinterpret_cast<const char*>(first_word + i * Precision::word_bytes),
+                format::text_word_chars);
+  }
+  return text;
+}
+
 }  // namespace ovf

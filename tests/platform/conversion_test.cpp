@@ -155,7 +155,9 @@ TEST(conversion, bits_are_taken_as_they_stand) {
       {"BSTR", "&H10$", "I4", "mismatch"},
       {"BSTR", "&H10", "CY", "overflow"},
       {"BSTR", "&HFFFFFFFFFFFFFFFF", "UI8", "18446744073709551615"},
-      {"BSTR", "&H1FFFFFFFFFFFFFFFF", "UI8", "mismatch"},
+      {"BSTR", "&H1FFFFFFFFFFFFFFFF", "UI8", "overflow"},
+      {"BSTR", "&H10000000000000001", "R8", "overflow"},
+      {"BSTR", "&H10000000000000000x", "R8", "mismatch"},
   };
   expect_all(cases);
 }

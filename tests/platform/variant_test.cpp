@@ -261,7 +261,7 @@ TEST(change_type_of_objects, goes_through_the_interface_asked_for) {
   EXPECT_EQ(object.references, 0u);
   object.dispatches = false;
   variant place;
-  EXPECT_EQ(ovf::change_type(*place.out(), holding(object, VT_UNKNOWN), VT_DISPATCH), DISP_E_TYPEMISMATCH);
+  EXPECT_EQ(ovf::change_type(*place.out(), holding(object, VT_UNKNOWN), VT_DISPATCH), E_NOINTERFACE);
 }
 
 TEST(owning_variant, swaps_moves_and_releases) {

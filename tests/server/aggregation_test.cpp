@@ -8,9 +8,9 @@ namespace ovtest {
 namespace {
 
 /// Everything that the library knows of its classes; what a class lacks it must say.
-constexpr IID all_interfaces[] = {IID_IUnknown,  IID_IDispatch,           IID_ISupportErrorInfo,
-                                  IID_IOvTable,  IID_IZuCommonDataTable,  IID_IOvTableMaintenance,
-                                  IID_IOvSchema, IID_IZuCommonDataSchema, IID_IOvTableADO};
+const IID all_interfaces[] = {IID_IUnknown,  IID_IDispatch,           IID_ISupportErrorInfo,
+                              IID_IOvTable,  IID_IZuCommonDataTable,  IID_IOvTableMaintenance,
+                              IID_IOvSchema, IID_IZuCommonDataSchema, IID_IOvTableADO};
 
 ovfile::pointer<IUnknown> ask(IUnknown& object, REFIID iid) {
   ovfile::pointer<IUnknown> answer;

@@ -97,9 +97,9 @@ TEST_F(late_results, of_a_run_off_the_end_are_success) {
 
 TEST_F(late_results, properties_are_put_by_value_or_reference) {
   const bstr name("b.ovt");
-  for (const WORD kind : {DISPATCH_PROPERTYPUT, DISPATCH_PROPERTYPUTREF}) {
+  for (const int kind : {DISPATCH_PROPERTYPUT, DISPATCH_PROPERTYPUTREF}) {
     record().last.clear();
-    EXPECT_EQ(S_OK, put(name_property, of_text(name), kind).status);
+    EXPECT_EQ(S_OK, put(name_property, of_text(name), static_cast<WORD>(kind)).status);
     EXPECT_EQ("put_Name(\"b.ovt\")", record().last);
   }
   record().last.clear();
