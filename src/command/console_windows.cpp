@@ -1,5 +1,6 @@
 #include <windows.h>
 // windows.h goes first.
+#include <fcntl.h>
 #include <io.h>
 #include <shellapi.h>
 
@@ -27,6 +28,7 @@ BOOL WINAPI remember_stop(DWORD) {
 }  // namespace
 
 std::vector<std::string> start_console(int, char**) {
+  _setmode(2, _O_BINARY);  // lines end with LF in every stream
   if (is_terminal(standard_stream::output) || is_terminal(standard_stream::error)) {
     old_output_page = GetConsoleOutputCP();
     SetConsoleOutputCP(CP_UTF8);

@@ -123,7 +123,7 @@ TEST_F(late_results, a_schema_put_late_keeps_the_callers_reference) {
   EXPECT_EQ(S_OK, put(schema_property, of_dispatch(&schema.dispatch()), DISPATCH_PROPERTYPUTREF).status);
   EXPECT_EQ("put_Schema(object)", record().last);
   schema.get()->AddRef();
-  EXPECT_EQ(2U, schema.get()->Release()) << "one more, which the table has taken over";
+  ASSERT_EQ(2U, schema.get()->Release()) << "one more, which the table has taken over";
   schema.get()->Release();
 
   record().answer = E_FAIL;
