@@ -60,6 +60,9 @@ if("server" IN_LIST OVF_MODULES)
       target_link_options(ovfile PRIVATE "-Wl,--version-script=${server}/ovfile.map")
       set_target_properties(ovfile PROPERTIES LINK_DEPENDS "${server}/ovfile.map")
     endif()
+    # The library's own calls reach its own functions, also in a process that loaded a component with
+    # entry points of the same names.
+    target_link_options(ovfile PRIVATE -Wl,-Bsymbolic-functions)
     # The sanitizers' functions come with the program that loads the library.
     if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")
       target_link_options(ovfile PRIVATE -Wl,--no-undefined)

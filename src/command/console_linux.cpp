@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <signal.h>
 #include <unistd.h>
 
@@ -17,9 +18,18 @@ void remember_signal(int signal) { stop_signal = signal; }
 constexpr int stop_signals[] = {SIGINT, SIGTERM, SIGHUP};
 struct sigaction old_actions[3];
 
+/// A standard stream that is closed would lend its number to the next file that is opened, and messages
+/// would end up in a table. What stands in for it refuses to be read or written as one expects.
+void fill_closed_streams() {
+  for (int stream = 0; stream <= 2; ++stream) {
+    if (::fcntl(stream, F_GETFD) == -1) (void)::open("/dev/null", stream == 0 ? O_WRONLY : O_RDONLY);
+  }
+}
+
 }  // namespace
 
 std::vector<std::string> start_console(int count, char** values) {
+  fill_closed_streams();
   ::signal(SIGPIPE, SIG_IGN);
   ::signal(SIGXFSZ, SIG_IGN);
   return {values, values + count};

@@ -166,8 +166,9 @@ void note_lost_digits(import_plan& plan, const type_finder& types) {
 void check_cell_count(const csv_reader& reader, const std::string& file, std::size_t columns) {
   const std::size_t cells = reader.cells().size();
   if (cells == columns) return;
-  throw failure(fmt::format("{}: the row has {} cells, the header has {}",
-                            csv_place(file, reader.line(), std::min(cells, columns) + 1), cells, columns));
+  throw failure(fmt::format("{}: the row has {} cell{}, the header has {}",
+                            csv_place(file, reader.line(), std::min(cells, columns) + 1), cells,
+                            cells == 1 ? "" : "s", columns));
 }
 
 import_plan scan_csv(csv_input& input, const import_request& request) {

@@ -38,12 +38,12 @@ void table_fields::add(field added) {
   fields_.push_back(std::move(added));
 }
 
-const field& table_fields::at(std::size_t index) const {
+const field& table_fields::at(std::uint64_t index) const {
   if (index >= fields_.size()) throw MyExceptionClass(OLESTR("index out of range, field not found."));
-  return fields_[index];
+  return fields_[static_cast<std::size_t>(index)];
 }
 
-field& table_fields::at(std::size_t index) { return const_cast<field&>(std::as_const(*this).at(index)); }
+field& table_fields::at(std::uint64_t index) { return const_cast<field&>(std::as_const(*this).at(index)); }
 
 std::size_t table_fields::index_of(const wide& name) const {
   const auto found = by_name_.find(name);

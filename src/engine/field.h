@@ -36,8 +36,8 @@ class table_fields {
   void add(field added);
   std::size_t size() const noexcept { return fields_.size(); }
   /// Throws MyExceptionClass "index out of range, field not found.".
-  const field& at(std::size_t index) const;
-  field& at(std::size_t index);
+  const field& at(std::uint64_t index) const;
+  field& at(std::uint64_t index);
   /// Throws MyExceptionClass "unknown field name...".
   std::size_t index_of(const wide& name) const;
   /// Words of a record: atoms with a place in it.

@@ -112,7 +112,7 @@ class table {
   /// when the long road has to be taken (text, implicit, other byte order, no row, bad index).
   const std::byte* storedNumber(std::uint64_t index) const noexcept {
     if (index >= columns_.size() || record_ == nullptr) return nullptr;
-    const column& wanted = columns_[index];
+    const column& wanted = columns_[static_cast<std::size_t>(index)];
     return wanted.plain_number ? record_ + wanted.offset : nullptr;
   }
 

@@ -125,8 +125,8 @@ std::size_t _segmentFile::readData(std::uint64_t position, std::span<std::byte> 
 
 std::size_t _segmentFile::writeData(std::uint64_t position, std::span<const std::byte> bytes) noexcept {
   if (!state_->holds(position)) return 0;
-  const std::uint64_t offset = position - state_->base;
-  const auto part = bytes.first(std::min<std::size_t>(bytes.size(), slice_bytes - offset));
+  const auto offset = static_cast<std::size_t>(position - state_->base);
+  const auto part = bytes.first(std::min(bytes.size(), slice_bytes - offset));
   std::size_t done = 0;
   if (!write_at(*state_->temporary, offset, part, done) || done != part.size()) {
     note_system_error(write_failed);

@@ -3,12 +3,11 @@
 #include <algorithm>
 
 #include "ovfile/smart.h"
+#include "schema/schema_field.h"
 #include "schema/schema_filling.h"
 
 namespace ovf {
 namespace {
-
-constexpr LONG implicit_offset = -1;
 
 HRESULT add_field(IOvSchema& schema, table& from, std::uint64_t index) {
   const ovfile::text name(wide_view(from.getFieldName(index)));

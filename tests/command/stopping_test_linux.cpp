@@ -51,6 +51,14 @@ TEST_F(stopping_test, a_closed_output_is_a_failure) {
   EXPECT_EQ(shell("exec \"$OVFILE\" export t.ovt >&-").status, 1);
 }
 
+TEST_F(stopping_test, messages_without_a_stream_do_not_end_up_in_the_table) {
+  write("in.csv", "Au_Lagrange\n1\n");
+  EXPECT_EQ(shell("exec \"$OVFILE\" import in.csv t.ovt <&- >&- 2>&-").status, 0);
+  const std::string quiet = read("t.ovt");
+  EXPECT_EQ(run({"import", "in.csv", "t.ovt"}).status, 0);
+  EXPECT_TRUE(read("t.ovt") == quiet);
+}
+
 TEST_F(stopping_test, a_file_that_may_not_grow_leaves_no_table) {
   make_long_table();
   const std::string before = read("t.ovt");
