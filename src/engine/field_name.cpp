@@ -19,7 +19,9 @@ void check_length(wide_view name, bool is_double) {
 void check_characters(wide_view name) {
   const std::string text = ansi_from_wide(name);
   const bool bad_first = !text.empty() && forbidden_first.find(text.front()) != std::string_view::npos;
-  if (bad_first || text.find_first_of(forbidden_anywhere) != std::string::npos) {
+  // A NUL would end the name for whoever reads the file.
+  const bool has_nul = text.find('\0') != std::string::npos;
+  if (bad_first || has_nul || text.find_first_of(forbidden_anywhere) != std::string::npos) {
     throw MyExceptionClass(OLESTR("field name contains invalid characters"));
   }
 }

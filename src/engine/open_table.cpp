@@ -35,11 +35,9 @@ std::unique_ptr<file> open_handle(const wide& name, bool read_only) {
                        .text());
 }
 
-template <class Precision>
 wide description_of(const table_definition& definition) {
   if (!definition.description.empty()) return definition.description;
-  const utc_date today = today_utc();
-  return wide_format(Precision::created_by).arg(today.day).arg(today.month).arg(today.year).text();
+  return default_description(definition.is_double, today_utc());
 }
 
 template <class Precision>
@@ -48,7 +46,7 @@ std::vector<std::byte> header_of(const table_definition& definition) {
     throw MyExceptionClass(wide(too_many_fields));
   }
   basic_ovdd<Precision> dictionary;
-  dictionary.set_description(ansi_from_wide(description_of<Precision>(definition)));
+  dictionary.set_description(ansi_from_wide(description_of(definition)));
   std::set<wide_view> names;
   for (const field_definition& each : definition.fields) {
     check_new_field_name(each.name, Precision::is_double);
@@ -63,8 +61,21 @@ std::vector<std::byte> header_of(const table_definition& definition) {
   return dictionary.finished();
 }
 
+/// Finds out, before an existing file is emptied, whether the temporary copy of the header will have room.
+void try_temporary_room(const std::vector<std::byte>& header) {
+  const wide name = temporary_name(files().temporary_folder(), OLESTR("RAF"));
+  auto trial = files().open(name, open_mode::scratch);
+  if (trial == nullptr) throw file_error(OLESTR("cannot create temp file for segment"));
+  std::size_t done = 0;
+  const bool written = trial->write(header, done) && done == header.size();
+  trial.reset();
+  files().remove(name);
+  if (!written) throw file_error(write_failed);
+}
+
 /// Writes the header; a target that could not be written whole is removed again.
 void write_new(const wide& name, const std::vector<std::byte>& header) {
+  try_temporary_room(header);
   std::exception_ptr failure;
   {
     random_access_file target(name, random_access::create);
@@ -80,6 +91,15 @@ void write_new(const wide& name, const std::vector<std::byte>& header) {
 }
 
 }  // namespace
+
+std::unique_ptr<table> open_table(std::string_view name, bool read_only) {
+  return open_table(wide_from_ansi(name), read_only);
+}
+
+wide default_description(bool is_double, utc_date date) {
+  const wide_view words = is_double ? double_precision::created_by : single_precision::created_by;
+  return wide_format(words).arg(date.day).arg(date.month).arg(date.year).text();
+}
 
 std::unique_ptr<table> open_table(const wide& name, bool read_only) {
   if (name.empty()) throw MyExceptionClass(wide(no_name));

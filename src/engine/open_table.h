@@ -3,15 +3,22 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "engine/table.h"
+#include "platform/clock.h"
 
 namespace ovf {
 
 /// Opens a table of either precision. Throws "no filename given", what recognition throws, "Failed to
 /// open table …", and what reading the header throws.
 std::unique_ptr<table> open_table(const wide& name, bool read_only);
+/// The same with a name in the ANSI code page.
+std::unique_ptr<table> open_table(std::string_view name, bool read_only);
+
+/// What a table without a description of its own says: who made it, in which precision, and when.
+wide default_description(bool is_double, utc_date date);
 
 /// A field of a table to be made.
 struct field_definition {

@@ -18,11 +18,15 @@ constexpr wide_view bad_field_index = OLESTR("field index out of range");
 constexpr wide_view fields_are_fixed = OLESTR("the fields of an open table cannot be changed");
 
 template <class Number>
-Number converted(const VARIANT& value) {
-  if constexpr (std::is_same_v<Number, float>) {
-    return to_float(value);
-  } else {
-    return to_double(value);
+Number valid_number(const VARIANT& value) {
+  try {
+    if constexpr (std::is_same_v<Number, float>) {
+      return to_float(value);
+    } else {
+      return to_double(value);
+    }
+  } catch (const com_error&) {
+    throw MyExceptionClass(wide(not_a_number));
   }
 }
 
@@ -34,6 +38,7 @@ basic_ovtable<Precision>::basic_ovtable(std::unique_ptr<file> opened, wide name,
     : name_(std::move(name)),
       rows_(std::move(opened), read_only, Precision::is_double ? byte_order::native : order) {
   is_double_ = Precision::is_double;
+  is_read_only_ = read_only;
   record_bytes_ = rows_.record_bytes();
   resolve_columns();
 }
@@ -79,8 +84,14 @@ bool basic_ovtable<Precision>::onSetRowCount(std::uint64_t rows) {
   if (rows > rows_.row_count()) return false;
   if (rows == rows_.row_count()) return true;
   drop_record(nullptr);
+  try {
+    rows_.cut_to(rows);
+  } catch (...) {
+    current_ = std::min(current_, rows_.row_count());
+    restore_record();
+    throw;
+  }
   current_ = std::min(current_, rows);
-  rows_.cut_to(rows);
   if (current_ > 0) load(current_);
   return true;
 }
@@ -111,7 +122,7 @@ void basic_ovtable<Precision>::rearrange_numbers(std::byte* record) const {
   if (rows_.order() == byte_order::native) return;
   for (const field& each : rows_.fields()) {
     if (each.kind != field_kind::numeric || each.is_implicit()) continue;
-    std::byte* place = record + (each.atoms.front().position - 1) * Precision::word_bytes;
+    std::byte* place = place_of(each.atoms.front(), record, Precision::word_bytes);
     store_number<Precision>(place, load_number<Precision>(place, rows_.order()), byte_order::native);
   }
 }
@@ -159,8 +170,8 @@ void basic_ovtable<Precision>::set_native_number(std::uint64_t index, number val
   std::byte* words = record();
   if (to.is_implicit()) return;
   // Stored as given also in a file of another byte order; `setValue` is the road that rearranges.
-  std::byte* place = words + (to.atoms.front().position - 1) * Precision::word_bytes;
-  store_number<Precision>(place, value, byte_order::native);
+  store_number<Precision>(place_of(to.atoms.front(), words, Precision::word_bytes), value,
+                          byte_order::native);
   rows_.mark_changed();
 }
 
@@ -189,8 +200,7 @@ void basic_ovtable<Precision>::setDouble(std::uint64_t index, double value) {
   if constexpr (Precision::is_double) {
     set_native_number(index, value);
   } else {
-    field_of(index, field_kind::numeric, string_expected);
-    table::setDouble(index, value);
+    if (!field_of(index, field_kind::numeric, string_expected).is_implicit()) table::setDouble(index, value);
   }
 }
 
@@ -207,18 +217,12 @@ template <class Precision>
 void basic_ovtable<Precision>::setValue(std::uint64_t index, const VARIANT& value) {
   const field& to = rows_.fields().at(index);
   std::byte* words = record();
+  if (to.is_implicit()) return;
   if (to.kind == field_kind::alphanumeric) {
     put_text<Precision>(to, words, ansi_from_wide(to_text(value)));
   } else {
-    number converted_value{};
-    try {
-      converted_value = converted<number>(value);
-    } catch (const com_error&) {
-      throw MyExceptionClass(wide(not_a_number));
-    }
-    if (to.is_implicit()) return;
-    std::byte* place = words + (to.atoms.front().position - 1) * Precision::word_bytes;
-    store_number<Precision>(place, converted_value, rows_.order());
+    store_number<Precision>(place_of(to.atoms.front(), words, Precision::word_bytes),
+                            valid_number<number>(value), rows_.order());
   }
   rows_.mark_changed();
 }
@@ -234,8 +238,7 @@ variant basic_ovtable<Precision>::getDefaultValue(std::uint64_t index) {
   if (from.kind == field_kind::numeric) {
     return variant(load_number<Precision>(from.atoms.front().default_word.data(), rows_.order()));
   }
-  std::string text;
-  for (const atom& word : from.atoms) text += load_text(word.default_word.data());
+  const std::string text = default_text_of(from);
   return text.empty() ? variant() : variant(wide_view(wide_from_ansi(text)));
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "engine/values.h"
 #include "storage/file_error.h"
 
 namespace ovf {
@@ -31,7 +32,9 @@ row_store<Precision>::~row_store() {
   try {
     flush();
   } catch (...) {
-    // Nobody is left to tell; whoever wants to know flushes before.
+    // Nobody is left to tell; whoever wants to know flushes before. The header must not promise rows
+    // that did not reach the file.
+    header_.forget();
   }
 }
 
@@ -79,6 +82,7 @@ row_place row_store<Precision>::locate(std::uint64_t row) {
 template <class Precision>
 row_place row_store<Precision>::append() {
   require_room_for_a_row();
+  count_the_uncounted_page();
   const bool has_room =
       counts_.pages > counts_.header_pages && counts_.records_in_last_page != records_per_page_;
   if (!has_room) append_page();
@@ -101,13 +105,20 @@ template <class Precision>
 void row_store<Precision>::require_room_for_a_row() const {
   if (records_per_page_ == 0) throw MyExceptionClass(wide(nothing_stored));
   int_of(row_count_ + 1);
-  if (counts_.pages + 1 > Precision::largest_count) throw std::out_of_range("ov_size_t_2_int");
+}
+
+template <class Precision>
+void row_store<Precision>::count_the_uncounted_page() {
+  if (counts_.pages != counts_.header_pages || counts_.records_in_last_page == 0) return;
+  header_.set(format::pages_word, counts_.pages + 1);
+  ++counts_.pages;
 }
 
 template <class Precision>
 void row_store<Precision>::append_page() {
   page_counts grown = counts_;
   grown.pages = std::max(counts_.pages, counts_.header_pages);
+  if (grown.pages + 1 > Precision::largest_count) throw std::out_of_range("ov_size_t_2_int");
   records_.append(grown);
   ++grown.pages;
   grown.records_in_last_page = 0;
@@ -127,7 +138,7 @@ void row_store<Precision>::fill_with_defaults(std::byte* record) const {
   for (const field& each : fields_) {
     for (const atom& word : each.atoms) {
       if (word.position == 0) continue;
-      std::byte* place = record + (word.position - 1) * Precision::word_bytes;
+      std::byte* place = place_of(word, record, Precision::word_bytes);
       if (each.kind == field_kind::numeric) {
         std::memcpy(place, word.default_word.data(), Precision::word_bytes);
       } else {
@@ -142,16 +153,19 @@ void row_store<Precision>::cut_to(std::uint64_t rows) {
   const std::uint64_t pages = counts_.header_pages + rows / records_per_page_ + 1;
   const bool pages_change = pages != counts_.pages;
   records_.flush();
+  // What the segment holds beyond the new end must never be written again.
+  records_.forget();
   header_.set(format::pages_word, pages);
   set_records_in_last_page(rows % records_per_page_);
   counts_.pages = pages;
   row_count_ = rows;
   header_.flush();
-  // What the segment holds beyond the new end must never be written again.
-  records_.forget();
-  if (!pages_change) return;
-  const auto end = static_cast<std::int64_t>(pages * Precision::page_bytes);
-  if (!file_->seek(end, seek_origin::begin) || !file_->set_end()) fail_with_system_error(cut_failed);
+  const std::uint64_t end = pages * Precision::page_bytes;
+  // A file that is shorter than its header said does not grow by losing rows.
+  if (!pages_change || file_bytes() <= end) return;
+  if (!file_->seek(static_cast<std::int64_t>(end), seek_origin::begin) || !file_->set_end()) {
+    fail_with_system_error(cut_failed);
+  }
 }
 
 template <class Precision>

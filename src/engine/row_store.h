@@ -52,6 +52,8 @@ class row_store {
   void read_counts();
   std::uint64_t computed_row_count() const noexcept;
   void require_room_for_a_row() const;
+  /// A header may count its own pages alone though a page of rows follows them.
+  void count_the_uncounted_page();
   void append_page();
   void set_records_in_last_page(std::uint64_t records);
   void fill_with_defaults(std::byte* record) const;

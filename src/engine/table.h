@@ -106,6 +106,8 @@ class table {
   void goToRow(std::uint64_t row);
 
   bool isDouble() const noexcept { return is_double_; }
+  /// Changes of a table opened so stay in memory.
+  bool isReadOnly() const noexcept { return is_read_only_; }
   virtual table_facts facts() = 0;
 
   /// The place of a stored number of the current row, native byte order, for callers in a hurry; null
@@ -135,6 +137,7 @@ class table {
   std::byte* record() const;
 
   bool is_double_ = false;
+  bool is_read_only_ = false;
   std::vector<column> columns_;
   std::uint64_t current_ = 0;
   std::byte* record_ = nullptr;

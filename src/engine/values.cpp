@@ -23,6 +23,12 @@ std::string text_of(const field& from, const std::byte* record, std::size_t word
   return text;
 }
 
+std::string default_text_of(const field& from) {
+  std::string text;
+  for (const atom& word : from.atoms) text += load_text(word.default_word.data());
+  return text;
+}
+
 template <class Precision>
 void put_text(const field& to, std::byte* record, std::string_view text) noexcept {
   const bool empty = text.empty();
@@ -30,7 +36,7 @@ void put_text(const field& to, std::byte* record, std::string_view text) noexcep
     const std::string_view rest = text;
     text.remove_prefix(std::min(text.size(), format::text_word_chars));
     if (word.position == 0) continue;
-    std::byte* place = record + (word.position - 1) * Precision::word_bytes;
+    std::byte* place = place_of(word, record, Precision::word_bytes);
     if constexpr (Precision::is_double) {
       if (empty) {
         store_text<Precision>(place, {});

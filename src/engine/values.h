@@ -12,6 +12,11 @@ inline const std::byte* word_of(const atom& word, const std::byte* record, std::
   return word.position == 0 ? word.default_word.data() : record + (word.position - 1) * word_bytes;
 }
 
+/// Where an atom that has a place in the record stands there.
+inline std::byte* place_of(const atom& word, std::byte* record, std::size_t word_bytes) noexcept {
+  return record + (word.position - 1) * word_bytes;
+}
+
 /// The number of a numeric field. An implicit field reads its default as the file holds it, in whatever
 /// byte order: that is how these files have always read.
 template <class Precision>
@@ -23,6 +28,9 @@ typename Precision::number number_of(const field& from, const std::byte* record,
 
 /// The characters of a text field, each word up to its first NUL, trailing blanks kept.
 std::string text_of(const field& from, const std::byte* record, std::size_t word_bytes);
+
+/// The same of its default.
+std::string default_text_of(const field& from);
 
 /// Puts a text into a field's words. What goes beyond the width is dropped; implicit words are skipped.
 template <class Precision>

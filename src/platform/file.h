@@ -75,6 +75,8 @@ wide temporary_name(wide_view folder, wide_view prefix);
 wide_view folder_of(wide_view path) noexcept;
 /// Whether a path says where it begins by itself, whatever the current folder.
 bool is_absolute(wide_view path) noexcept;
+/// The path with this system's separators: on Linux, names written on Windows have others.
+wide with_own_separators(wide path);
 /// The path with the current folder in front where it is relative.
 wide absolute_path(wide_view path);
 

@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -129,6 +130,7 @@ class linux_files final : public file_system {
       return nullptr;
     }
     const mode_t rights = mode == open_mode::scratch ? 0600 : 0666;
+    // No advice on the order of access: segments are long, and walks from row to row want the read-ahead.
     // Without O_NONBLOCK a pipe under the file's name would hold the caller up.
     const int descriptor = ::open(path.c_str(), flags_of(mode) | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, rights);
     if (descriptor < 0) return nullptr;
@@ -216,6 +218,11 @@ bool already_exists(std::uint32_t code) noexcept { return code == EEXIST; }
 bool is_absolute(wide_view path) noexcept {
   // A drive letter counts too: links written on Windows name their targets so.
   return path.starts_with(u'/') || (path.size() > 1 && path[1] == u':');
+}
+
+wide with_own_separators(wide path) {
+  std::replace(path.begin(), path.end(), u'\\', u'/');
+  return path;
 }
 
 wide absolute_path(wide_view path) {

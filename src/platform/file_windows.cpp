@@ -159,6 +159,8 @@ bool already_exists(std::uint32_t code) noexcept {
 
 bool is_absolute(wide_view path) noexcept { return path.find(L':') != wide_view::npos; }
 
+wide with_own_separators(wide path) { return path; }
+
 wide absolute_path(wide_view path) {
   const wide name(path);
   const DWORD length = GetFullPathNameW(name.c_str(), 0, nullptr, nullptr);

@@ -33,6 +33,8 @@ class header_pages {
   /// Says that bytes of the page in memory were changed.
   void mark_changed() noexcept { map_.mark_changed(); }
   void flush();
+  /// Drops the page in memory with its changes.
+  void forget() noexcept { map_.forget(); }
   byte_order order() const noexcept { return order_; }
 
  private:

@@ -20,6 +20,8 @@ std::unique_ptr<file> opened(wide_view name, random_access mode) {
 }  // namespace
 
 random_access_file::random_access_file(wide_view name, random_access mode) : source_(opened(name, mode)) {
+  // A file just made or emptied has nothing to mirror.
+  if (mode == random_access::create) return;
   if (!source_.size(length_)) throw file_error(OLESTR("cannot create file"));
   for (std::uint64_t base = 0; base < length_; base += _segmentFile::slice_bytes) {
     slices_.emplace_back(source_, base);

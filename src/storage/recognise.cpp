@@ -10,6 +10,9 @@
 namespace ovf {
 namespace {
 
+/// A file whose words cannot be read at all: not the same as one that ends early.
+struct unreadable {};
+
 /// One word of the file header; nothing when the file ends before it.
 template <class Precision>
 struct header_word {
@@ -23,7 +26,7 @@ std::optional<header_word<Precision>> read_word(file& opened, std::size_t word) 
   header_word<Precision> found;
   std::size_t done = 0;
   const auto position = static_cast<std::int64_t>(word * Precision::word_bytes);
-  if (!opened.seek(position, seek_origin::begin) || !opened.read(found.bytes, done)) return std::nullopt;
+  if (!opened.seek(position, seek_origin::begin) || !opened.read(found.bytes, done)) throw unreadable();
   if (done != sizeof found.bytes) return std::nullopt;
   return found;
 }
@@ -57,10 +60,14 @@ byte_order find_field_count(file& opened) {
 
 recognition recognise(wide_view name) {
   const auto opened = files().open(name, open_mode::read);
-  if (opened == nullptr) throw file_error(wide(OLESTR("cannot open file ")).append(name));
-  if (const auto order = find_mark<single_precision>(*opened)) return {false, *order};
-  if (const auto order = find_mark<double_precision>(*opened)) return {true, *order};
-  return {false, find_field_count(*opened)};
+  try {
+    if (opened == nullptr) throw unreadable();
+    if (const auto order = find_mark<single_precision>(*opened)) return {false, *order};
+    if (const auto order = find_mark<double_precision>(*opened)) return {true, *order};
+    return {false, find_field_count(*opened)};
+  } catch (const unreadable&) {
+    throw file_error(wide(OLESTR("cannot open file ")).append(name));
+  }
 }
 
 }  // namespace ovf

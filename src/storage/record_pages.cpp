@@ -71,7 +71,8 @@ void record_pages<Precision>::append(const page_counts& counts) {
   map_->seek(position);
   std::uint64_t size = 0;
   if constexpr (Precision::is_double) {
-    if (target.size(size) && size > position && !target.set_end()) fail_with_system_error(set_end_failed);
+    if (!target.size(size)) throw file_error(OLESTR("cannot retrieve file size"));
+    if (size > position && !target.set_end()) fail_with_system_error(set_end_failed);
   }
   std::size_t done = 0;
   if (!target.write(empty_page<Precision>, done) || done != Precision::page_bytes) {

@@ -65,7 +65,6 @@ struct _segmentFile::state {
   bool dirty = false;
   wide name;
   std::unique_ptr<file> temporary;
-  std::vector<std::byte> buffer = std::vector<std::byte>(slice_bytes);
 
   state(source_file& from, std::uint64_t begin) : source(from), base(begin) {}
   state(const state&) = delete;
@@ -83,6 +82,7 @@ struct _segmentFile::state {
 
   /// A slice is never longer than its buffer, so one read and one write move it whole.
   bool copy_back(wide_view message) noexcept {
+    std::vector<std::byte> buffer(slice_bytes);
     std::size_t count = 0;
     if (!read_at(*temporary, 0, buffer, count)) {
       note_system_error(message);
@@ -92,6 +92,7 @@ struct _segmentFile::state {
   }
 
   void copy_in() {
+    std::vector<std::byte> buffer(slice_bytes);
     std::size_t count = source.read_pure(base, buffer);
     while (count > 0 && size < static_cast<std::int64_t>(slice_bytes)) {
       std::size_t done = 0;

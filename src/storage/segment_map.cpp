@@ -107,12 +107,15 @@ void fileSegmentMap<N>::mark_changed() noexcept {
 
 template <std::size_t N>
 void fileSegmentMap<N>::release() noexcept {
-  try {
-    flush();
-    if (next != nullptr) next->flush();
-  } catch (...) {
-    // A destructor has nobody to tell; whoever wants to know flushes before.
-  }
+  // A destructor has nobody to tell of a failure; whoever wants to know flushes before.
+  const auto flush_quietly = [](fileSegmentMap& map) noexcept {
+    try {
+      map.flush();
+    } catch (...) {
+    }
+  };
+  flush_quietly(*this);
+  if (next != nullptr) flush_quietly(*next);
 }
 
 template class fileSegmentMap<2048>;

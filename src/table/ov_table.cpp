@@ -121,6 +121,8 @@ HRESULT COvTable::get_IsLinked(VARIANT_BOOL* pVal) {
 HRESULT COvTable::GetFacts(OvTableFacts* pFacts) {
   if (pFacts == nullptr) return E_POINTER;
   if (pFacts->cbSize != sizeof(OvTableFacts)) return E_INVALIDARG;
+  *pFacts = {};
+  pFacts->cbSize = sizeof(OvTableFacts);
   return guard(*this, [&] { *pFacts = facts_of(core_.opened()); });
 }
 

@@ -24,7 +24,7 @@ HRESULT COvTable::on_a_row(wide_view refusal, Body body) {
 
 template <class Body>
 HRESULT COvTable::changing_a_row(Body body) {
-  if (core_.read_only != 0) return report(*this, set_read_only);
+  if (core_.is_read_only()) return report(*this, set_read_only);
   return on_a_row(set_refused, [&] { return body() ? S_FALSE : S_OK; });
 }
 

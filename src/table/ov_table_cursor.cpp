@@ -70,7 +70,7 @@ HRESULT COvTable::get_BOF(VARIANT_BOOL* pVal) {
 }
 
 HRESULT COvTable::AddRow() {
-  if (core_.read_only != 0) return report(*this, add_refused);
+  if (core_.is_read_only()) return report(*this, add_refused);
   return guard(*this, [&] { core_.add_row(); });
 }
 

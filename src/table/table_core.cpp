@@ -52,6 +52,7 @@ opening table_core::open_target(std::unique_ptr<table>& found) {
   // One level only: what a link leads to is an ordinary table, whatever its description says.
   found.reset();
   name = *target;
+  if (files().kind(name) == file_kind::missing) name = with_own_separators(name);
   if (files().kind(name) == file_kind::missing) return opening::missing;
   const opening followed = open_one(found);
   is_linked = true;
@@ -61,24 +62,30 @@ opening table_core::open_target(std::unique_ptr<table>& found) {
 HRESULT table_core::hold(std::unique_ptr<table> found) {
   ovfile::pointer<IOvSchema> filled = new_schema();
   const HRESULT status = fill_schema(*filled.get(), *found);
-  is_double_ = found->isDouble();
   table_ = std::move(found);
   schema = std::move(filled);
+  at_end = false;
+  at_beginning = false;
   return status;
 }
 
 void table_core::create(ovfile::pointer<IOvSchema> definition) {
   schema = std::move(definition);
-  const table_definition wanted = definition_of(*schema.get());
-  is_double_ = wanted.is_double;
-  const new_table made(wanted);
-  // The held table may be the very file that is made anew.
-  if (table_ != nullptr) table_->flush();
-  table_.reset();
+  const new_table made(definition_of(*schema.get()));
+  if (table_ != nullptr) {
+    table_->flush();
+    // The file that is made anew may be the very one that is held.
+    if (absolute_path(table_->getFileName()) == absolute_path(name)) table_.reset();
+  }
   table_ = create_table(name, made);
+  refill(*schema.get());
+}
+
+void table_core::refill(IOvSchema& definition) const {
   VARIANT_BOOL latched = VARIANT_FALSE;
-  if (FAILED(schema->get_ReadOnly(&latched)) || latched != VARIANT_FALSE) return;
-  (void)fill_schema(*schema.get(), *table_);
+  (void)definition.get_ReadOnly(&latched);
+  (void)fill_schema(definition, *table_);
+  if (latched != VARIANT_FALSE) (void)definition.put_ReadOnly(VARIANT_TRUE);
 }
 
 void table_core::close() {
@@ -138,7 +145,7 @@ void table_core::add_row() {
 double table_core::column_as_double(LONG column_number) const {
   const std::uint64_t index = field_index(column_number);
   if (const std::byte* place = opened().storedNumber(index)) {
-    if (is_double_) return load_number<double_precision>(place, byte_order::native);
+    if (table_->isDouble()) return load_number<double_precision>(place, byte_order::native);
     return tidied(load_number<single_precision>(place, byte_order::native));
   }
   const variant value = table_->getValue(index);
@@ -154,7 +161,7 @@ bool table_core::set_column(LONG column_number, const VARIANT& value) {
   if ((value.vt & VT_BYREF) != 0) return set_column(column_number, variant(value));
   if (value.vt == VT_BSTR) return set_text(column_number, view_of(value.bstrVal));
   const std::uint64_t index = field_index(column_number);
-  if (value.vt == VT_R4 && is_double_) {
+  if (value.vt == VT_R4 && opened().isDouble()) {
     opened().setValue(index, variant(tidied(value.fltVal)));
   } else {
     opened().setValue(index, value);

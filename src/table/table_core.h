@@ -30,6 +30,8 @@ class table_core {
   void close();
 
   bool is_open() const noexcept { return table_ != nullptr; }
+  /// Whether changes are refused: the host said so, or the table that is still held was opened so.
+  bool is_read_only() const noexcept { return read_only != 0 || (is_open() && table_->isReadOnly()); }
   /// The open table; throws not_open when there is none.
   table& opened() const;
   struct not_open {};
@@ -66,8 +68,9 @@ class table_core {
  private:
   opening open_target(std::unique_ptr<table>& opened);
   HRESULT hold(std::unique_ptr<table> opened);
+  /// Brings the schema of a new table up to what the file says; its read-only latch stays as it was.
+  void refill(IOvSchema& definition) const;
 
-  bool is_double_ = false;
   std::unique_ptr<table> table_;
 };
 

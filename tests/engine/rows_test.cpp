@@ -249,7 +249,34 @@ TEST(RowCount, APageCountThatSinglePrecisionCannotCountIsRefused) {
   file = ovtest::make_header(words, wide_record, single_words);
   ovtest::engine_files files;
   const auto table = files.open(file);
+  // 7 records fill a page: a row less has room in the last one, which must be there for it.
   EXPECT_EQ(message_of([&] { table->addRow(); }), "ov_size_t_2_int");
+}
+
+TEST(RowCount, APageOfRowsThatTheHeaderDoesNotCountIsKeptWhenRowsAreAdded) {
+  for (const ovtest::word_format format : {single_words, double_words}) {
+    bytes file = hole_table(3, format);
+    ovtest::put_number(file, 26, 1, format);  // the header page alone
+    ovtest::engine_files files;
+    auto table = files.open(file);
+    EXPECT_EQ(table->getRowCount(), 3U);
+    table->addRow();
+    table.reset();
+    table = files.reopen();
+    EXPECT_EQ(table->getRowCount(), 4U);
+    table->goToRow(3);
+    EXPECT_EQ(table->getDouble(1), 3.25);
+  }
+}
+
+TEST(RowCount, AFileShorterThanItsHeaderSaysDoesNotGrowByLosingRows) {
+  bytes file = hole_table(3, single_words);
+  ovtest::put_number(file, 26, 5000, single_words);
+  ovtest::engine_files files;
+  auto table = files.open(file);
+  EXPECT_TRUE(table->onSetRowCount(50000));
+  table.reset();
+  EXPECT_EQ(files.content().size(), 2 * 2048U);
 }
 
 TEST(RowCount, WordTwentySixOfANewDoublePrecisionFileMayCountAPageTooMany) {

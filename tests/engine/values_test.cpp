@@ -50,6 +50,8 @@ TEST_P(Values, ImplicitFieldsReadTheirDefaultAndWritingThemChangesNothing) {
   table->setDouble(2, 9);
   table->setFloat(2, 9);
   table->setString(2, OLESTR("9"));
+  table->setString(2, OLESTR("no number"));
+  table->setDouble(2, 1e300);
   table->setString(3, OLESTR("none"));
   table->flush();
   EXPECT_EQ(table->getDouble(2), 2.75);

@@ -219,6 +219,7 @@ TEST_F(SegmentMap, AReleaseSwallowsAFailedWrite) {
   {
     ovf::fileSegmentMap<page> map(target.get(), true);
     map.load(0, whole, page, 0);
+    map.data()[0] = std::byte{'!'};
     map.mark_changed();
     files_.fail_all(call::write);
   }

@@ -113,13 +113,8 @@ TEST_F(Cursor, WithoutATableTheRestFailsWithoutAReport) {
 }
 
 TEST_F(Cursor, ADiskErrorNeverLooksLikeTheEnd) {
-  make_rows(400);
-  ovtest::failing_files failing;
-  ASSERT_EQ(open(), S_OK);
-  // The third page of this table lies in the segment that is held; a table of single precision reads
-  // page by page.
-  ASSERT_EQ(table_->Close(), S_OK);
   make_rows(400, false);
+  ovtest::failing_files failing;
   ASSERT_EQ(open(), S_OK);
   ASSERT_EQ(table_->GetRowAt(169), S_OK);
   failing.fail_nth(call::read, 1);
@@ -138,6 +133,31 @@ TEST_F(Cursor, ARowThatCannotBeReachedIsReportedAndTheStatusStays) {
   SetErrorInfo(0, nullptr);
   EXPECT_EQ(table_->GetRowAt(300), S_OK);
   EXPECT_EQ(reported(), with_failing_code("OvFile Error: cache failed to read file."));
+}
+
+TEST_F(Cursor, TheLastAndThePreviousRowReportWhatTheyCannotRead) {
+  make_rows(400, false);
+  ovtest::failing_files failing;
+  const std::string words = with_failing_code("OvFile Error: cache failed to read file.");
+  ASSERT_EQ(open(), S_OK);
+  failing.fail_nth(call::read, 1);
+  EXPECT_REPORT(table_->GetLastRow(), words);
+  ASSERT_EQ(table_->GetRowAt(170), S_OK);
+  failing.fail_nth(call::read, 1);
+  EXPECT_REPORT(table_->GetPreviousRow(), words);
+}
+
+TEST_F(Cursor, OpeningAnotherTableForgetsWhereTheCursorRanOff) {
+  make_rows(1);
+  make_rows(1, true, "other.ovt");
+  ASSERT_EQ(open(), S_OK);
+  ASSERT_EQ(table_->GetNextRow(), S_FALSE);
+  ovtest::failing_files failing;
+  failing.decide = [reads = 0](call kind, const ovf::wide&) mutable {
+    return kind == call::read && ++reads == 4 ? ovtest::fate::fails : ovtest::fate::works;
+  };
+  ASSERT_EQ(open(0, "other.ovt"), S_OK);
+  EXPECT_EQ(at_end(), 0);
 }
 
 TEST_F(Cursor, AddingARowMovesThere) {

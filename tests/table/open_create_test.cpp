@@ -111,6 +111,27 @@ TEST_F(Open, AFirstRowThatCannotBeReadIsReportedAndTheTableIsOpen) {
   EXPECT_EQ(value, 0);
 }
 
+TEST_F(Open, TheTableThatIsStillHeldKeepsItsOwnMode) {
+  make_rows(2);
+  ovtest::write_bytes(path("notes.txt"), bytes(3000, ' '));
+  ASSERT_EQ(open(1), S_OK);
+  EXPECT_EQ(open(0, "notes.txt"), E_FAIL);
+  EXPECT_REPORT(table_->SetColumnDouble(2, 5), "SetColumn failed, file is open in read-only mode");
+  EXPECT_REPORT(table_->AddRow(), "AddRow failed, current row is not valid");
+}
+
+TEST_F(Open, AHeldTableThatCannotBeWrittenStopsTheNextOpen) {
+  make_rows(1);
+  make_rows(1, true, "other.ovt");
+  ovtest::failing_files failing;
+  ASSERT_EQ(open(), S_OK);
+  ASSERT_EQ(table_->SetColumnDouble(2, 5), S_OK);
+  failing.fail_nth(call::write, 1);
+  EXPECT_REPORT(open(0, "other.ovt"),
+                ovtest::with_failing_code("OvFile Error: doFlush failed to write an entire page."));
+  EXPECT_EQ(depth(), 5);
+}
+
 class Links : public TableHost {
  protected:
   /// A link file with that description.
@@ -175,6 +196,22 @@ TEST_F(Links, ATargetMayStandInAFolderBesideTheLink) {
   std::filesystem::create_directory(path("north"));
   make_rows(2, true, "north/pit.ovt");
   make_link("LINKnorth/pit.ovt .");
+  ASSERT_EQ(open(0, "link.ovt"), S_OK);
+  EXPECT_EQ(depth(), 1);
+}
+
+TEST_F(Links, AMissingTargetKeepsTheTableThatWasOpen) {
+  make_rows(2);
+  make_link("LINKnot there.ovt .");
+  ASSERT_EQ(open(), S_OK);
+  EXPECT_REPORT(open(0, "link.ovt"), missing);
+  EXPECT_EQ(depth(), 1);
+}
+
+TEST_F(Links, ATargetWrittenWithBackslashesIsFoundOnEverySystem) {
+  std::filesystem::create_directory(path("north"));
+  make_rows(2, true, "north/pit.ovt");
+  make_link("LINKnorth\\pit.ovt .");
   ASSERT_EQ(open(0, "link.ovt"), S_OK);
   EXPECT_EQ(depth(), 1);
 }
@@ -297,6 +334,9 @@ TEST_F(Create, ALatchedSchemaMakesATableToo) {
   LONG count = 0;
   EXPECT_EQ(schema->get_FieldCount(&count), S_OK);
   EXPECT_EQ(count, 3);
+  VARIANT_BOOL latched = 0;
+  EXPECT_EQ(schema->get_ReadOnly(&latched), S_OK);
+  EXPECT_NE(latched, 0);
 }
 
 TEST_F(Create, OverTheTableThatIsHeldItself) {
@@ -307,6 +347,18 @@ TEST_F(Create, OverTheTableThatIsHeldItself) {
   EXPECT_EQ(table_->GetRowCount(&rows), S_OK);
   EXPECT_EQ(rows, 0);
   EXPECT_EQ(content().size(), 2048U);
+}
+
+TEST_F(Create, ARefusedDefinitionLeavesTheOpenTableAsItWas) {
+  make_rows(1, false);
+  ASSERT_EQ(open(), S_OK);
+  ASSERT_EQ(table_->SetColumnFloat(2, 0.1F), S_OK);
+  auto refused = numbers(1, true);
+  refused->AddNumericColumn(text_of(std::string("A B")).get(), 0, 0);
+  EXPECT_REPORT(create(refused, "new.ovt"), "Failed to create file");
+  EXPECT_EQ(depth(), 0.1);
+  EXPECT_REPORT(create(numbers(1, false), "no folder/new.ovt"), "cannot create file");
+  EXPECT_EQ(depth(), 0.1);
 }
 
 TEST_F(Create, AWriteThatFailsIsReportedAndLeavesNoFile) {
