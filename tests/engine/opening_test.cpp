@@ -17,7 +17,7 @@ using ovtest::single_words;
 using ovtest::utf8;
 
 TEST(Opening, WithoutANameThereIsNothingToOpen) {
-  EXPECT_EQ(message_of([] { ovf::open_table({}, true); }), "no filename given");
+  EXPECT_EQ(message_of([] { ovf::open_table(ovf::wide(), true); }), "no filename given");
 }
 
 TEST(Opening, AFileThatTheSystemRefusesIsNamedWithCodeAndText) {

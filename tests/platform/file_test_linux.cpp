@@ -1,9 +1,8 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <cstdlib>
+#include <filesystem>
 
-#include "platform/environment_linux.h"
 #include "platform/file.h"
 #include "support/scratch_folder.h"
 

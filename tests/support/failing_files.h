@@ -31,14 +31,36 @@ enum class fate {
 };
 
 class failing_files final : public ovf::file_system {
+  using decision = std::function<fate(call, const ovf::wide&)>;
+
+  /// What the files that were opened through here share with it; they may outlive it.
+  struct shared {
+    decision decide;
+    std::map<call, int> counts;
+
+    fate ask(call kind, ovf::wide_view name) {
+      ++counts[kind];
+      const fate how = decide(kind, ovf::wide(name));
+      if (how != fate::works) ovf::set_last_system_error(failing_code);
+      return how;
+    }
+  };
+  std::shared_ptr<shared> shared_ = std::make_shared<shared>();
+
  public:
-  failing_files() { before_ = ovf::use_files(this); }
-  ~failing_files() override { ovf::use_files(before_); }
+  failing_files() {
+    fail_nothing();
+    before_ = ovf::use_files(this);
+  }
+  ~failing_files() override {
+    fail_nothing();
+    ovf::use_files(before_);
+  }
   failing_files(const failing_files&) = delete;
   failing_files& operator=(const failing_files&) = delete;
 
   /// Asked at every call, with the file's name.
-  std::function<fate(call, const ovf::wide&)> decide = [](call, const ovf::wide&) { return fate::works; };
+  decision& decide = shared_->decide;
 
   /// The `nth` call of that kind from now on (1 is the next) fails, once.
   void fail_nth(call kind, int nth, fate how = fate::fails) {
@@ -55,71 +77,63 @@ class failing_files final : public ovf::file_system {
   }
 
   std::unique_ptr<ovf::file> open(ovf::wide_view name, ovf::open_mode mode) noexcept override {
-    if (ask(call::open, name) != fate::works) return nullptr;
+    if (shared_->ask(call::open, name) != fate::works) return nullptr;
     auto real = ovf::system_files().open(name, mode);
     if (real == nullptr) return nullptr;
-    return std::make_unique<watched>(*this, ovf::wide(name), std::move(real));
+    return std::make_unique<watched>(shared_, ovf::wide(name), std::move(real));
   }
   ovf::file_kind kind(ovf::wide_view name) noexcept override { return ovf::system_files().kind(name); }
   bool remove(ovf::wide_view name) noexcept override {
-    return ask(call::remove, name) == fate::works && ovf::system_files().remove(name);
+    return shared_->ask(call::remove, name) == fate::works && ovf::system_files().remove(name);
   }
   bool replace(ovf::wide_view from, ovf::wide_view to) noexcept override {
-    return ask(call::replace, to) == fate::works && ovf::system_files().replace(from, to);
+    return shared_->ask(call::replace, to) == fate::works && ovf::system_files().replace(from, to);
   }
   bool sync_folder(ovf::wide_view folder) noexcept override {
-    return ask(call::sync, folder) == fate::works && ovf::system_files().sync_folder(folder);
+    return shared_->ask(call::sync, folder) == fate::works && ovf::system_files().sync_folder(folder);
   }
   ovf::wide temporary_folder() override { return ovf::system_files().temporary_folder(); }
 
   int count(call kind) const {
-    const auto found = counts_.find(kind);
-    return found == counts_.end() ? 0 : found->second;
+    const auto found = shared_->counts.find(kind);
+    return found == shared_->counts.end() ? 0 : found->second;
   }
 
  private:
   class watched final : public ovf::file {
    public:
-    watched(failing_files& owner, ovf::wide name, std::unique_ptr<ovf::file> real)
-        : owner_(owner), name_(std::move(name)), real_(std::move(real)) {}
+    watched(std::shared_ptr<shared> owner, ovf::wide name, std::unique_ptr<ovf::file> real)
+        : owner_(std::move(owner)), name_(std::move(name)), real_(std::move(real)) {}
 
     bool size(std::uint64_t& bytes) noexcept override {
-      return owner_.ask(call::size, name_) == fate::works && real_->size(bytes);
+      return owner_->ask(call::size, name_) == fate::works && real_->size(bytes);
     }
     bool seek(std::int64_t distance, ovf::seek_origin origin) noexcept override {
-      return owner_.ask(call::seek, name_) == fate::works && real_->seek(distance, origin);
+      return owner_->ask(call::seek, name_) == fate::works && real_->seek(distance, origin);
     }
     bool read(std::span<std::byte> bytes, std::size_t& done) noexcept override {
       done = 0;
-      const fate how = owner_.ask(call::read, name_);
+      const fate how = owner_->ask(call::read, name_);
       if (how == fate::fails) return false;
       return real_->read(how == fate::works ? bytes : bytes.first(bytes.size() / 2), done);
     }
     bool write(std::span<const std::byte> bytes, std::size_t& done) noexcept override {
       done = 0;
-      const fate how = owner_.ask(call::write, name_);
+      const fate how = owner_->ask(call::write, name_);
       if (how == fate::fails) return false;
       return real_->write(how == fate::works ? bytes : bytes.first(bytes.size() / 2), done);
     }
     bool set_end() noexcept override {
-      return owner_.ask(call::set_end, name_) == fate::works && real_->set_end();
+      return owner_->ask(call::set_end, name_) == fate::works && real_->set_end();
     }
-    bool sync() noexcept override { return owner_.ask(call::sync, name_) == fate::works && real_->sync(); }
+    bool sync() noexcept override { return owner_->ask(call::sync, name_) == fate::works && real_->sync(); }
 
    private:
-    failing_files& owner_;
+    std::shared_ptr<shared> owner_;
     ovf::wide name_;
     std::unique_ptr<ovf::file> real_;
   };
 
-  fate ask(call kind, ovf::wide_view name) noexcept {
-    ++counts_[kind];
-    const fate how = decide(kind, ovf::wide(name));
-    if (how != fate::works) ovf::set_last_system_error(failing_code);
-    return how;
-  }
-
-  std::map<call, int> counts_;
   ovf::file_system* before_ = nullptr;
 };
 
