@@ -20,5 +20,5 @@ done
 
 echo
 echo "Summary"
-grep -E ' (ratio|target)' "$log" || true
+grep -E 'ratio|target' "$log" || true
 exit $status

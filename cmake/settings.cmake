@@ -23,7 +23,9 @@ set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 
 find_program(CCACHE_PROGRAM ccache)
 if(CCACHE_PROGRAM AND NOT DEFINED CMAKE_CXX_COMPILER_LAUNCHER)
-  set(CMAKE_CXX_COMPILER_LAUNCHER "${CCACHE_PROGRAM}")
+  # So that it also serves files with a precompiled header.
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env CCACHE_SLOPPINESS=pch_defines,time_macros
+      "${CCACHE_PROGRAM}")
 endif()
 
 if(OVFILE_LTO)

@@ -22,12 +22,28 @@ set(OVF_TEST_DEFINITIONS
 configure_file(cmake/shared_inputs.cmake.in "${CMAKE_BINARY_DIR}/shared_inputs.cmake" @ONLY)
 set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES "${CMAKE_BINARY_DIR}/shared_inputs.cmake")
 
+# The tests' own code need not be fast, but there is much of it: GoogleTest is parsed once for all, and
+# g++ does not optimise.
+add_library(ovf_test_settings INTERFACE)
+target_compile_options(ovf_test_settings INTERFACE
+                       "$<$<CXX_COMPILER_ID:GNU>:-O0;-fpch-preprocess>"
+                       "$<$<CXX_COMPILER_ID:Clang>:SHELL:-Xclang -fno-pch-timestamp>")
+target_compile_definitions(ovf_test_settings INTERFACE ${OVF_TEST_DEFINITIONS})
+target_include_directories(ovf_test_settings INTERFACE include src tests)
+target_link_libraries(ovf_test_settings INTERFACE ovf_settings ovf_header_libraries GTest::gmock
+                      GTest::gtest_main ${CMAKE_DL_LIBS})
+file(CONFIGURE OUTPUT "${CMAKE_BINARY_DIR}/precompiled_tests.cpp" CONTENT "")
+# All who share it are compiled alike, programs and libraries.
+set(CMAKE_POSITION_INDEPENDENT_CODE OFF)
+add_library(ovf_precompiled_tests OBJECT "${CMAKE_BINARY_DIR}/precompiled_tests.cpp")
+target_link_libraries(ovf_precompiled_tests PRIVATE ovf_test_settings)
+target_precompile_headers(ovf_precompiled_tests PRIVATE <gtest/gtest.h>)
+
 ovf_sources(files tests/support)
 if(files)
   add_library(ovf_test_support STATIC ${files})
-  target_include_directories(ovf_test_support PUBLIC include src tests)
-  target_compile_definitions(ovf_test_support PRIVATE ${OVF_TEST_DEFINITIONS})
-  target_link_libraries(ovf_test_support PUBLIC ovf_settings ovf_header_libraries GTest::gmock)
+  target_precompile_headers(ovf_test_support REUSE_FROM ovf_precompiled_tests)
+  target_link_libraries(ovf_test_support PRIVATE ovf_test_settings)
 endif()
 
 # What the tests of a module link: the module and all below it. The classes need server/ for their
@@ -40,8 +56,7 @@ function(ovf_add_test_folder name)
   ovf_sources(files "tests/${name}")
   set(target "test_${name}")
   add_executable(${target} ${files})
-  target_include_directories(${target} PRIVATE include src tests)
-  target_compile_definitions(${target} PRIVATE ${OVF_TEST_DEFINITIONS})
+  target_precompile_headers(${target} REUSE_FROM ovf_precompiled_tests)
   if(TARGET ovf_test_support)
     target_link_libraries(${target} PRIVATE ovf_test_support)
   endif()
@@ -64,8 +79,7 @@ function(ovf_add_test_folder name)
       target_sources(${target} PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}/src/server/ovfile.rc")
     endif()
   endif()
-  target_link_libraries(${target} PRIVATE ovf_settings ovf_header_libraries GTest::gmock GTest::gtest_main
-                        ${CMAKE_DL_LIBS})
+  target_link_libraries(${target} PRIVATE ovf_test_settings)
 
   set(run "${CMAKE_BINARY_DIR}/run/${name}")
   file(MAKE_DIRECTORY "${run}")
@@ -81,3 +95,5 @@ foreach(folder ${folders})
     ovf_add_test_folder(${name})
   endif()
 endforeach()
+
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)

@@ -13,7 +13,7 @@ constexpr auto patience = std::chrono::milliseconds(1000);
 /// The work of a command is all that it does, in however many parts.
 const auto start = std::chrono::steady_clock::now();
 constexpr auto between_looks = std::chrono::milliseconds(100);
-constexpr std::uint64_t bar_width = 30;
+constexpr std::size_t bar_width = 30;
 
 }  // namespace
 
@@ -33,7 +33,7 @@ void progress::look(std::uint64_t done, std::uint64_t total) {
   drawn_ = true;
   const double share =
       total == 0 ? 0.0 : std::min(1.0, static_cast<double>(done) / static_cast<double>(total));
-  const auto full = static_cast<std::uint64_t>(share * static_cast<double>(bar_width));
+  const auto full = static_cast<std::size_t>(share * static_cast<double>(bar_width));
   const std::string line = total == 0
                                ? fmt::format("\r{} …\x1B[K", title_)
                                : fmt::format("\r{} [{}{}] {:3.0f} %\x1B[K", title_, std::string(full, '#'),

@@ -1,7 +1,20 @@
 // Widening a float so that its decimal digits stay tidy: 0.1f becomes 0.1 and not 0.10000000149…
 #pragma once
 
+#include <cfloat>
+
 namespace ovf {
+
+/// A product that is rounded to a float, as the digits are counted from it. Where registers carry more
+/// digits than the type, memory rounds it.
+inline float rounded_product(float scale, float value) noexcept {
+  if constexpr (FLT_EVAL_METHOD == 0) {
+    return scale * value;
+  } else {
+    const volatile float product = scale * value;
+    return product;
+  }
+}
 
 /// The float as a double rounded to seven significant decimal digits. Magnitudes of 100,000 and more,
 /// infinities and NaN are widened unchanged.
@@ -24,10 +37,7 @@ inline double tidied(float value) noexcept {
   } else {
     return static_cast<double>(value);
   }
-  // The product is rounded to a float on purpose; volatile keeps registers of more digits and fused
-  // additions from carrying a longer one into the sum.
-  const volatile float product = scale * value;
-  const double rounded = static_cast<double>(product) + (value >= 0.0F ? 0.5 : -0.5);
+  const double rounded = static_cast<double>(rounded_product(scale, value)) + (value >= 0.0F ? 0.5 : -0.5);
   return static_cast<double>(static_cast<int>(rounded)) / static_cast<double>(scale);
 }
 

@@ -38,7 +38,7 @@ template <class Precision>
 void store_text(std::byte* word, std::string_view text) noexcept {
   std::memset(word, ' ', Precision::word_bytes);
   const std::string_view part = text.substr(0, format::text_word_chars);
-  std::memcpy(word, part.data(), part.size());
+  if (!part.empty()) std::memcpy(word, part.data(), part.size());
 }
 
 /// Spreads a text over `words` text words, cut or filled with blanks.

@@ -142,12 +142,7 @@ void table_core::add_row() {
   at_beginning = false;
 }
 
-double table_core::column_as_double(LONG column_number) const {
-  const std::uint64_t index = field_index(column_number);
-  if (const std::byte* place = opened().storedNumber(index)) {
-    if (table_->isDouble()) return load_number<double_precision>(place, byte_order::native);
-    return tidied(load_number<single_precision>(place, byte_order::native));
-  }
+double table_core::converted_column(std::uint64_t index) const {
   const variant value = table_->getValue(index);
   return value.type() == VT_R4 ? tidied(value.get().fltVal) : to_double(value);
 }

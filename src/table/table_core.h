@@ -8,6 +8,7 @@
 #include "engine/table.h"
 #include "ovfile/ovfile.h"
 #include "ovfile/smart.h"
+#include "platform/decimal_tidy.h"
 
 namespace ovf {
 
@@ -66,6 +67,8 @@ class table_core {
   ovfile::pointer<IOvSchema> schema;
 
  private:
+  /// The long road of `column_as_double`: by way of a variant.
+  double converted_column(std::uint64_t index) const;
   opening open_target(std::unique_ptr<table>& opened);
   HRESULT hold(std::unique_ptr<table> opened);
   /// Brings the schema of a new table up to what the file says; its read-only latch stays as it was.
@@ -82,6 +85,14 @@ inline std::uint64_t field_index(LONG column) noexcept {
 inline table& table_core::opened() const {
   if (table_ == nullptr) throw not_open();
   return *table_;
+}
+
+inline double table_core::column_as_double(LONG column) const {
+  const std::uint64_t index = field_index(column);
+  const std::byte* place = opened().storedNumber(index);
+  if (place == nullptr) return converted_column(index);
+  if (table_->isDouble()) return load_number<double_precision>(place, byte_order::native);
+  return tidied(load_number<single_precision>(place, byte_order::native));
 }
 
 inline move table_core::next_row() {
