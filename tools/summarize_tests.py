@@ -4,6 +4,7 @@ a failing run without a failing test (a program that does not start) counts as o
 
 import re
 import sys
+import textwrap
 import xml.etree.ElementTree as xml
 
 
@@ -14,6 +15,17 @@ def skip_reason(case):
     if found:
         return " ".join(found.group(1).split()) or "no reason given"
     return "no reason given" if "[  SKIPPED ]" in output else None
+
+
+def print_names(names):
+    """Cases of one parametrised test share a line: `module.suite.test/ a, b, c`."""
+    groups = {}
+    for name in names:
+        test, slash, case = name.rpartition("/")
+        groups.setdefault(test + slash, []).append(case)
+    for test, cases in groups.items():
+        line = f"{test} " * bool(test) + ", ".join(cases)
+        print(textwrap.fill(line, 110, initial_indent=" " * 8, subsequent_indent=" " * 12, break_long_words=False))
 
 
 def main():
@@ -41,8 +53,7 @@ def main():
         print("FAILED ", name)
     for reason, names in skipped.items():
         print(f"skipped {len(names)}: {reason}")
-        for name in names:
-            print("        ", name)
+        print_names(names)
 
 
 main()
