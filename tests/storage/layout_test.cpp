@@ -114,7 +114,8 @@ TEST(Ovdd32, WritesTheFixedWordsOfTheHeader) {
   dictionary.set_description("assays of the north pit");
   const NewHeader<ovf::single_precision> header(dictionary.finished());
   ASSERT_EQ(header.bytes(), 2048U);
-  for (std::size_t word : {0, 1, 2, 3, 10, 19}) EXPECT_EQ(header.raw(word), "    ") << word;
+  for (const std::size_t word : std::initializer_list<std::size_t>{0, 1, 2, 3, 10, 19})
+    EXPECT_EQ(header.raw(word), "    ") << word;
   EXPECT_EQ(header.raw(4), "assa");
   EXPECT_EQ(header.raw(9), "pit ");
   EXPECT_EQ(header.raw(20) + header.raw(21), "SYSTEM  ");
