@@ -10,7 +10,8 @@ template <class Integer>
 HRESULT whole(Integer number, source_value& value) {
   value.what = std::is_signed_v<Integer> ? kind::signed_whole : kind::unsigned_whole;
   value.bytes = sizeof number;
-  value.number = static_cast<std::int64_t>(number);
+  // One-byte integers are numbers here, not characters: their sign counts.
+  value.number = static_cast<std::int64_t>(number);  // NOLINT(bugprone-signed-char-misuse)
   return S_OK;
 }
 

@@ -2,9 +2,6 @@
 // DllGetClassObject.
 #include "ovfile/component.h"
 
-extern "C" HRESULT STDAPICALLTYPE DllRegisterServer();
-extern "C" HRESULT STDAPICALLTYPE DllUnregisterServer();
-
 extern "C" HRESULT STDAPICALLTYPE DllRegisterServer() { return E_NOTIMPL; }
 
 extern "C" HRESULT STDAPICALLTYPE DllUnregisterServer() { return E_NOTIMPL; }

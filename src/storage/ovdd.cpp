@@ -61,9 +61,9 @@ void basic_ovdd<Precision>::add_text(std::string_view name, std::string_view def
 template <class Precision>
 const std::vector<std::byte>& basic_ovdd<Precision>::finished() {
   // A new file is its header: as many pages as the dictionary takes, and no records.
-  const auto header_pages = static_cast<number>(pages_.size() / Precision::page_bytes);
+  const std::size_t header_pages = pages_.size() / Precision::page_bytes;
   store_number<Precision>(word(format::atoms_word), static_cast<number>(atoms_), byte_order::native);
-  store_number<Precision>(word(format::pages_word), header_pages, byte_order::native);
+  store_number<Precision>(word(format::pages_word), static_cast<number>(header_pages), byte_order::native);
   return pages_;
 }
 

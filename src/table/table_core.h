@@ -26,7 +26,7 @@ class table_core {
   /// replaced at the end. `filled` is the status of filling the new schema. The cursor does not move.
   opening open(wide_view name, LONG read_only, HRESULT& filled);
   /// Makes a table from the schema, which is held from then on. Throws like `create_table`.
-  void create(ovfile::pointer<IOvSchema> schema);
+  void create(ovfile::pointer<IOvSchema> definition);
   /// Flushes and lets go. A failed flush throws, and the table stays open.
   void close();
 
@@ -69,8 +69,8 @@ class table_core {
  private:
   /// The long road of `column_as_double`: by way of a variant.
   double converted_column(std::uint64_t index) const;
-  opening open_target(std::unique_ptr<table>& opened);
-  HRESULT hold(std::unique_ptr<table> opened);
+  opening open_target(std::unique_ptr<table>& found);
+  HRESULT hold(std::unique_ptr<table> found);
   /// Brings the schema of a new table up to what the file says; its read-only latch stays as it was.
   void refill(IOvSchema& definition) const;
 
