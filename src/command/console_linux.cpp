@@ -1,5 +1,5 @@
 #include <fcntl.h>
-#include <signal.h>
+#include <signal.h>  // NOLINT(modernize-deprecated-headers): sigaction is in this one alone
 #include <unistd.h>
 
 #include <cstdlib>

@@ -74,6 +74,7 @@ std::vector<std::string> read_header(csv_reader& reader, const std::string& file
   const bool utf8 =
       std::all_of(cells.begin(), cells.end(), [](std::string_view cell) { return look_at_utf8(cell).valid; });
   std::vector<std::string> headers;
+  headers.reserve(cells.size());
   for (const std::string_view cell : cells) {
     headers.push_back(to_utf8(cell, utf8 ? encoding::utf8 : encoding::windows_1252));
   }

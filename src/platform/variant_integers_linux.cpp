@@ -24,7 +24,8 @@ HRESULT integer_from_real(double number, Integer& result) {
   const double nearest = rounded(number);
   // Both bounds are powers of two and so exact; a NaN is within none.
   const double low = static_cast<double>(std::numeric_limits<Integer>::min());
-  const double high = static_cast<double>(std::numeric_limits<Integer>::max() / 2 + 1) * 2;
+  constexpr Integer half = std::numeric_limits<Integer>::max() / 2 + 1;
+  const double high = static_cast<double>(half) * 2;
   if (!(nearest >= low && nearest < high)) return DISP_E_OVERFLOW;
   result = static_cast<Integer>(nearest);
   return S_OK;
