@@ -38,7 +38,7 @@ std::string make_beside(const std::string& target) {
   const fs::path folder = path_of(target).parent_path();
   for (int number = 0;; ++number) {
     const std::string leaf = ".NEW" + std::to_string(process_number()) + "-" + std::to_string(number);
-    const std::string name = utf8_of(folder / path_of(leaf));
+    std::string name = utf8_of(folder / path_of(leaf));
     bool taken = false;
     try {
       raw_file::make_new(name, taken).close();

@@ -52,7 +52,7 @@ std::optional<wide> date_text(double date) {
   if (!is_date(date)) return {};
   const double whole = std::trunc(date);
   const double part = std::abs(date - whole);
-  auto seconds = static_cast<int>(part * seconds_a_day + 0.5);
+  auto seconds = static_cast<int>(std::lround(part * seconds_a_day));
   sys_days at = first_day + days(static_cast<int>(whole));
   if (seconds == seconds_a_day) {
     at += days(1);

@@ -24,7 +24,7 @@ std::string setting(const char* name) {
 }
 
 std::string home_folder() {
-  const std::string home = setting("HOME");
+  std::string home = setting("HOME");
   if (!home.empty()) return home;
   char buffer[4096];
   passwd entry{};
