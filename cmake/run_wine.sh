@@ -18,7 +18,7 @@ if ! { [ -e "$WINEPREFIX/ready" ] && wineserver -k0 2>/dev/null; }; then
   flock 9
   if ! { [ -e "$WINEPREFIX/ready" ] && wineserver -k0 2>/dev/null; }; then
     wineserver -p60 9>&- >/dev/null 2>&1 </dev/null || true
-    wineboot 9>&- >/dev/null 2>&1 </dev/null
+    wineboot 9>&- >/dev/null 2>&1 </dev/null || wineboot 9>&- >/dev/null 2>&1 </dev/null
     touch "$WINEPREFIX/ready"
   fi
   exec 9>&-
@@ -28,4 +28,15 @@ fi
 case ${OVFILE_SHARED:-} in
   /*) export OVFILE_SHARED="Z:$OVFILE_SHARED" ;;
 esac
-exec wine "$@"
+
+# On a busy machine a start of Wine itself can fail, silently and at once. Our programs say something
+# before they fail, so silence means that there was no start, and another one is tried.
+output=$(mktemp)
+trap 'rm -f "$output"' EXIT
+for attempt in 1 2 3; do
+  status=0
+  wine "$@" >"$output" || status=$?
+  [ "$status" -ne 0 ] && [ ! -s "$output" ] || break
+done
+cat "$output"
+exit "$status"

@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+#include <string>
+
 namespace {
 
 using ovf::registry_key;
@@ -14,7 +17,13 @@ class registry : public testing::Test {
 
   registry_key below(const OLECHAR* name) const { return {key.root, key.path + OLESTR("\\") + name}; }
 
-  registry_key key{registry_root::current_user, OLESTR("Software\\Orvexa\\OvFile.Test")};
+  /// Tests run beside each other, and on Windows they have one registry.
+  static ovf::wide own_path() {
+    return OLESTR("Software\\Orvexa\\OvFile.Test") +
+           ovf::wide_from_ansi(std::to_string(std::random_device()()));
+  }
+
+  registry_key key{registry_root::current_user, own_path()};
 };
 
 TEST_F(registry, numbers_and_texts_read_back) {
@@ -28,7 +37,8 @@ TEST_F(registry, numbers_and_texts_read_back) {
 
 TEST_F(registry, case_does_not_matter) {
   EXPECT_TRUE(ovf::set_registry_number(key, OLESTR("UseLong"), 1));
-  const registry_key other{key.root, OLESTR("SOFTWARE\\orvexa\\ovfile.TEST")};
+  const registry_key other{
+      key.root, OLESTR("SOFTWARE\\orvexa\\ovfile.TEST") + key.path.substr(key.path.rfind(OLESTR('T')) + 4)};
   EXPECT_EQ(ovf::registry_number(other, OLESTR("uselong")), 1u);
   EXPECT_TRUE(ovf::set_registry_number(other, OLESTR("USELONG"), 2));
   EXPECT_EQ(ovf::registry_number(key, OLESTR("UseLong")), 2u);
