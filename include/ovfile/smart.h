@@ -312,6 +312,7 @@ pointer<Interface> create(REFCLSID class_id) {
 }
 
 inline pointer<IOvTable> create_table() { return create<IOvTable>(CLSID_OvTable); }
+inline pointer<IOvTableADO> create_record_set() { return create<IOvTableADO>(CLSID_OvTableADO); }
 inline pointer<IOvSchema> create_schema() { return create<IOvSchema>(CLSID_OvSchema); }
 
 }  // namespace ovfile

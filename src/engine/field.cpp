@@ -34,8 +34,15 @@ void check_positions(const table_fields& fields) {
 
 void table_fields::add(field added) {
   for (const atom& word : added.atoms) record_words_ += word.position != 0 ? 1 : 0;
+  atoms_ += added.atoms.size();
   by_name_.try_emplace(added.name, fields_.size());
   fields_.push_back(std::move(added));
+}
+
+void table_fields::rename(std::size_t index, wide name) {
+  fields_[index].name = std::move(name);
+  by_name_.clear();
+  for (std::size_t i = 0; i < fields_.size(); ++i) by_name_.try_emplace(fields_[i].name, i);
 }
 
 const field& table_fields::at(std::uint64_t index) const {

@@ -34,12 +34,16 @@ struct field {
 class table_fields {
  public:
   void add(field added);
+  void rename(std::size_t index, wide name);
   std::size_t size() const noexcept { return fields_.size(); }
   /// Throws MyExceptionClass "index out of range, field not found.".
   const field& at(std::uint64_t index) const;
   field& at(std::uint64_t index);
   /// Throws MyExceptionClass "unknown field name...".
   std::size_t index_of(const wide& name) const;
+  bool contains(const wide& name) const { return by_name_.contains(name); }
+  /// Words of all fields: entries of the dictionary.
+  std::size_t atoms() const noexcept { return atoms_; }
   /// Words of a record: atoms with a place in it.
   std::size_t record_words() const noexcept { return record_words_; }
 
@@ -49,6 +53,7 @@ class table_fields {
  private:
   std::vector<field> fields_;
   std::unordered_map<wide, std::size_t> by_name_;
+  std::size_t atoms_ = 0;
   std::size_t record_words_ = 0;
 };
 

@@ -1,5 +1,6 @@
 #include "engine/field_name.h"
 
+#include "engine/long_field_names.h"
 #include "ovfile/exception.h"
 #include "storage/format.h"
 
@@ -9,11 +10,13 @@ namespace {
 constexpr std::string_view forbidden_anywhere = " ,!:*&=()?";
 constexpr std::string_view forbidden_first = ".@";
 
-void check_length(wide_view name, bool is_double) {
+void check_length(wide_view name, bool is_double, name_use use) {
   if (!is_double && name.size() > format::short_name_chars) {
     throw MyExceptionClass(OLESTR("field name exceeds 8 characters"));
   }
-  if (is_double && name.size() > field_name_limit()) throw MyExceptionClass(OLESTR("field name too long"));
+  if (!is_double || name.size() <= field_name_limit()) return;
+  throw MyExceptionClass(use == name_use::adding ? OLESTR("field name too long")
+                                                 : OLESTR("field name is too long"));
 }
 
 void check_characters(wide_view name) {
@@ -28,10 +31,8 @@ void check_characters(wide_view name) {
 
 }  // namespace
 
-std::size_t field_name_limit() { return format::short_name_chars; }
-
-void check_new_field_name(wide_view name, bool is_double) {
-  check_length(name, is_double);
+void check_field_name(wide_view name, bool is_double, name_use use) {
+  check_length(name, is_double, use);
   check_characters(name);
 }
 

@@ -1,18 +1,21 @@
 // What a field may be called.
 #pragma once
 
-#include <cstddef>
-
 #include "platform/text.h"
 
 namespace ovf {
 
-/// Characters that a new field's name may have in double precision; 8 in single precision.
-std::size_t field_name_limit();
+/// What a name is checked for; the words for one that is too long differ.
+enum class name_use { adding, renaming };
 
-/// Checks length and characters of a new field's name; throws MyExceptionClass with the rule's message.
+/// Checks length and characters of a field's name; throws MyExceptionClass with the rule's message.
 /// Whether the name is taken is the caller's to ask.
-void check_new_field_name(wide_view name, bool is_double);
+void check_field_name(wide_view name, bool is_double, name_use use);
+
+/// The same for a new field.
+inline void check_new_field_name(wide_view name, bool is_double) {
+  check_field_name(name, is_double, name_use::adding);
+}
 
 /// Throws MyExceptionClass "field name already exists".
 [[noreturn]] void fail_name_taken();

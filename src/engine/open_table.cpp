@@ -1,6 +1,7 @@
 #include "engine/open_table.h"
 
 #include <algorithm>
+#include <cstring>
 #include <set>
 
 #include "engine/field_name.h"
@@ -113,6 +114,19 @@ new_table::new_table(const table_definition& definition)
     : header(definition.is_double ? header_of<double_precision>(definition)
                                   : header_of<single_precision>(definition)),
       is_double(definition.is_double) {}
+
+void new_table::carry_over(table& from, bool description) {
+  const std::vector<std::byte> texts = from.headerTexts();
+  const std::size_t word_bytes = is_double ? double_precision::word_bytes : single_precision::word_bytes;
+  const std::size_t from_word_bytes = texts.size() / format::text_words;
+  for (std::size_t word = 0; word < format::text_words; ++word) {
+    const bool describes = word >= format::description_word && word < format::owner_word;
+    if (describes && !description) continue;
+    std::byte* place = header.data() + word * word_bytes;
+    // A word of the other size keeps its 4 characters.
+    std::memcpy(place, texts.data() + word * from_word_bytes, std::min(word_bytes, from_word_bytes));
+  }
+}
 
 std::unique_ptr<table> create_table(const wide& name, const new_table& made) {
   if (name.empty()) throw MyExceptionClass(wide(no_name));

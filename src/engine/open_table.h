@@ -41,6 +41,9 @@ struct table_definition {
 struct new_table {
   explicit new_table(const table_definition& definition);
 
+  /// Takes the header's names and owner over from another table, and its description if so wished.
+  void carry_over(table& from, bool description);
+
   std::vector<std::byte> header;
   bool is_double;
 };

@@ -1,4 +1,8 @@
 // The two precisions of an open table: one implementation, `basic_ovtable`.
+//
+//   ovtable.cpp           the cursor, rows, values
+//   ovtable_defaults.cpp  default values of fields, facts of the header
+//   ovtable_fields.cpp    new fields and new names
 #pragma once
 
 #include "engine/row_store.h"
@@ -54,12 +58,22 @@ class basic_ovtable final : public table {
   void flush() override { rows_.flush(); }
 
   table_facts facts() override;
+  std::vector<std::byte> headerTexts() override {
+    return rows_.header().words(format::first_name_word, format::text_words);
+  }
+  void readFreshRecord(std::byte* buffer) override;
 
  protected:
   void locate(std::uint64_t row) override;
 
  private:
   void resolve_columns();
+  /// Changes the field list; the current row and its record stay.
+  template <class Change>
+  void change_fields(Change change);
+  std::uint64_t add_field(field added);
+  /// Every rule for the name of a new field, in their order.
+  void check_new_name(const wide& name);
   /// Makes a place the current record's.
   void take(row_place place) noexcept;
   /// Brings the numbers of a record from file order into native order, or back.

@@ -18,8 +18,10 @@ constexpr std::uint64_t most_rows = std::numeric_limits<std::int32_t>::max();
 }  // namespace
 
 template <class Precision>
-row_store<Precision>::row_store(std::unique_ptr<file> opened, bool read_only, byte_order order)
+row_store<Precision>::row_store(std::unique_ptr<file> opened, wide path, bool read_only, byte_order order)
     : file_(std::move(opened)),
+      path_(std::move(path)),
+      read_only_(read_only),
       header_(*file_, !read_only, order),
       fields_(read_fields(header_)),
       records_(*file_, !read_only, fields_.record_words()) {

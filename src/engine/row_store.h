@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "engine/field.h"
+#include "storage/header_image.h"
 #include "storage/record_pages.h"
 
 namespace ovf {
@@ -18,14 +19,15 @@ struct row_place {
 template <class Precision>
 class row_store {
  public:
-  /// Reads header and dictionary. Throws what they throw, and "Not a valid orvexa table" for counts that
-  /// no table has.
-  row_store(std::unique_ptr<file> opened, bool read_only, byte_order order);
+  /// `path` is the file's, whatever the current folder becomes. Reads header and dictionary. Throws what
+  /// they throw, and "Not a valid orvexa table" for counts that no table has.
+  row_store(std::unique_ptr<file> opened, wide path, bool read_only, byte_order order);
   ~row_store();
   row_store(const row_store&) = delete;
   row_store& operator=(const row_store&) = delete;
 
   header_pages<Precision>& header() noexcept { return header_; }
+  /// Defaults may be changed; fields come and change their names below.
   table_fields& fields() noexcept { return fields_; }
   const table_fields& fields() const noexcept { return fields_; }
   const page_counts& counts() const noexcept { return counts_; }
@@ -43,6 +45,17 @@ class row_store {
   /// is cut: a kill in between leaves spare bytes, never missing rows.
   void cut_to(std::uint64_t rows);
 
+  // Changes of the dictionary. The rows that are not in the file yet are written first. A change that fits
+  // one header page is made in its place; one that touches several, or makes the header longer, is made in
+  // a copy that takes the file's place: refused, it throws file_error "cannot create file". A failure
+  // leaves the table with the fields that it had. Records that were located have to be located again.
+
+  /// Throws MyExceptionClass with the precision's limit message when the dictionary has no room for them.
+  void require_room_for_atoms(std::uint64_t more) const;
+  /// Appends a field that has no place in the records. Its `first_entry` is found here.
+  void append_field(field added);
+  void rename_field(std::size_t index, const wide& name);
+
   void mark_changed() noexcept { records_.mark_changed(); }
   void flush_records() { records_.flush(); }
   /// Rows first: the header never promises rows that are not in the file.
@@ -58,7 +71,22 @@ class row_store {
   void set_records_in_last_page(std::uint64_t records);
   void fill_with_defaults(std::byte* record) const;
 
+  void append_field_in_place(const field& added);
+  void append_field_in_copy(const field& added);
+  void rename_field_in_place(const field& renamed, std::string_view name);
+  void rename_field_in_copy(const field& renamed, std::string_view name);
+  /// Changes the page in memory and writes it; a failure undoes the change before it is thrown.
+  template <class Change, class Undo>
+  void change_header(Change change, Undo undo);
+  /// The entries of a field that stand on one page, brought into memory.
+  std::span<std::byte> entry_bytes(const field& of);
+  header_image<Precision> read_header_image();
+  /// Puts a copy with that header, and with everything behind the old one, in the file's place.
+  void replace_header(const header_image<Precision>& header);
+
   std::unique_ptr<file> file_;
+  wide path_;
+  bool read_only_;
   header_pages<Precision> header_;
   table_fields fields_;
   record_pages<Precision> records_;

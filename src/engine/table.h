@@ -53,6 +53,9 @@ class table {
   virtual std::uint64_t getFieldCount() = 0;
   /// An index equal to the count gives an empty name, a larger one "field index out of range".
   virtual wide getFieldName(std::uint64_t index) = 0;
+  /// An index beyond the count is refused with the same words, then the rules of field_name.h hold, also
+  /// for the field's own name, which writes nothing. The new name is in the file when this returns; a name
+  /// in several header pages needs a copy of the file (file_error "cannot create file").
   virtual void renameField(std::uint64_t index, const wide& name) = 0;
   /// Writes the page of the current row back.
   virtual void flushCurrentPage() = 0;
@@ -87,8 +90,14 @@ class table {
   virtual field_kind getFieldType(std::uint64_t index) = 0;
   virtual field_kind getFieldTypeByName(const wide& name) = 0;
   virtual std::uint64_t getFieldIndex(const wide& name) = 0;
+  // New fields have no place in the records: every row reads their default. They are in the file when the
+  // call returns their index; rows, the current row and its record stay. A header that needs another page
+  // takes a copy of the file, refused with file_error "cannot create file".
+  /// A default of the other width that the precision cannot hold throws com_error.
   virtual std::uint64_t addNumericField(const wide& name, float default_value) = 0;
   virtual std::uint64_t addNumericField(const wide& name, double default_value) = 0;
+  /// `width` in characters, rounded up to words of 4; 0 takes one word, a negative one is refused. The
+  /// default is cut to the words or filled with blanks.
   virtual std::uint64_t addAlphaField(const wide& name, std::int64_t width, const wide& default_value) = 0;
   /// Cuts the table to `rows`; false when it has fewer.
   virtual bool onSetRowCount(std::uint64_t rows) = 0;
@@ -109,6 +118,13 @@ class table {
   /// Changes of a table opened so stay in memory.
   bool isReadOnly() const noexcept { return is_read_only_; }
   virtual table_facts facts() = 0;
+
+  /// The header's names, description and owner: its text words, byte for byte.
+  virtual std::vector<std::byte> headerTexts() = 0;
+  /// Copies the current row's record as a new table of the same fields has it after every value was put
+  /// there: fields in their order, numbers in native order, texts put anew.
+  virtual void readFreshRecord(std::byte* buffer) = 0;
+  std::size_t recordBytes() const noexcept { return record_bytes_; }
 
   /// The place of a stored number of the current row, native byte order, for callers in a hurry; null
   /// when the long road has to be taken (text, implicit, other byte order, no row, bad index).

@@ -15,6 +15,19 @@ void put_wide_word(std::byte* word, std::string_view rest) noexcept {
   word[format::text_word_chars] = std::byte{0};
 }
 
+template <class Precision>
+void put_word(std::byte* word, std::string_view rest, bool all_empty) noexcept {
+  if constexpr (Precision::is_double) {
+    if (!all_empty) return put_wide_word(word, rest);
+  }
+  store_text<Precision>(word, rest);
+}
+
+std::string_view behind_one_word(std::string_view text) noexcept {
+  text.remove_prefix(std::min(text.size(), format::text_word_chars));
+  return text;
+}
+
 }  // namespace
 
 std::string text_of(const field& from, const std::byte* record, std::size_t word_bytes) {
@@ -33,23 +46,23 @@ template <class Precision>
 void put_text(const field& to, std::byte* record, std::string_view text) noexcept {
   const bool empty = text.empty();
   for (const atom& word : to.atoms) {
-    const std::string_view rest = text;
-    text.remove_prefix(std::min(text.size(), format::text_word_chars));
-    if (word.position == 0) continue;
-    std::byte* place = place_of(word, record, Precision::word_bytes);
-    if constexpr (Precision::is_double) {
-      if (empty) {
-        store_text<Precision>(place, {});
-      } else {
-        put_wide_word(place, rest);
-      }
-    } else {
-      store_text<Precision>(place, rest);
-    }
+    if (word.position != 0) put_word<Precision>(place_of(word, record, Precision::word_bytes), text, empty);
+    text = behind_one_word(text);
+  }
+}
+
+template <class Precision>
+void put_text(std::byte* first_word, std::size_t words, std::string_view text) noexcept {
+  const bool empty = text.empty();
+  for (std::size_t i = 0; i < words; ++i) {
+    put_word<Precision>(first_word + i * Precision::word_bytes, text, empty);
+    text = behind_one_word(text);
   }
 }
 
 template void put_text<single_precision>(const field&, std::byte*, std::string_view) noexcept;
 template void put_text<double_precision>(const field&, std::byte*, std::string_view) noexcept;
+template void put_text<single_precision>(std::byte*, std::size_t, std::string_view) noexcept;
+template void put_text<double_precision>(std::byte*, std::size_t, std::string_view) noexcept;
 
 }  // namespace ovf

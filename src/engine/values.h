@@ -36,4 +36,8 @@ std::string default_text_of(const field& from);
 template <class Precision>
 void put_text(const field& to, std::byte* record, std::string_view text) noexcept;
 
+/// The same into `words` words that stand one behind the other.
+template <class Precision>
+void put_text(std::byte* first_word, std::size_t words, std::string_view text) noexcept;
+
 }  // namespace ovf

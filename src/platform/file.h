@@ -37,7 +37,8 @@ enum class open_mode {
   edit_or_make,  ///< read and write, made when missing
   make_new,      ///< read and write, fails with `already_exists()` when there is one
   truncate,      ///< read and write, an existing file, emptied
-  scratch        ///< read and write, made exclusively, readable by its owner alone, shared with nobody
+  scratch,       ///< read and write, made exclusively, readable by its owner alone, shared with nobody
+  make_copy      ///< like scratch, but to stay: it shall take another file's place
 };
 
 enum class file_kind { missing, regular, other };
@@ -53,6 +54,15 @@ class file_system {
   virtual bool remove(wide_view name) noexcept = 0;
   /// Puts `from` in the place of `to` in one step.
   virtual bool replace(wide_view from, wide_view to) noexcept = 0;
+  /// The same for files in use: `copy` has `from` open and `own` has `to` open (null: nobody here does).
+  /// Refused while anybody else has `to` open, and when the name leads to another file by now. Then `own`
+  /// stays as it was, `copy` may be closed. Else `own`, unless null, has the new file open afterwards.
+  virtual bool replace_open(std::unique_ptr<file>& own, std::unique_ptr<file>& copy, wide_view from,
+                            wide_view to) noexcept = 0;
+  /// The file that an existing name leads to in the end, links followed, as an absolute path.
+  virtual bool resolve(wide_view name, wide& path) noexcept = 0;
+  /// Gives `to` the permissions of `from`, and its owner where the user may.
+  virtual bool carry_rights(wide_view from, wide_view to) noexcept = 0;
   /// Waits until a folder's entries stand on the disk.
   virtual bool sync_folder(wide_view folder) noexcept = 0;
   /// The system's folder for temporary files with a separator at its end; empty when there is none.
@@ -71,6 +81,8 @@ bool already_exists(std::uint32_t code) noexcept;
 
 /// A name in `folder` that begins with `prefix` and is not taken at the moment of the call.
 wide temporary_name(wide_view folder, wide_view prefix);
+/// What the names of files begin with that listings leave out; empty where the system has no such rule.
+wide_view hidden_prefix() noexcept;
 /// The part of a path up to and including its last separator; empty when it has none.
 wide_view folder_of(wide_view path) noexcept;
 /// Whether a path says where it begins by itself, whatever the current folder.

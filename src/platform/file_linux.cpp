@@ -1,88 +1,14 @@
 #include <fcntl.h>
-#include <sys/file.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <limits>
 
-#include "platform/file.h"
+#include "platform/file_descriptor_linux.h"
 #include "platform/system_error.h"
 
 namespace ovf {
 namespace {
-
-/// A file name for the system; false for a text that no file can be named by.
-bool system_name(wide_view name, std::string& converted) {
-  for (std::size_t i = 0; i < name.size(); ++i) {
-    const OLECHAR unit = name[i];
-    const bool high = unit >= 0xD800 && unit < 0xDC00;
-    const bool low = unit >= 0xDC00 && unit < 0xE000;
-    if (unit == 0 || low) return false;
-    if (!high) continue;
-    if (++i == name.size() || name[i] < 0xDC00 || name[i] >= 0xE000) return false;
-  }
-  converted = utf8_from_wide(name);
-  return true;
-}
-
-class descriptor_file final : public file {
- public:
-  explicit descriptor_file(int descriptor) : descriptor_(descriptor) {}
-  ~descriptor_file() override { ::close(descriptor_); }
-  descriptor_file(const descriptor_file&) = delete;
-  descriptor_file& operator=(const descriptor_file&) = delete;
-
-  bool size(std::uint64_t& bytes) noexcept override {
-    struct stat facts;
-    if (::fstat(descriptor_, &facts) != 0) return false;
-    bytes = static_cast<std::uint64_t>(facts.st_size);
-    return true;
-  }
-
-  bool seek(std::int64_t distance, seek_origin origin) noexcept override {
-    const int whence = origin == seek_origin::begin     ? SEEK_SET
-                       : origin == seek_origin::current ? SEEK_CUR
-                                                        : SEEK_END;
-    return ::lseek(descriptor_, distance, whence) >= 0;
-  }
-
-  bool read(std::span<std::byte> bytes, std::size_t& done) noexcept override {
-    done = 0;
-    while (done < bytes.size()) {
-      const ssize_t now = ::read(descriptor_, bytes.data() + done, bytes.size() - done);
-      if (now == 0) break;
-      if (now < 0 && errno == EINTR) continue;
-      if (now < 0) return false;
-      done += static_cast<std::size_t>(now);
-    }
-    return true;
-  }
-
-  bool write(std::span<const std::byte> bytes, std::size_t& done) noexcept override {
-    done = 0;
-    while (done < bytes.size()) {
-      const ssize_t now = ::write(descriptor_, bytes.data() + done, bytes.size() - done);
-      if (now < 0 && errno == EINTR) continue;
-      if (now <= 0) return false;
-      done += static_cast<std::size_t>(now);
-    }
-    return true;
-  }
-
-  bool set_end() noexcept override {
-    const off_t position = ::lseek(descriptor_, 0, SEEK_CUR);
-    return position >= 0 && ::ftruncate(descriptor_, position) == 0;
-  }
-
-  bool sync() noexcept override { return ::fsync(descriptor_) == 0; }
-
- private:
-  int descriptor_;
-};
 
 int flags_of(open_mode mode) noexcept {
   switch (mode) {
@@ -95,52 +21,64 @@ int flags_of(open_mode mode) noexcept {
       return O_RDWR | O_CREAT;
     case open_mode::make_new:
     case open_mode::scratch:
+    case open_mode::make_copy:
       return O_RDWR | O_CREAT | O_EXCL;
   }
   return O_RDONLY;
 }
 
-/// A table in use holds a shared lock, and whoever empties or replaces it asks for the exclusive one.
-/// File systems without locks let everybody pass.
-bool lock(int descriptor, open_mode mode) noexcept {
-  const int kind = mode == open_mode::truncate ? LOCK_EX : LOCK_SH;
-  return ::flock(descriptor, kind | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+bool refuse(int reason) noexcept {
+  errno = reason;
+  return false;
 }
 
-bool prepare(int descriptor, open_mode mode) noexcept {
+bool makes_anew(open_mode mode) noexcept { return (flags_of(mode) & O_EXCL) != 0; }
+
+/// A table in use holds a shared lock, and whoever empties or replaces it asks for the exclusive one.
+bool prepare(int descriptor, descriptor_file& opened, open_mode mode) noexcept {
   struct stat facts;
   if (::fstat(descriptor, &facts) != 0) return false;
-  if (!S_ISREG(facts.st_mode)) {
-    errno = S_ISDIR(facts.st_mode) ? EISDIR : EINVAL;
-    return false;
-  }
-  if (!lock(descriptor, mode)) return false;
-  if (mode != open_mode::truncate) return true;
+  if (!S_ISREG(facts.st_mode)) return refuse(S_ISDIR(facts.st_mode) ? EISDIR : EINVAL);
+  return opened.lock(mode == open_mode::truncate ? LOCK_EX : LOCK_SH);
+}
+
+bool empty(int descriptor, descriptor_file& opened) noexcept {
   if (::ftruncate(descriptor, 0) != 0) return false;
-  (void)::flock(descriptor, LOCK_SH | LOCK_NB);
+  (void)opened.lock(LOCK_SH);
   return true;
+}
+
+/// Null with ESTALE when somebody put another file in the place of the opened one before it was locked;
+/// `may_be_stale` takes what there is.
+std::unique_ptr<file> open_once(const std::string& path, open_mode mode, bool may_be_stale) {
+  const bool own_alone = mode == open_mode::scratch || mode == open_mode::make_copy;
+  // No advice on the order of access: segments are long, and walks from row to row want the read-ahead.
+  // Without O_NONBLOCK a pipe under the file's name would hold the caller up.
+  const int descriptor = ::open(path.c_str(), flags_of(mode) | O_CLOEXEC | O_NONBLOCK | O_NOCTTY,
+                                own_alone ? mode_t{0600} : mode_t{0666});
+  if (descriptor < 0) return nullptr;
+  auto opened = std::make_unique<descriptor_file>(descriptor);
+  const bool usable = prepare(descriptor, *opened, mode) &&
+                      (may_be_stale || opened->stands_at(path) || refuse(ESTALE)) &&
+                      (mode != open_mode::truncate || empty(descriptor, *opened));
+  if (usable) return opened;
+  const int reason = errno;
+  opened.reset();
+  errno = reason;
+  return nullptr;
 }
 
 class linux_files final : public file_system {
  public:
   std::unique_ptr<file> open(wide_view name, open_mode mode) noexcept override try {
     std::string path;
-    if (!system_name(name, path)) {
-      errno = ENOENT;
-      return nullptr;
+    if (!system_name(name, path)) return nullptr;
+    // Some network file systems number one file differently from call to call: they get their way.
+    constexpr int most_tries = 5;
+    for (int tries = 1;; ++tries) {
+      auto opened = open_once(path, mode, makes_anew(mode) || tries == most_tries);
+      if (opened != nullptr || errno != ESTALE || tries == most_tries) return opened;
     }
-    const mode_t rights = mode == open_mode::scratch ? 0600 : 0666;
-    // No advice on the order of access: segments are long, and walks from row to row want the read-ahead.
-    // Without O_NONBLOCK a pipe under the file's name would hold the caller up.
-    const int descriptor = ::open(path.c_str(), flags_of(mode) | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, rights);
-    if (descriptor < 0) return nullptr;
-    if (!prepare(descriptor, mode)) {
-      const int reason = errno;
-      ::close(descriptor);
-      errno = reason;
-      return nullptr;
-    }
-    return std::make_unique<descriptor_file>(descriptor);
   } catch (...) {
     errno = ENOMEM;
     return nullptr;
@@ -157,10 +95,7 @@ class linux_files final : public file_system {
 
   bool remove(wide_view name) noexcept override try {
     std::string path;
-    if (!system_name(name, path)) {
-      errno = ENOENT;
-      return false;
-    }
+    if (!system_name(name, path)) return false;
     return ::unlink(path.c_str()) == 0;
   } catch (...) {
     errno = ENOMEM;
@@ -170,22 +105,25 @@ class linux_files final : public file_system {
   bool replace(wide_view from, wide_view to) noexcept override try {
     std::string old_path;
     std::string new_path;
-    if (!system_name(from, old_path) || !system_name(to, new_path)) {
-      errno = ENOENT;
-      return false;
-    }
+    if (!system_name(from, old_path) || !system_name(to, new_path)) return false;
     return std::rename(old_path.c_str(), new_path.c_str()) == 0;
   } catch (...) {
     errno = ENOMEM;
     return false;
   }
 
+  bool replace_open(std::unique_ptr<file>& own, std::unique_ptr<file>& copy, wide_view from,
+                    wide_view to) noexcept override {
+    return replace_open_file(own, copy, from, to);
+  }
+
+  bool resolve(wide_view name, wide& path) noexcept override { return resolve_file(name, path); }
+
+  bool carry_rights(wide_view from, wide_view to) noexcept override { return carry_file_rights(from, to); }
+
   bool sync_folder(wide_view folder) noexcept override try {
     std::string path;
-    if (!system_name(folder, path)) {
-      errno = ENOENT;
-      return false;
-    }
+    if (!system_name(folder, path)) return false;
     const int descriptor = ::open(path.empty() ? "." : path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (descriptor < 0) return false;
     const bool done = ::fsync(descriptor) == 0;
@@ -212,6 +150,21 @@ file_system& system_files() noexcept {
   static linux_files real;
   return real;
 }
+
+bool system_name(wide_view name, std::string& converted) {
+  for (std::size_t i = 0; i < name.size(); ++i) {
+    const OLECHAR unit = name[i];
+    const bool high = unit >= 0xD800 && unit < 0xDC00;
+    const bool low = unit >= 0xDC00 && unit < 0xE000;
+    if (unit == 0 || low) return refuse(ENOENT);
+    if (!high) continue;
+    if (++i == name.size() || name[i] < 0xDC00 || name[i] >= 0xE000) return refuse(ENOENT);
+  }
+  converted = utf8_from_wide(name);
+  return true;
+}
+
+wide_view hidden_prefix() noexcept { return u"."; }
 
 bool already_exists(std::uint32_t code) noexcept { return code == EEXIST; }
 

@@ -1,54 +1,7 @@
-#include "platform/file.h"
-#include "platform/system_error.h"
+#include "platform/file_handle_windows.h"
 
 namespace ovf {
 namespace {
-
-class handle_file final : public file {
- public:
-  explicit handle_file(HANDLE handle) : handle_(handle) {}
-  ~handle_file() override { CloseHandle(handle_); }
-  handle_file(const handle_file&) = delete;
-  handle_file& operator=(const handle_file&) = delete;
-
-  bool size(std::uint64_t& bytes) noexcept override {
-    LARGE_INTEGER value;
-    if (!GetFileSizeEx(handle_, &value)) return false;
-    bytes = static_cast<std::uint64_t>(value.QuadPart);
-    return true;
-  }
-
-  bool seek(std::int64_t distance, seek_origin origin) noexcept override {
-    LARGE_INTEGER target;
-    target.QuadPart = distance;
-    const DWORD method = origin == seek_origin::begin     ? FILE_BEGIN
-                         : origin == seek_origin::current ? FILE_CURRENT
-                                                          : FILE_END;
-    return SetFilePointerEx(handle_, target, nullptr, method) != 0;
-  }
-
-  bool read(std::span<std::byte> bytes, std::size_t& done) noexcept override {
-    DWORD count = 0;
-    const bool worked =
-        ReadFile(handle_, bytes.data(), static_cast<DWORD>(bytes.size()), &count, nullptr) != 0;
-    done = count;
-    return worked;
-  }
-
-  bool write(std::span<const std::byte> bytes, std::size_t& done) noexcept override {
-    DWORD count = 0;
-    const bool worked =
-        WriteFile(handle_, bytes.data(), static_cast<DWORD>(bytes.size()), &count, nullptr) != 0;
-    done = count;
-    return worked;
-  }
-
-  bool set_end() noexcept override { return SetEndOfFile(handle_) != 0; }
-  bool sync() noexcept override { return FlushFileBuffers(handle_) != 0; }
-
- private:
-  HANDLE handle_;
-};
 
 struct open_choice {
   DWORD access;
@@ -70,20 +23,12 @@ open_choice choice_of(open_mode mode) noexcept {
       return {both, FILE_SHARE_READ, CREATE_NEW, FILE_ATTRIBUTE_NORMAL};
     case open_mode::truncate:
       return {both, FILE_SHARE_READ, TRUNCATE_EXISTING, FILE_ATTRIBUTE_NORMAL};
+    case open_mode::make_copy:
+      return {both, 0, CREATE_NEW, FILE_ATTRIBUTE_NORMAL};
     case open_mode::scratch:
       return {both, 0, CREATE_NEW, FILE_ATTRIBUTE_TEMPORARY};
   }
   return {GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL};
-}
-
-/// A name without inner zeros, ended by one.
-bool system_name(wide_view name, wide& converted) {
-  if (name.empty() || name.find(L'\0') != wide_view::npos) {
-    SetLastError(ERROR_INVALID_NAME);
-    return false;
-  }
-  converted = name;
-  return true;
 }
 
 class windows_files final : public file_system {
@@ -136,6 +81,15 @@ class windows_files final : public file_system {
     return false;
   }
 
+  bool replace_open(std::unique_ptr<file>& own, std::unique_ptr<file>& copy, wide_view from,
+                    wide_view to) noexcept override {
+    return replace_open_file(own, copy, from, to);
+  }
+
+  bool resolve(wide_view name, wide& path) noexcept override { return resolve_file(name, path); }
+
+  bool carry_rights(wide_view from, wide_view to) noexcept override { return carry_file_rights(from, to); }
+
   // The write-through of `replace` stands for it: the system has no flush for folders.
   bool sync_folder(wide_view) noexcept override { return true; }
 
@@ -152,6 +106,17 @@ file_system& system_files() noexcept {
   static windows_files real;
   return real;
 }
+
+bool system_name(wide_view name, wide& converted) {
+  if (name.empty() || name.find(L'\0') != wide_view::npos) {
+    SetLastError(ERROR_INVALID_NAME);
+    return false;
+  }
+  converted = name;
+  return true;
+}
+
+wide_view hidden_prefix() noexcept { return {}; }
 
 bool already_exists(std::uint32_t code) noexcept {
   return code == ERROR_FILE_EXISTS || code == ERROR_ALREADY_EXISTS;

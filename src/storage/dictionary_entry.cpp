@@ -51,9 +51,20 @@ void store_entry_name(entry_span<Precision> entry, std::string_view name) noexce
   }
 }
 
+template <class Precision>
+void start_entry(entry_span<Precision> entry, std::string_view name, char type) noexcept {
+  std::memset(entry.data(), 0, entry.size());
+  std::byte* type_word = entry.data() + format::entry_type * Precision::word_bytes;
+  std::memset(type_word, ' ', format::text_word_chars);
+  *type_word = static_cast<std::byte>(type);
+  store_entry_name<Precision>(entry, name);
+}
+
 template std::string load_entry_name<single_precision>(const_entry_span<single_precision>);
 template std::string load_entry_name<double_precision>(const_entry_span<double_precision>);
 template void store_entry_name<single_precision>(entry_span<single_precision>, std::string_view) noexcept;
 template void store_entry_name<double_precision>(entry_span<double_precision>, std::string_view) noexcept;
+template void start_entry<single_precision>(entry_span<single_precision>, std::string_view, char) noexcept;
+template void start_entry<double_precision>(entry_span<double_precision>, std::string_view, char) noexcept;
 
 }  // namespace ovf

@@ -25,6 +25,10 @@ std::string load_entry_name(const_entry_span<Precision> entry);
 template <class Precision>
 void store_entry_name(entry_span<Precision> entry, std::string_view name) noexcept;
 
+/// Makes an entry anew: name and type ('A' or 'N'), everything else 0.
+template <class Precision>
+void start_entry(entry_span<Precision> entry, std::string_view name, char type) noexcept;
+
 /// 'A' marks text; every other character is numeric.
 template <class Precision>
 bool is_alphanumeric(const_entry_span<Precision> entry) noexcept {

@@ -23,6 +23,7 @@ inline constexpr std::size_t description_word = 4;
 inline constexpr std::size_t description_words = 16;
 inline constexpr std::size_t description_words_read = 15;  ///< what readers show of them
 inline constexpr std::size_t owner_word = 20;
+inline constexpr std::size_t text_words = 22;  ///< names, description and owner
 inline constexpr std::size_t zero_word = 22;
 inline constexpr std::size_t two_word = 23;
 inline constexpr std::size_t mark_word = 24;
@@ -47,6 +48,15 @@ constexpr std::size_t header_pages(std::size_t atoms) noexcept {
 }
 static_assert(header_pages(64) == 1 && header_pages(68) == 1 && header_pages(69) == 2);
 static_assert(header_pages(140) == 2 && header_pages(141) == 3);
+
+/// Where the dictionary entry of an atom stands: its header page, and its first word there.
+constexpr std::size_t entry_page(std::size_t atom) noexcept {
+  return (atom + file_header_entries) * entry_words / header_page_words;
+}
+constexpr std::size_t entry_word_on_page(std::size_t atom) noexcept {
+  return (atom + file_header_entries) * entry_words % header_page_words;
+}
+static_assert(entry_page(67) == 0 && entry_page(68) == 1 && entry_word_on_page(68) == 0);
 
 /// Records of `record_words` words each that fit a page; 0 for a record without words.
 constexpr std::size_t records_per_page(std::size_t record_words) noexcept {

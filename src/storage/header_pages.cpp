@@ -24,10 +24,15 @@ std::string header_pages<Precision>::characters(std::size_t header_word, std::si
 }
 
 template <class Precision>
+std::vector<std::byte> header_pages<Precision>::words(std::size_t header_word, std::size_t count) {
+  const std::byte* first = page(0) + header_word * Precision::word_bytes;
+  return {first, first + count * Precision::word_bytes};
+}
+
+template <class Precision>
 entry_span<Precision> header_pages<Precision>::entry(std::size_t atom) {
-  const std::size_t word = (atom + format::file_header_entries) * format::entry_words;
   std::byte* bytes =
-      page(word / format::header_page_words) + word % format::header_page_words * Precision::word_bytes;
+      page(format::entry_page(atom)) + format::entry_word_on_page(atom) * Precision::word_bytes;
   return entry_span<Precision>(bytes, format::entry_words * Precision::word_bytes);
 }
 

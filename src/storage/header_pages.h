@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "storage/dictionary_entry.h"
 #include "storage/segment_map.h"
@@ -27,6 +28,8 @@ class header_pages {
   std::string texts(std::size_t header_word, std::size_t words);
   /// The same characters as they stand.
   std::string characters(std::size_t header_word, std::size_t words);
+  /// The bytes of consecutive words of page 0.
+  std::vector<std::byte> words(std::size_t header_word, std::size_t count);
   /// The entry of an atom. The bytes stay until another page is asked for.
   entry_span<Precision> entry(std::size_t atom);
 
@@ -35,6 +38,8 @@ class header_pages {
   void flush();
   /// Drops the page in memory with its changes.
   void forget() noexcept { map_.forget(); }
+  /// Goes on with another open file, which nothing was read from yet.
+  void turn_to(file& target) noexcept { map_.turn_to(target); }
   byte_order order() const noexcept { return order_; }
 
  private:

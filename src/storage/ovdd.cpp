@@ -78,10 +78,7 @@ entry_span<Precision> basic_ovdd<Precision>::add_atom(std::string_view name, cha
   ++atoms_;
   pages_.resize(format::header_pages(atoms_) * Precision::page_bytes);
   const entry_span<Precision> entry(word(first_word), format::entry_words * Precision::word_bytes);
-  std::byte* type_word = entry_word<Precision>(entry, format::entry_type);
-  std::memset(type_word, ' ', format::text_word_chars);
-  *type_word = static_cast<std::byte>(type);
-  store_entry_name<Precision>(entry, name);
+  start_entry<Precision>(entry, name, type);
   const std::size_t position = stored ? ++stored_words_ : 0;
   store_number<Precision>(entry_word<Precision>(entry, format::entry_position), static_cast<number>(position),
                           byte_order::native);

@@ -31,6 +31,8 @@ class record_pages {
   void mark_changed() noexcept { map_->mark_changed(); }
   void flush() { map_->flush(); }
   void forget() noexcept { map_->forget(); }
+  /// Goes on with another open file, which nothing was read from yet.
+  void turn_to(file& target) noexcept { map_->turn_to(target); }
 
  private:
   using map = fileSegmentMap<Precision::page_bytes * Precision::segment_pages>;

@@ -99,6 +99,12 @@ void fileSegmentMap<N>::forget() noexcept {
 }
 
 template <std::size_t N>
+void fileSegmentMap<N>::turn_to(file& target) noexcept {
+  forget();
+  file_ = &target;
+}
+
+template <std::size_t N>
 void fileSegmentMap<N>::mark_changed() noexcept {
   if (!may_write_) return;
   writable_ = true;

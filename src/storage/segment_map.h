@@ -37,6 +37,8 @@ class fileSegmentMap {
   void flush();
   /// Drops the segment with whatever was not flushed.
   void forget() noexcept;
+  /// Forgets, and goes on with another file.
+  void turn_to(file& target) noexcept;
   /// Says that the buffer was changed; no effect on a map that may not write.
   void mark_changed() noexcept;
 

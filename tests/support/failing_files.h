@@ -21,7 +21,7 @@ namespace ovtest {
 /// The code that failing calls leave: input/output error on Linux, access denied on Windows.
 inline constexpr ovf::system_code failing_code = 5;
 
-enum class call { open, size, seek, read, write, set_end, sync, remove, replace };
+enum class call { open, size, seek, read, write, set_end, sync, remove, replace, resolve, rights };
 
 /// What becomes of one call.
 enum class fate {
@@ -89,6 +89,17 @@ class failing_files final : public ovf::file_system {
   bool replace(ovf::wide_view from, ovf::wide_view to) noexcept override {
     return shared_->ask(call::replace, to) == fate::works && ovf::system_files().replace(from, to);
   }
+  bool replace_open(std::unique_ptr<ovf::file>& own, std::unique_ptr<ovf::file>& copy, ovf::wide_view from,
+                    ovf::wide_view to) noexcept override {
+    if (shared_->ask(call::replace, to) != fate::works) return false;
+    return ovf::system_files().replace_open(real_of(own), real_of(copy), from, to);
+  }
+  bool resolve(ovf::wide_view name, ovf::wide& path) noexcept override {
+    return shared_->ask(call::resolve, name) == fate::works && ovf::system_files().resolve(name, path);
+  }
+  bool carry_rights(ovf::wide_view from, ovf::wide_view to) noexcept override {
+    return shared_->ask(call::rights, to) == fate::works && ovf::system_files().carry_rights(from, to);
+  }
   bool sync_folder(ovf::wide_view folder) noexcept override {
     return shared_->ask(call::sync, folder) == fate::works && ovf::system_files().sync_folder(folder);
   }
@@ -128,11 +139,19 @@ class failing_files final : public ovf::file_system {
     }
     bool sync() noexcept override { return owner_->ask(call::sync, name_) == fate::works && real_->sync(); }
 
+    std::unique_ptr<ovf::file>& real() noexcept { return real_; }
+
    private:
     std::shared_ptr<shared> owner_;
     ovf::wide name_;
     std::unique_ptr<ovf::file> real_;
   };
+
+  /// The system's own file, which a file that was opened before this was in use is itself.
+  static std::unique_ptr<ovf::file>& real_of(std::unique_ptr<ovf::file>& opened) noexcept {
+    auto* known = dynamic_cast<watched*>(opened.get());
+    return known != nullptr ? known->real() : opened;
+  }
 
   ovf::file_system* before_ = nullptr;
 };

@@ -1,0 +1,91 @@
+// Open files and file names of Linux, for what implements platform/file.h there.
+#pragma once
+
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <memory>
+#include <string>
+
+#include "platform/file.h"
+
+namespace ovf {
+
+/// A file name for the system; false, with ENOENT, for a text that no file can be named by.
+bool system_name(wide_view name, std::string& converted);
+
+/// An open file. While it is open it holds a shared lock, by which others see that it is in use.
+class descriptor_file final : public file {
+ public:
+  explicit descriptor_file(int descriptor) : descriptor_(descriptor) {}
+  ~descriptor_file() override { ::close(descriptor_); }
+  descriptor_file(const descriptor_file&) = delete;
+  descriptor_file& operator=(const descriptor_file&) = delete;
+
+  bool size(std::uint64_t& bytes) noexcept override {
+    struct stat facts;
+    if (::fstat(descriptor_, &facts) != 0) return false;
+    bytes = static_cast<std::uint64_t>(facts.st_size);
+    return true;
+  }
+
+  bool seek(std::int64_t distance, seek_origin origin) noexcept override {
+    const int whence = origin == seek_origin::begin     ? SEEK_SET
+                       : origin == seek_origin::current ? SEEK_CUR
+                                                        : SEEK_END;
+    return ::lseek(descriptor_, distance, whence) >= 0;
+  }
+
+  bool read(std::span<std::byte> bytes, std::size_t& done) noexcept override {
+    done = 0;
+    while (done < bytes.size()) {
+      const ssize_t now = ::read(descriptor_, bytes.data() + done, bytes.size() - done);
+      if (now == 0) break;
+      if (now < 0 && errno == EINTR) continue;
+      if (now < 0) return false;
+      done += static_cast<std::size_t>(now);
+    }
+    return true;
+  }
+
+  bool write(std::span<const std::byte> bytes, std::size_t& done) noexcept override {
+    done = 0;
+    while (done < bytes.size()) {
+      const ssize_t now = ::write(descriptor_, bytes.data() + done, bytes.size() - done);
+      if (now < 0 && errno == EINTR) continue;
+      if (now <= 0) return false;
+      done += static_cast<std::size_t>(now);
+    }
+    return true;
+  }
+
+  bool set_end() noexcept override {
+    const off_t position = ::lseek(descriptor_, 0, SEEK_CUR);
+    return position >= 0 && ::ftruncate(descriptor_, position) == 0;
+  }
+
+  bool sync() noexcept override { return ::fsync(descriptor_) == 0; }
+
+  /// Asks for a lock without waiting; file systems without locks let everybody pass.
+  bool lock(int kind) noexcept { return ::flock(descriptor_, kind | LOCK_NB) == 0 || errno != EWOULDBLOCK; }
+  /// Whether the path still leads to this file.
+  bool stands_at(const std::string& path) const noexcept {
+    struct stat here;
+    struct stat there;
+    return ::fstat(descriptor_, &here) == 0 && ::stat(path.c_str(), &there) == 0 &&
+           here.st_dev == there.st_dev && here.st_ino == there.st_ino;
+  }
+
+ private:
+  int descriptor_;
+};
+
+/// What `file_system` says of these names.
+bool resolve_file(wide_view name, wide& path) noexcept;
+bool carry_file_rights(wide_view from, wide_view to) noexcept;
+bool replace_open_file(std::unique_ptr<file>& own, std::unique_ptr<file>& copy, wide_view from,
+                       wide_view to) noexcept;
+
+}  // namespace ovf

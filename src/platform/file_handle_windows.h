@@ -1,0 +1,68 @@
+// Open files and file names of Windows, for what implements platform/file.h there.
+#pragma once
+
+#include "platform/file.h"
+#include "platform/system_error.h"
+
+namespace ovf {
+
+/// A name without inner zeros, ended by one; false, with ERROR_INVALID_NAME, for one that no file has.
+bool system_name(wide_view name, wide& converted);
+
+/// An open file.
+class handle_file final : public file {
+ public:
+  explicit handle_file(HANDLE handle) : handle_(handle) {}
+  ~handle_file() override { CloseHandle(handle_); }
+  handle_file(const handle_file&) = delete;
+  handle_file& operator=(const handle_file&) = delete;
+
+  bool size(std::uint64_t& bytes) noexcept override {
+    LARGE_INTEGER value;
+    if (!GetFileSizeEx(handle_, &value)) return false;
+    bytes = static_cast<std::uint64_t>(value.QuadPart);
+    return true;
+  }
+
+  bool seek(std::int64_t distance, seek_origin origin) noexcept override {
+    LARGE_INTEGER target;
+    target.QuadPart = distance;
+    const DWORD method = origin == seek_origin::begin     ? FILE_BEGIN
+                         : origin == seek_origin::current ? FILE_CURRENT
+                                                          : FILE_END;
+    return SetFilePointerEx(handle_, target, nullptr, method) != 0;
+  }
+
+  bool read(std::span<std::byte> bytes, std::size_t& done) noexcept override {
+    DWORD count = 0;
+    const bool worked =
+        ReadFile(handle_, bytes.data(), static_cast<DWORD>(bytes.size()), &count, nullptr) != 0;
+    done = count;
+    return worked;
+  }
+
+  bool write(std::span<const std::byte> bytes, std::size_t& done) noexcept override {
+    DWORD count = 0;
+    const bool worked =
+        WriteFile(handle_, bytes.data(), static_cast<DWORD>(bytes.size()), &count, nullptr) != 0;
+    done = count;
+    return worked;
+  }
+
+  bool set_end() noexcept override { return SetEndOfFile(handle_) != 0; }
+  bool sync() noexcept override { return FlushFileBuffers(handle_) != 0; }
+
+  /// For a file that was made with INVALID_HANDLE_VALUE, on which everything fails.
+  void take(HANDLE handle) noexcept { handle_ = handle; }
+
+ private:
+  HANDLE handle_;
+};
+
+/// What `file_system` says of these names.
+bool resolve_file(wide_view name, wide& path) noexcept;
+bool carry_file_rights(wide_view from, wide_view to) noexcept;
+bool replace_open_file(std::unique_ptr<file>& own, std::unique_ptr<file>& copy, wide_view from,
+                       wide_view to) noexcept;
+
+}  // namespace ovf

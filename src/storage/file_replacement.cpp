@@ -1,0 +1,72 @@
+#include "storage/file_replacement.h"
+
+#include "platform/system_error.h"
+#include "storage/file_copy.h"
+
+namespace ovf {
+
+file_replacement::~file_replacement() { discard(); }
+
+bool file_replacement::begin() noexcept try {
+  wide behind_links;
+  if (!files().resolve(target_, behind_links)) return false;
+  target_ = std::move(behind_links);
+  beside_ = make(folder_of(target_));
+  if (beside_) return true;
+  const system_code reason = last_system_error();
+  const wide temporary = files().temporary_folder();
+  if ((!temporary.empty() && make(temporary)) || make({})) return true;
+  set_last_system_error(reason);
+  return false;
+} catch (...) {
+  return false;
+}
+
+bool file_replacement::make(wide_view folder) {
+  const wide prefix = wide(hidden_prefix()) + OLESTR("NEW");
+  wide name = absolute_path(temporary_name(folder, prefix));
+  copy_ = files().open(name, open_mode::make_copy);
+  if (copy_ == nullptr) return false;
+  copy_name_ = std::move(name);
+  return true;
+}
+
+bool file_replacement::bring_beside() {
+  const wide elsewhere = copy_name_;
+  std::unique_ptr<file> source = std::move(copy_);
+  if (!make(folder_of(target_))) return false;
+  beside_ = true;
+  const bool copied = copy_from(*source, 0, *copy_);
+  source.reset();
+  files().remove(elsewhere);
+  return copied;
+}
+
+bool file_replacement::commit(std::unique_ptr<file>& own) noexcept try {
+  if (copy_ == nullptr) copy_ = files().open(copy_name_, open_mode::edit);
+  if (copy_ == nullptr || (!beside_ && !bring_beside())) return false;
+  if (!files().carry_rights(target_, copy_name_) || !copy_->sync()) return false;
+  if (!files().replace_open(own, copy_, copy_name_, target_)) return false;
+  copy_name_.clear();
+  copy_.reset();
+  // The file stands under its name either way; a folder that cannot wait leaves the moment to the system.
+  (void)files().sync_folder(folder_of(target_));
+  return true;
+} catch (...) {
+  return false;
+}
+
+bool file_replacement::commit() noexcept {
+  std::unique_ptr<file> nobody;
+  return commit(nobody);
+}
+
+void file_replacement::discard() noexcept {
+  if (copy_name_.empty()) return;
+  const system_code reason = last_system_error();
+  copy_.reset();
+  files().remove(copy_name_);
+  set_last_system_error(reason);
+}
+
+}  // namespace ovf
