@@ -5,17 +5,23 @@
 //   ov_schema_fields.cpp        one field at a time, look-up by name
 //   ov_schema_columns.cpp       appending whole fields
 //   ov_schema_properties.cpp    latch, description, precision, special values
-//   ov_schema_later.cpp         methods that are not there yet
+//   ov_schema_templates.cpp     kind of table (type_hint.h), standard fields of the common kinds
+//   ov_schema_xml.cpp           the XML form (schema_xml_writer.h, schema_xml_reader.h)
+//   ov_schema_merge.cpp         fields of another schema
+//   ov_schema_long_names.cpp    the user's choice of long field names
 //   schema_filling.h            what table objects need beyond the published interfaces
 #pragma once
 
 #include "platform/object.h"
 #include "platform/text.h"
+#include "schema/refusals.h"
 #include "schema/schema_fields.h"
 #include "schema/schema_filling.h"
 #include "server/report_error.h"
 
 namespace ovf {
+
+inline constexpr LONG widest_text = 1'048'576;  ///< characters of a field
 
 /// `IOvSchema` and the two operations that stand behind it in the table of functions, known to C++
 /// callers alone.
@@ -104,6 +110,7 @@ class COvSchema final
   HRESULT STDMETHODCALLTYPE Reserved8() override { return E_NOTIMPL; }
 
   void STDMETHODCALLTYPE begin_filling() noexcept override;
+  std::uint64_t STDMETHODCALLTYPE field_stamp() noexcept override { return fields_.stamp(); }
 
  private:
   friend component_class;
@@ -125,10 +132,14 @@ class COvSchema final
   HRESULT append_numeric(BSTR name, double default_value, LONG implicit);
   HRESULT append_text(BSTR name, LONG length, wide_view default_value, LONG implicit);
 
+  /// Throws MyExceptionClass for what Merge refuses.
+  void check_mergeable(IOvSchema* other) const;
+
   bool read_only_ = false;  ///< a latch: never cleared once set, but for `begin_filling`
   schema_fields fields_;
   wide description_;
-  LONG double_precision_ = 0;  ///< as given; not 0 means 8-byte words
+  OvFileType type_hint_ = ovNothing;  ///< once it was asked for
+  LONG double_precision_ = 0;         ///< as given; not 0 means 8-byte words
 };
 
 }  // namespace ovf

@@ -7,7 +7,6 @@ namespace ovf {
 namespace {
 
 constexpr std::size_t most_fields = 256;  ///< as many as the dictionary of a table has room for
-constexpr long long widest_text = 1'048'576;
 constexpr LONG usual_length = 8;
 constexpr LONG word_characters = 4;  ///< a text takes whole words
 

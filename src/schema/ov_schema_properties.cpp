@@ -1,19 +1,8 @@
 #include "schema/ov_schema.h"
+#include "schema/special_values.h"
 #include "storage/file_error.h"
 
 namespace ovf {
-
-namespace {
-
-// The markers of the table format. Absent and bottom are one.
-constexpr double absent_value = -1.0e30;
-constexpr double top_value = 1.0e30;
-constexpr double trace_value = 1.0e-30;
-
-/// What a file of 4-byte words makes of it.
-constexpr double in_single(double value) noexcept { return static_cast<double>(static_cast<float>(value)); }
-
-}  // namespace
 
 HRESULT COvSchema::get_ReadOnly(VARIANT_BOOL* pVal) {
   if (pVal == nullptr) return E_POINTER;

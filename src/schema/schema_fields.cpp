@@ -1,8 +1,14 @@
 #include "schema/schema_fields.h"
 
 #include <algorithm>
+#include <atomic>
 
 namespace ovf {
+
+std::uint64_t schema_fields::new_stamp() noexcept {
+  static std::atomic<std::uint64_t> last{0};
+  return ++last;
+}
 
 void schema_fields::reserve(std::size_t slots) noexcept { reserved_ = std::max(reserved_, slots); }
 
@@ -22,6 +28,7 @@ const schema_field* schema_fields::readable(LONG index) const noexcept {
 schema_field* schema_fields::writable(LONG index) {
   std::size_t position = 0;
   if (!has_slot(index, position) || position > fields_.size()) return nullptr;
+  stamp_ = new_stamp();
   if (position == fields_.size()) fields_.emplace_back();
   return &fields_[position];
 }
@@ -33,6 +40,7 @@ std::size_t schema_fields::find(std::string_view name) const noexcept {
 }
 
 void schema_fields::clear() noexcept {
+  stamp_ = new_stamp();
   fields_.clear();
   reserved_ = 0;
 }

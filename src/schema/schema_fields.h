@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
 #include <vector>
 
@@ -26,14 +27,22 @@ class schema_fields {
   /// The first field of exactly this name, 0 when there is none.
   std::size_t find(std::string_view name) const noexcept;
 
+  auto begin() const noexcept { return fields_.begin(); }
+  auto end() const noexcept { return fields_.end(); }
+
   void clear() noexcept;
+
+  /// Changes whenever a field may have changed; no two lists of fields ever show the same one.
+  std::uint64_t stamp() const noexcept { return stamp_; }
 
  private:
   /// Whether a slot is reserved for the index; `position` counts from 0.
   bool has_slot(LONG index, std::size_t& position) const noexcept;
+  static std::uint64_t new_stamp() noexcept;
 
   std::vector<schema_field> fields_;
   std::size_t reserved_ = 0;
+  std::uint64_t stamp_ = new_stamp();
 };
 
 }  // namespace ovf

@@ -1,4 +1,5 @@
-// The tests of this program leave the user's registry and session alone.
+// The tests of this program leave the user's registry and session alone. A test that starts its program
+// again shares its own with it by naming their folder in OVFILE_ASKED_IN.
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
@@ -10,11 +11,15 @@ namespace {
 class own_settings : public testing::Environment {
  public:
   void SetUp() override {
+    const char* shared = getenv("OVFILE_ASKED_IN");
+    if (shared != nullptr && *shared != '\0') {
+      use(shared);
+      return;
+    }
     std::string pattern = testing::TempDir() + "ovfile-settings-XXXXXX";
     ASSERT_NE(mkdtemp(pattern.data()), nullptr);
     folder_ = pattern;
-    setenv("OVFILE_REGISTRY", (folder_ / "registry.reg").c_str(), 1);
-    setenv("OVFILE_ATOMS", (folder_ / "atoms").c_str(), 1);
+    use(folder_);
   }
   void TearDown() override {
     std::error_code ignored;
@@ -22,6 +27,11 @@ class own_settings : public testing::Environment {
   }
 
  private:
+  static void use(const std::filesystem::path& folder) {
+    setenv("OVFILE_REGISTRY", (folder / "registry.reg").c_str(), 1);
+    setenv("OVFILE_ATOMS", (folder / "atoms").c_str(), 1);
+  }
+
   std::filesystem::path folder_;
 };
 

@@ -135,22 +135,5 @@ TEST_F(schema_properties, filling_empties_the_list_and_opens_the_latch) {
   EXPECT_EQ(S_OK, add_number("B"));
 }
 
-TEST_F(schema_properties, are_refused_only_where_they_are_not_there_yet) {
-  OvFileType kind = ovString;
-  bstr xml;
-  LONG length = 5;
-  VARIANT_BOOL truth = 5;
-  EXPECT_EQ(E_NOTIMPL, schema_->get_TypeHint(&kind));
-  EXPECT_EQ(0, kind);
-  EXPECT_EQ(E_NOTIMPL, schema_->GetSchemaAsXML(xml.out()));
-  EXPECT_EQ(E_NOTIMPL, schema_->get_FieldNameMaxLength(&length));
-  EXPECT_EQ(0, length);
-  EXPECT_EQ(E_NOTIMPL, schema_->get_UseLongFieldNames(&truth));
-  EXPECT_EQ(0, truth);
-  EXPECT_EQ(E_NOTIMPL, schema_->CreatePointsFile());
-  EXPECT_EQ(E_NOTIMPL, schema_->Merge(nullptr, ovSchemaMergeModeAll));
-  EXPECT_EQ(E_POINTER, schema_->get_TypeHint(nullptr));
-}
-
 }  // namespace
 }  // namespace ovtest
