@@ -9,14 +9,9 @@
 #include <string>
 
 #include "platform/variant.h"
+#include "require.h"
 
 namespace {
-
-void require(bool truth, const char* what) {
-  if (truth) return;
-  std::fprintf(stderr, "not so: %s\n", what);
-  std::abort();
-}
 
 /// The bytes as Windows-1252, or as UTF-16 when the first one is odd.
 ovf::wide text_of(const std::uint8_t* data, std::size_t size) {
