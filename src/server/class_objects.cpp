@@ -2,6 +2,7 @@
 #include "platform/object.h"
 #include "schema/ov_schema.h"
 #include "table/ov_table.h"
+#include "table/ov_table_ado.h"
 
 namespace ovf {
 
@@ -50,6 +51,7 @@ class class_object final : public IClassFactory {
 class_object class_objects[] = {
     {CLSID_OvTable, &COvTable::create},
     {CLSID_OvSchema, &COvSchema::create},
+    {CLSID_OvTableADO, &COvTableADO::create},
 };
 
 }  // namespace

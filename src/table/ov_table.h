@@ -5,10 +5,17 @@
 //   ov_table.cpp             opening, closing, making, name and schema
 //   ov_table_cursor.cpp      the cursor and rows
 //   ov_table_columns.cpp     values of the current row
-//   ov_table_later.cpp       methods that are not there yet
+//   ov_table_ranges.cpp      smallest and largest values of the columns
+//   ov_table_fields.cpp      names and defaults of fields, implicit fields
+//   ov_table_filter.cpp      which rows pass an expression
+//   ov_table_signature.cpp   digests of shape and content
+//   ov_table_sort.cpp        rows in the order of a column
+//   ov_table_repair.cpp      other columns
 #pragma once
 
 #include "server/report_error.h"
+#include "table/column_ranges.h"
+#include "table/row_filter.h"
 #include "table/table_core.h"
 #include "table/table_faces.h"
 
@@ -49,23 +56,8 @@ class COvTable final : public component_class<COvTable, table_face, zu_table_fac
   HRESULT STDMETHODCALLTYPE get_IsLinked(VARIANT_BOOL* pVal) override;
   HRESULT STDMETHODCALLTYPE WriteOVRecord(LONG* pBuffer) override;
   HRESULT STDMETHODCALLTYPE ReduceRowCountTo(LONG lRows) override;
-
-  // Not there yet: E_NOTIMPL, out values cleared.
-  HRESULT STDMETHODCALLTYPE SetFilteredIn(LONG row) override;
-  HRESULT STDMETHODCALLTYPE SetFilteredOut(LONG row) override;
-  HRESULT STDMETHODCALLTYPE IsFilteredIn(LONG nMode, LONG row, VARIANT_BOOL* pbVal) override;
-  HRESULT STDMETHODCALLTYPE IsFilteredOut(LONG nMode, LONG row, VARIANT_BOOL* pbVal) override;
-  HRESULT STDMETHODCALLTYPE get_FilterString(LONG nMode, BSTR* pVal) override;
-  HRESULT STDMETHODCALLTYPE put_FilterString(LONG nMode, BSTR newVal) override;
   HRESULT STDMETHODCALLTYPE GetColumnMin(LONG index, double* pVal) override;
   HRESULT STDMETHODCALLTYPE GetColumnMax(LONG index, double* pVal) override;
-  HRESULT STDMETHODCALLTYPE Sort(LONG lIndex, VARIANT_BOOL bAscending) override;
-  HRESULT STDMETHODCALLTYPE Repair(IOvSchema* pSchema) override;
-  HRESULT STDMETHODCALLTYPE GetLooseSignature(BSTR* pVal) override;
-  HRESULT STDMETHODCALLTYPE GetTightSignature(BSTR* pVal) override;
-  HRESULT STDMETHODCALLTYPE GetSignature(VARIANT_BOOL ignoreDescription, VARIANT_BOOL ignoreFieldOrder,
-                                         VARIANT_BOOL ignorePrecision, LONG nPtsAfterDecimal,
-                                         BSTR* pVal) override;
   HRESULT STDMETHODCALLTYPE SetColumnDefaultFloat(LONG lIndex, float newVal) override;
   HRESULT STDMETHODCALLTYPE SetColumnDefaultDouble(LONG lIndex, double newVal) override;
   HRESULT STDMETHODCALLTYPE SetColumnName(LONG lIndex, BSTR newVal) override;
@@ -74,6 +66,19 @@ class COvTable final : public component_class<COvTable, table_face, zu_table_fac
   HRESULT STDMETHODCALLTYPE AddImplicitNumericColumnDouble(BSTR bstrName, double defaultValue) override;
   HRESULT STDMETHODCALLTYPE AddImplicitStringColumn(BSTR bstrName, LONG length,
                                                     BSTR bstrDefaultValue) override;
+  HRESULT STDMETHODCALLTYPE GetLooseSignature(BSTR* pVal) override;
+  HRESULT STDMETHODCALLTYPE GetTightSignature(BSTR* pVal) override;
+  HRESULT STDMETHODCALLTYPE GetSignature(VARIANT_BOOL ignoreDescription, VARIANT_BOOL ignoreFieldOrder,
+                                         VARIANT_BOOL ignorePrecision, LONG nPtsAfterDecimal,
+                                         BSTR* pVal) override;
+  HRESULT STDMETHODCALLTYPE SetFilteredIn(LONG row) override;
+  HRESULT STDMETHODCALLTYPE SetFilteredOut(LONG row) override;
+  HRESULT STDMETHODCALLTYPE IsFilteredIn(LONG nMode, LONG row, VARIANT_BOOL* pbVal) override;
+  HRESULT STDMETHODCALLTYPE IsFilteredOut(LONG nMode, LONG row, VARIANT_BOOL* pbVal) override;
+  HRESULT STDMETHODCALLTYPE get_FilterString(LONG nMode, BSTR* pVal) override;
+  HRESULT STDMETHODCALLTYPE put_FilterString(LONG nMode, BSTR newVal) override;
+  HRESULT STDMETHODCALLTYPE Sort(LONG lIndex, VARIANT_BOOL bAscending) override;
+  HRESULT STDMETHODCALLTYPE Repair(IOvSchema* pSchema) override;
 
   HRESULT read_record(LONG* buffer) override;
   HRESULT read_record_into_argument() override;
@@ -95,9 +100,18 @@ class COvTable final : public component_class<COvTable, table_face, zu_table_fac
   /// Runs `body` on a valid cursor of a table that may be changed. True from `body`: a text was cut.
   template <class Body>
   HRESULT changing_a_row(Body body);
+  /// Runs `body` on a table that may be changed.
+  template <class Body>
+  HRESULT changing_fields(Body body);
+  template <class Body>
+  HRESULT changing_field(LONG column, Body body);
+  /// Widens the range of a numeric column by a value that it was given.
+  void take_stored(LONG column, const VARIANT& value);
   HRESULT make_from(IOvSchema& definition);
 
   table_core core_;
+  column_ranges ranges_;
+  row_filter filter_;
 };
 
 }  // namespace ovf

@@ -1,6 +1,8 @@
 #include <array>
 
+#include "table/column_values.h"
 #include "table/ov_table.h"
+#include "table/shared_methods.h"
 
 namespace ovf {
 namespace {
@@ -18,8 +20,7 @@ constexpr wide_view write_record_refused = OLESTR("WriteOVRecord failed, current
 
 template <class Body>
 HRESULT COvTable::on_a_row(wide_view refusal, Body body) {
-  if (!core_.on_a_row()) return report(*this, refusal);
-  return guard(*this, body);
+  return shared::on_a_row(*this, core_, refusal, body);
 }
 
 template <class Body>
@@ -28,10 +29,18 @@ HRESULT COvTable::changing_a_row(Body body) {
   return on_a_row(set_refused, [&] { return body() ? S_FALSE : S_OK; });
 }
 
+void COvTable::take_stored(LONG column, const VARIANT& value) {
+  const variant stored = as_stored(core_.opened(), value);
+  if (stored.type() == VT_BSTR) return;
+  if (core_.opened().getFieldType(field_index(column)) != field_kind::numeric) return;
+  variant number;
+  if (SUCCEEDED(change_type(*number.out(), stored, VT_R8))) ranges_.take(column, number.get().dblVal);
+}
+
 HRESULT COvTable::GetColumnAsDouble(LONG lIndex, double* pVal) {
   if (pVal == nullptr) return E_POINTER;
   *pVal = 0;
-  return on_a_row(get_double_refused, [&] { *pVal = core_.column_as_double(lIndex); });
+  return on_a_row(get_double_refused, [&] { *pVal = column_as_double(core_.opened(), lIndex); });
 }
 
 HRESULT COvTable::GetColumnAsFloat(LONG lIndex, float* pVal) {
@@ -48,18 +57,21 @@ HRESULT COvTable::GetColumnAsString(LONG lIndex, BSTR* pVal) {
 }
 
 HRESULT COvTable::GetColumn(LONG lIndex, VARIANT* pVal) {
-  if (pVal == nullptr) return E_POINTER;
-  VariantInit(pVal);
-  return on_a_row(get_refused, [&] { *pVal = core_.column(lIndex).release(); });
+  return shared::get_column(*this, core_, get_refused, lIndex, pVal);
 }
 
 HRESULT COvTable::SetColumn(LONG lIndex, VARIANT newVal) {
-  return changing_a_row([&] { return core_.set_column(lIndex, newVal); });
+  return changing_a_row([&] {
+    const bool cut = put_column(core_.opened(), lIndex, newVal);
+    if (ranges_.are_known()) take_stored(lIndex, newVal);
+    return cut;
+  });
 }
 
 HRESULT COvTable::SetColumnDouble(LONG lIndex, double newVal) {
   return changing_a_row([&] {
     core_.opened().setDouble(field_index(lIndex), newVal);
+    ranges_.take(lIndex, newVal);
     return false;
   });
 }
@@ -67,12 +79,13 @@ HRESULT COvTable::SetColumnDouble(LONG lIndex, double newVal) {
 HRESULT COvTable::SetColumnFloat(LONG lIndex, float newVal) {
   return changing_a_row([&] {
     core_.opened().setFloat(field_index(lIndex), newVal);
+    ranges_.take(lIndex, static_cast<double>(newVal));
     return false;
   });
 }
 
 HRESULT COvTable::SetColumnString(LONG lIndex, BSTR newVal) {
-  return changing_a_row([&] { return core_.set_text(lIndex, view_of(newVal)); });
+  return changing_a_row([&] { return put_text_column(core_.opened(), lIndex, view_of(newVal)); });
 }
 
 HRESULT COvTable::read_record(LONG* buffer) {

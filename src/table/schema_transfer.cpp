@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "ovfile/smart.h"
+#include "schema/ov_schema.h"
 #include "schema/schema_field.h"
 #include "schema/schema_filling.h"
 
@@ -60,6 +61,26 @@ field_definition field_of(IOvSchema& schema, LONG index) {
   return field;
 }
 
+void copy_field(IOvSchema& from, LONG index, bool is_double, IOvSchema& to) {
+  ovfile::text name;
+  OvColumnType type{};
+  VARIANT_BOOL implicit = VARIANT_FALSE;
+  LONG bytes = 0;
+  variant value;
+  require(from.GetFieldName(index, name.out()));
+  require(from.IsFieldImplicit(index, &implicit));
+  require(from.GetFieldType(index, &type));
+  require(from.GetFieldDefault(index, value.out()));
+  const LONG is_implicit = implicit != VARIANT_FALSE ? 1 : 0;
+  if (type != ovColumnString) {
+    (void)to.AddNumericColumn(name.get(), to_double(value), is_implicit);
+    return;
+  }
+  require(from.GetFieldSize(index, &bytes));
+  const ovfile::text text{wide_view(to_text(value))};
+  (void)to.AddStringColumn(name.get(), is_double ? bytes / 2 : bytes, text.get(), is_implicit);
+}
+
 }  // namespace
 
 HRESULT fill_schema(IOvSchema& schema, table& from) {
@@ -84,6 +105,32 @@ table_definition definition_of(IOvSchema& schema) {
   definition.description = description.view();
   for (LONG i = 1; i <= count; ++i) definition.fields.push_back(field_of(schema, i));
   return definition;
+}
+
+ovfile::pointer<IOvSchema> new_schema() {
+  void* made = nullptr;
+  require(COvSchema::create(nullptr, IID_IOvSchema, &made));
+  ovfile::pointer<IOvSchema> schema;
+  *schema.out() = static_cast<IOvSchema*>(made);
+  return schema;
+}
+
+ovfile::pointer<IOvSchema> copy_of(IOvSchema& schema) {
+  auto copy = new_schema();
+  ovfile::text description;
+  VARIANT_BOOL latched = VARIANT_FALSE;
+  VARIANT_BOOL is_double = VARIANT_FALSE;
+  LONG count = 0;
+  require(schema.get_Description(description.out()));
+  require(schema.get_ReadOnly(&latched));
+  require(schema.get_DoublePrecisionFlag(&is_double));
+  require(schema.get_FieldCount(&count));
+  require(copy->put_Description(description.get()));
+  require(copy->put_DoublePrecisionFlag(is_double != VARIANT_FALSE ? 1 : 0));
+  for (LONG i = 1; i <= count; ++i) copy_field(schema, i, is_double != VARIANT_FALSE, *copy.get());
+  // Last, since a latched schema takes no fields.
+  if (latched != VARIANT_FALSE) require(copy->put_ReadOnly(VARIANT_TRUE));
+  return copy;
 }
 
 }  // namespace ovf

@@ -3,6 +3,7 @@
 
 #include "engine/open_table.h"
 #include "ovfile/ovfile.h"
+#include "ovfile/smart.h"
 
 namespace ovf {
 
@@ -13,5 +14,12 @@ HRESULT fill_schema(IOvSchema& schema, table& from);
 /// Reads a schema, of whatever making, as the definition of a new table. Throws com_error with the
 /// status of a method that fails.
 table_definition definition_of(IOvSchema& schema);
+
+/// A new schema of this library with the fields, description and precision of another; latched when that
+/// one is. Fields that the adders refuse are missing.
+ovfile::pointer<IOvSchema> copy_of(IOvSchema& schema);
+
+/// A new, empty schema of this library.
+ovfile::pointer<IOvSchema> new_schema();
 
 }  // namespace ovf

@@ -1,32 +1,10 @@
 #include "table/table_core.h"
 
-#include <algorithm>
-#include <cstring>
-
-#include "platform/decimal_tidy.h"
 #include "platform/file.h"
-#include "schema/ov_schema.h"
 #include "table/link_target.h"
 #include "table/schema_transfer.h"
 
 namespace ovf {
-namespace {
-
-constexpr wide_view blanks = OLESTR(" \t");
-
-ovfile::pointer<IOvSchema> new_schema() {
-  void* made = nullptr;
-  const HRESULT status = COvSchema::create(nullptr, IID_IOvSchema, &made);
-  if (FAILED(status)) throw com_error(status);
-  ovfile::pointer<IOvSchema> schema;
-  *schema.out() = static_cast<IOvSchema*>(made);
-  return schema;
-}
-
-wide_view trimmed(wide_view text) { return text.substr(0, text.find_last_not_of(blanks) + 1); }
-
-}  // namespace
-
 opening table_core::open(wide_view file_name, LONG read_only_choice, HRESULT& filled) {
   if (files().kind(file_name) == file_kind::missing) return opening::missing;
   // What the held table has not written yet might be in the very file that is opened now.
@@ -95,6 +73,18 @@ void table_core::close() {
   table_.reset();
 }
 
+void table_core::release_table() {
+  opened().flush();
+  table_.reset();
+}
+
+void table_core::reopen(const wide& path) {
+  if (files().kind(path) != file_kind::regular) throw not_open();
+  const HRESULT filled = hold(open_table(path, read_only != 0));
+  if (FAILED(filled)) throw com_error(filled);
+  first_row();
+}
+
 move table_core::first_row() {
   const bool empty = opened().getRowCount() == 0;
   opened().firstRow();
@@ -140,41 +130,6 @@ void table_core::add_row() {
   target.addRow();
   at_end = false;
   at_beginning = false;
-}
-
-double table_core::converted_column(std::uint64_t index) const {
-  const variant value = table_->getValue(index);
-  return value.type() == VT_R4 ? tidied(value.get().fltVal) : to_double(value);
-}
-
-variant table_core::column(LONG column_number) const {
-  variant value = opened().getValue(field_index(column_number));
-  return value.type() == VT_EMPTY ? variant(wide_view()) : value;
-}
-
-bool table_core::set_column(LONG column_number, const VARIANT& value) {
-  if ((value.vt & VT_BYREF) != 0) return set_column(column_number, variant(value));
-  if (value.vt == VT_BSTR) return set_text(column_number, view_of(value.bstrVal));
-  const std::uint64_t index = field_index(column_number);
-  if (value.vt == VT_R4 && opened().isDouble()) {
-    opened().setValue(index, variant(tidied(value.fltVal)));
-  } else {
-    opened().setValue(index, value);
-  }
-  return false;
-}
-
-bool table_core::set_text(LONG column_number, wide_view value) {
-  const std::uint64_t index = field_index(column_number);
-  const wide_view text = trimmed(value);
-  table& target = opened();
-  if (target.getFieldType(index) == field_kind::numeric) {
-    target.setString(index, wide(text));
-    return false;
-  }
-  const auto width = static_cast<std::size_t>(target.getFieldWidth(index));
-  target.setString(index, wide(text.substr(0, width)));
-  return text.size() > width;
 }
 
 }  // namespace ovf

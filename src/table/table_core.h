@@ -1,6 +1,6 @@
-// What both table objects share: one open table with its schema, a cursor on its rows, and values of the
-// current row. It knows no messages of its own; the objects turn its answers into statuses and reports.
-// Failures of the layers below pass through as exceptions.
+// What both table objects share: one open table with its schema, and a cursor on its rows. It knows no
+// messages of its own; the objects turn its answers into statuses and reports. Failures of the layers below
+// pass through as exceptions.
 #pragma once
 
 #include <memory>
@@ -8,7 +8,6 @@
 #include "engine/table.h"
 #include "ovfile/ovfile.h"
 #include "ovfile/smart.h"
-#include "platform/decimal_tidy.h"
 
 namespace ovf {
 
@@ -29,6 +28,12 @@ class table_core {
   void create(ovfile::pointer<IOvSchema> definition);
   /// Flushes and lets go. A failed flush throws, and the table stays open.
   void close();
+  /// Flushes and lets go of the table alone, for a moment: `reopen` follows.
+  void release_table();
+  /// Opens a file for writing in the place of the table; its fields fill a new schema, the cursor stands
+  /// on the first row. Name and mode stay as the host knows them. Throws like `open_table`, and not_open
+  /// for what is no table.
+  void reopen(const wide& path);
 
   bool is_open() const noexcept { return table_ != nullptr; }
   /// Whether changes are refused: the host said so, or the table that is still held was opened so.
@@ -50,14 +55,6 @@ class table_core {
   /// Appends a row and moves to it.
   void add_row();
 
-  // Values of the current row. Columns count from 1.
-
-  double column_as_double(LONG column) const;
-  variant column(LONG column) const;
-  /// True when a text was cut to the column's width.
-  bool set_column(LONG column, const VARIANT& value);
-  bool set_text(LONG column, wide_view value);
-
   // State that hosts see.
   wide name;
   LONG read_only = 0;
@@ -67,8 +64,6 @@ class table_core {
   ovfile::pointer<IOvSchema> schema;
 
  private:
-  /// The long road of `column_as_double`: by way of a variant.
-  double converted_column(std::uint64_t index) const;
   opening open_target(std::unique_ptr<table>& found);
   HRESULT hold(std::unique_ptr<table> found);
   /// Brings the schema of a new table up to what the file says; its read-only latch stays as it was.
@@ -77,22 +72,9 @@ class table_core {
   std::unique_ptr<table> table_;
 };
 
-/// The engine's index of a host's column; a column below 1 becomes one that no table has.
-inline std::uint64_t field_index(LONG column) noexcept {
-  return static_cast<std::uint64_t>(static_cast<std::int64_t>(column) - 1);
-}
-
 inline table& table_core::opened() const {
   if (table_ == nullptr) throw not_open();
   return *table_;
-}
-
-inline double table_core::column_as_double(LONG column) const {
-  const std::uint64_t index = field_index(column);
-  const std::byte* place = opened().storedNumber(index);
-  if (place == nullptr) return converted_column(index);
-  if (table_->isDouble()) return load_number<double_precision>(place, byte_order::native);
-  return tidied(load_number<single_precision>(place, byte_order::native));
 }
 
 inline move table_core::next_row() {

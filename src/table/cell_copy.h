@@ -1,0 +1,37 @@
+// Rows of one table appended to another of a different shape, value by value.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "engine/table.h"
+#include "ovfile/ovfile.h"
+
+namespace ovf {
+
+/// Where a column of the new table has its values from.
+struct column_origin {
+  LONG column = 0;                     ///< of the old table; 0: the default that a new row has
+  OvColumnType type = ovColumnDouble;  ///< the getter and setter that a value goes through
+};
+
+/// A value that the other column cannot take, and where it stands.
+class cell_error : public MyExceptionClass {
+ public:
+  cell_error(wide_view reason, LONG row, LONG column);
+  LONG row() const noexcept { return row_; }
+  LONG column() const noexcept { return column_; }
+
+ private:
+  LONG row_;
+  LONG column_;
+};
+
+/// Appends the rows of `from` to `to`, column i of which has its values from `origins[i - 1]`. Throws
+/// cell_error, and what reading and writing throw.
+void copy_cells(table& from, table& to, std::span<const column_origin> origins,
+                std::span<const std::uint32_t> rows);
+
+}  // namespace ovf

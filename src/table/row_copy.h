@@ -1,0 +1,26 @@
+// Rows of one table appended to another, in any order, without one look into the file per row.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "engine/table.h"
+
+namespace ovf {
+
+/// Whether rows can be copied record by record: the same precision and fields of the same kinds, widths
+/// and places, whatever their names.
+bool have_like_records(table& one, table& other);
+
+/// Appends the rows of `from` in the order of their numbers to `to`, which has like records and whose
+/// file has the native byte order. Reads in the order of the file; records that have to wait for their
+/// turn take up to `memory` bytes, and with more of them the file is read as often as it takes. Throws
+/// what reading and writing throw.
+void copy_rows(table& from, table& to, std::span<const std::uint32_t> rows,
+               std::size_t memory = std::size_t{256} << 20);
+
+/// All rows' numbers in order.
+std::vector<std::uint32_t> all_rows(table& of);
+
+}  // namespace ovf

@@ -1,0 +1,127 @@
+#include "table/row_filter.h"
+#include "table/column_values.h"
+
+#include "platform/printed_float.h"
+#include "schema/schema_filling.h"
+
+namespace ovf {
+namespace {
+
+constexpr double absent = -1e30;
+
+bool is_absent(double value) noexcept { return value == absent; }
+bool is_absent(float value) noexcept { return value == static_cast<float>(absent); }
+
+bool is_absent(const variant& value) noexcept {
+  if (value.type() == VT_R4) return is_absent(value.get().fltVal);
+  return value.type() == VT_R8 && is_absent(value.get().dblVal);
+}
+
+LONG column_of(IOvSchema& schema, IOvFilter& evaluator, LONG variable) {
+  ovfile::text name;
+  LONG column = 0;
+  if (FAILED(evaluator.GetVariableName(variable, name.out()))) return 0;
+  if (FAILED(schema.GetFieldIndex(name.get(), &column))) return 0;
+  return column > 0 ? column : 0;
+}
+
+}  // namespace
+
+void row_filter::need_evaluator() {
+  if (evaluator_) return;
+  void* made = nullptr;
+  const HRESULT status = CoCreateInstance(CLSID_OvFilter, nullptr, CLSCTX_ALL, IID_IOvFilter, &made);
+  if (FAILED(status) || made == nullptr) throw no_evaluator();
+  *evaluator_.out() = static_cast<IOvFilter*>(made);
+  if (SUCCEEDED(evaluator_->QueryInterface(IID_IOvFilterValues, &made))) {
+    *values_.out() = static_cast<IOvFilterValues*>(made);
+  }
+}
+
+const wide& row_filter::expression() {
+  need_evaluator();
+  return text_;
+}
+
+void row_filter::set_expression(wide_view text) {
+  need_evaluator();
+  text_ = text;
+  columns_stamp_ = 0;
+  (void)evaluator_->SetExpression(ovfile::text(text).get());
+}
+
+void row_filter::find_columns(IOvSchema* schema) {
+  const auto own = schema != nullptr ? own_schema(*schema) : ovfile::pointer<schema_filling>();
+  const std::uint64_t stamp = own ? own->field_stamp() : 0;
+  // A foreign schema does not tell when it changes.
+  if (stamp != 0 && stamp == columns_stamp_) return;
+  LONG count = 0;
+  if (FAILED(evaluator_->GetVariableCount(&count))) count = 0;
+  columns_.clear();
+  for (LONG variable = 0; variable < count; ++variable) {
+    columns_.push_back(schema != nullptr ? column_of(*schema, *evaluator_.get(), variable) : 0);
+  }
+  columns_stamp_ = stamp;
+}
+
+VARIANT_BOOL row_filter::passes(const table_core& core) {
+  need_evaluator();
+  if (text_.empty()) return VARIANT_TRUE;
+  find_columns(core.schema.get());
+  // True is 1 here, not VARIANT_TRUE: that is what hosts have always got.
+  return (values_ ? test_values(core) : test_text(core)) ? 1 : 0;
+}
+
+bool row_filter::test_values(const table_core& core) {
+  // Where the text of values would be empty nothing passes, so it does not here either.
+  if (columns_.empty()) return false;
+  if (columns_.size() == 1) {
+    if (columns_.front() == 0) return false;
+    const bool may_be_empty = core.opened().storedNumber(field_index(columns_.front())) == nullptr;
+    if (may_be_empty && to_text(column_value(core.opened(), columns_.front())).empty()) return false;
+  }
+  for (std::size_t variable = 0; variable < columns_.size(); ++variable) give(core, variable);
+  SHORT result = 0;
+  return SUCCEEDED(values_->Test(&result)) && result != 0;
+}
+
+void row_filter::give(const table_core& core, std::size_t variable) {
+  const auto number = static_cast<LONG>(variable);
+  const auto give_double = [&](double value) {
+    (void)(is_absent(value) ? values_->SetAbsent(number) : values_->SetNumber(number, value));
+  };
+  const auto give_float = [&](float value) {
+    (void)(is_absent(value) ? values_->SetAbsent(number) : values_->SetNumber(number, printed_value(value)));
+  };
+  const LONG column = columns_[variable];
+  if (column == 0) {
+    (void)values_->SetAbsent(number);
+    return;
+  }
+  if (const std::byte* place = core.opened().storedNumber(field_index(column)); place != nullptr) {
+    if (core.opened().isDouble())
+      return give_double(load_number<double_precision>(place, byte_order::native));
+    return give_float(load_number<single_precision>(place, byte_order::native));
+  }
+  const variant value = column_value(core.opened(), column);
+  if (value.type() == VT_R8) return give_double(value.get().dblVal);
+  if (value.type() == VT_R4) return give_float(value.get().fltVal);
+  (void)values_->SetText(number, value.get().bstrVal);
+}
+
+bool row_filter::test_text(const table_core& core) {
+  wide values;
+  for (std::size_t variable = 0; variable < columns_.size(); ++variable) {
+    if (variable > 0) values += OLESTR(',');
+    if (columns_[variable] == 0) continue;
+    const variant value = column_value(core.opened(), columns_[variable]);
+    values += is_absent(value) ? wide(OLESTR("-")) : to_text(value);
+  }
+  if (values.empty()) return false;
+  const ovfile::text text{wide_view(values)};
+  (void)evaluator_->SetValues(text.get());
+  SHORT result = 0;
+  return SUCCEEDED(evaluator_->Evaluate(text.get(), &result)) && result != 0;
+}
+
+}  // namespace ovf
