@@ -4,7 +4,9 @@
 
 #include <CLI/CLI.hpp>
 
-#define OVFILE_COMMANDS(one) one(import) one(info) one(head) one(export)
+#define OVFILE_COMMANDS(one)                                                                                \
+  one(import) one(info) one(head) one(export) one(stats) one(schema) one(new) one(set) one(set_default) \
+      one(rename) one(add_implicit) one(kinds) one(settings)
 
 namespace command {
 

@@ -6,6 +6,7 @@
 #include "failure.h"
 #include "progress.h"
 #include "replacement.h"
+#include "row_condition.h"
 #include "table_options.h"
 #include "table_view.h"
 #include "text_output.h"
@@ -15,7 +16,8 @@ namespace {
 
 constexpr const char* help =
     "Writes a table as a CSV: UTF-8, lines that end with LF, column names first. Numbers have the shortest\n"
-    "form that reads back to the same value; an absent number is an empty cell.";
+    "form that reads back to the same value; an absent number is an empty cell. A CONDITION is like\n"
+    "\"AU > 1 AND ROCK = 'ORE'\".";
 
 struct export_request {
   row_options options;
@@ -76,15 +78,15 @@ void run_export(const export_request& request) {
     throw wrong_usage("the table and the CSV are one file: " + request.csv);
   }
   table_view view(request.options.table);
+  const std::optional<row_condition> condition = make_condition(view, request.options.where);
   text_output output(request.csv);
   const bool to_terminal = request.csv == "-" && is_terminal(standard_stream::output);
   progress bar("writing", !to_terminal);
   csv_exporter exporter(request, view, output);
   exporter.write_header();
-  for (LONG row = 1; row <= view.rows(); ++row) {
-    row == 1 ? view.go_to(1) : view.go_on();
+  for (row_walk walk(view, condition); walk.next();) {
     exporter.write_row();
-    bar.at(static_cast<std::uint64_t>(row), static_cast<std::uint64_t>(view.rows()));
+    bar.at(static_cast<std::uint64_t>(walk.row()), static_cast<std::uint64_t>(view.rows()));
   }
   output.finish();
 }

@@ -4,6 +4,7 @@
 
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace command {
 
@@ -12,8 +13,22 @@ struct failure : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+/// The same for a part of what the user wrote: lines that show it follow the message.
+struct marked_failure : failure {
+  marked_failure(const std::string& words, std::string shown) : failure(words), lines(std::move(shown)) {}
+  std::string lines;  ///< each ends with LF
+};
+
 /// The arguments make no sense together: exit status 2.
 struct wrong_usage : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
+/// What was compared differs: exit status 1, and nothing is left to say.
+struct difference {};
+
+/// A comparison that came to no result: exit status 2, since 1 is a difference.
+struct no_comparison : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 

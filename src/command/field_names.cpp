@@ -1,5 +1,6 @@
 #include "field_names.h"
 
+#include <algorithm>
 #include <set>
 #include <string_view>
 
@@ -59,6 +60,29 @@ std::string note_of(std::size_t column, const std::string& header, bool repeated
                      name);
 }
 
+std::string folded(std::string_view name) {
+  std::string out(name);
+  for (char& c : out) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  return out;
+}
+
+/// How many letters must be put in, taken away or exchanged to make one of the other.
+std::size_t distance(std::string_view left, std::string_view right) {
+  std::vector<std::size_t> row(right.size() + 1);
+  for (std::size_t i = 0; i < row.size(); ++i) row[i] = i;
+  for (const char c : left) {
+    std::size_t diagonal = row[0]++;
+    for (std::size_t i = 0; i < right.size(); ++i) {
+      const std::size_t exchanged = diagonal + (right[i] == c ? 0 : 1);
+      diagonal = row[i + 1];
+      row[i + 1] = std::min({exchanged, row[i] + 1, row[i + 1] + 1});
+    }
+  }
+  return row.back();
+}
+
 }  // namespace
 
 std::string name_problem(const std::string& name, std::size_t longest) {
@@ -91,6 +115,21 @@ std::vector<std::string> make_field_names(const std::vector<std::string>& header
     notes.push_back(note_of(i + 1, headers[i], repeated, names[i]));
   }
   return names;
+}
+
+std::vector<std::string> names_near(const std::vector<std::string>& names, const std::string& wanted) {
+  const std::string sought = folded(wanted);
+  // Of two letters every other two are only two letters away.
+  std::size_t nearest = sought.size() < 3 ? 0 : sought.size() < 5 ? 1 : 2;
+  std::vector<std::string> found;
+  for (const std::string& name : names) {
+    const std::size_t away = distance(folded(name), sought);
+    if (away > nearest) continue;
+    if (away < nearest) found.clear();
+    nearest = away;
+    found.push_back(name);
+  }
+  return found;
 }
 
 }  // namespace command

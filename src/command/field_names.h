@@ -19,4 +19,8 @@ std::vector<std::string> make_field_names(const std::vector<std::string>& header
                                           const std::vector<std::string>& taken, std::size_t longest,
                                           std::vector<std::string>& notes);
 
+/// Those of `names` that the user may have meant: equal but for case, or as few letters away as any, and at
+/// most two.
+std::vector<std::string> names_near(const std::vector<std::string>& names, const std::string& wanted);
+
 }  // namespace command

@@ -5,6 +5,7 @@
 
 #include "commands.h"
 #include "failure.h"
+#include "row_condition.h"
 #include "table_options.h"
 #include "table_view.h"
 #include "text_output.h"
@@ -14,7 +15,8 @@ namespace command {
 namespace {
 
 constexpr const char* help =
-    "Shows rows of a table in aligned columns: numbers in their shortest form, absent ones empty.";
+    "Shows rows of a table in aligned columns: numbers in their shortest form, absent ones empty.\n"
+    "With a CONDITION like \"AU > 1 AND ROCK = 'ORE'\" the rows that meet it are counted alone.";
 
 struct head_request {
   row_options options;
@@ -29,11 +31,9 @@ class row_printer {
   row_printer(const head_request& request, table_view& view)
       : request_(request),
         view_(view),
+        condition_(make_condition(view, request.options.where)),
         fields_(view.choose(request.options.columns)),
-        widths_(fields_.size()) {
-    const LONG behind = view.rows() - request.from + 1;
-    count_ = std::min(request.count, std::max<LONG>(behind, 0));
-  }
+        widths_(fields_.size()) {}
 
   void print(text_output& output) {
     const auto measure = [&](std::size_t i, bool) { widths_[i] = std::max(widths_[i], length_); };
@@ -50,8 +50,9 @@ class row_printer {
       cell(i, fields_[i].is_text);
     }
     end();
-    for (LONG row = 0; row < count_; ++row) {
-      row == 0 ? view_.go_to(request_.from) : view_.go_on();
+    row_walk walk(view_, condition_);
+    if (request_.count == 0 || !skip(walk)) return;
+    for (LONG row = 0; row < request_.count && walk.next(); ++row) {
       for (std::size_t i = 0; i < fields_.size(); ++i) {
         raw_.clear();
         view_.append_cell(raw_, fields_[i], request_.options.absent);
@@ -60,6 +61,19 @@ class row_printer {
       }
       end();
     }
+  }
+
+  /// Goes before the first row to show; false when the table has none.
+  bool skip(row_walk& walk) const {
+    if (!condition_) {
+      if (request_.from > view_.rows()) return false;
+      walk.start_before(request_.from);
+      return true;
+    }
+    LONG passed = 0;
+    while (passed + 1 < request_.from && walk.next()) ++passed;
+    if (passed + 1 == request_.from) return true;
+    throw failure(fmt::format("{} has no row {} that meets the condition; {} do", view_.file(), request_.from, passed));
   }
 
   /// Control characters would move the cursor, or worse: they show as full stops.
@@ -90,9 +104,9 @@ class row_printer {
 
   const head_request& request_;
   table_view& view_;
+  std::optional<row_condition> condition_;
   std::vector<field_view> fields_;
   std::vector<std::size_t> widths_;
-  LONG count_ = 0;
   std::string raw_;
   std::string cell_;
   std::size_t length_ = 0;
@@ -100,7 +114,7 @@ class row_printer {
 
 void run_head(const head_request& request) {
   table_view view(request.options.table);
-  if (request.from > std::max<LONG>(view.rows(), 1)) {
+  if (!request.options.where && request.from > std::max<LONG>(view.rows(), 1)) {
     throw failure(fmt::format("{} has no row {}; it has {}", view.file(), request.from, view.rows()));
   }
   text_output output;

@@ -4,13 +4,13 @@
 #include "commands.h"
 #include "csv_input.h"
 #include "csv_reader.h"
-#include "decimal.h"
-#include "encoding.h"
 #include "failure.h"
 #include "import_request.h"
 #include "import_scan.h"
 #include "progress.h"
 #include "replacement.h"
+#include "table_limits.h"
+#include "table_options.h"
 #include "table_writer.h"
 #include "words.h"
 
@@ -22,42 +22,14 @@ constexpr const char* help =
     "A column whose cells are all numbers or empty is one of numbers, an empty cell is absent; every other\n"
     "column is text, as wide as its longest value. Names are changed where a table does not allow them.";
 
-constexpr std::size_t longest_description = 64;
-constexpr std::size_t widest_text = 1024;
-
 forced_text parse_forced_text(const std::string& argument) {
   const std::size_t colon = argument.rfind(':');
-  const number_cell width = colon == argument.npos ? number_cell() : read_number(argument.substr(colon + 1));
-  const auto count =
-      static_cast<std::size_t>(width.value >= 1 && width.value <= widest_text ? width.value : 0);
-  if (colon == 0 || count == 0 || static_cast<double>(count) != width.value) {
+  const std::size_t width = colon == argument.npos ? 0 : read_text_width(argument.substr(colon + 1));
+  if (colon == 0 || width == 0) {
     throw wrong_usage(
         fmt::format("--text {}: expected NAME:WIDTH, a width of 1 to {}", argument, widest_text));
   }
-  return {argument.substr(0, colon), count};
-}
-
-implicit_field parse_implicit(const std::string& argument) {
-  const std::size_t equals = argument.find('=');
-  if (equals == argument.npos || equals == 0) {
-    throw wrong_usage(fmt::format("--implicit {}: expected NAME=VALUE", argument));
-  }
-  return {argument.substr(0, equals), argument.substr(equals + 1)};
-}
-
-void check_description(const std::string& description) {
-  const utf8_facts facts = look_at_utf8(description);
-  if (description.starts_with("LINK")) {
-    throw failure(
-        "--description: a description that begins with LINK would make the table a link to another file");
-  }
-  if (facts.characters > longest_description) {
-    throw failure(fmt::format("--description: the text has {} characters; a table keeps {}", facts.characters,
-                              longest_description));
-  }
-  if (!facts.valid || facts.foreign != 0) {
-    throw failure("--description: the text has a character that is not in Windows-1252");
-  }
+  return {argument.substr(0, colon), width};
 }
 
 void fill(table_writer& writer, csv_input& input, const import_plan& plan) {
@@ -76,7 +48,7 @@ void fill(table_writer& writer, csv_input& input, const import_plan& plan) {
 }
 
 void run_import(const import_request& request) {
-  if (request.description) check_description(*request.description);
+  if (request.description) check_description("--description", *request.description);
   if (same_file(request.csv, request.table))
     throw wrong_usage("the CSV and the table are one file: " + request.csv);
   csv_input input(request.csv);
@@ -100,7 +72,6 @@ void define_import(CLI::App& program) {
     import_request request;
     std::vector<std::string> texts;
     std::vector<std::string> implicits;
-    std::string description;
   };
   auto given = std::make_shared<arguments>();
   CLI::App* const app = program.add_subcommand("import", "Make a table from a CSV");
@@ -117,13 +88,12 @@ void define_import(CLI::App& program) {
       ->type_name("NAME=VALUE")
       ->expected(1)
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-  CLI::Option* const description =
-      app->add_option("--description", given->description, "what the table is, at most 64 characters")
-          ->type_name("TEXT");
-  app->callback([given, description] {
+  add_description_option(*app, given->request.description);
+  app->callback([given] {
     for (const std::string& text : given->texts) given->request.texts.push_back(parse_forced_text(text));
-    for (const std::string& text : given->implicits) given->request.implicits.push_back(parse_implicit(text));
-    if (description->count() > 0) given->request.description = given->description;
+    for (const std::string& text : given->implicits) {
+      given->request.implicits.push_back(parse_implicit("--implicit ", text));
+    }
     run_import(given->request);
   });
 }

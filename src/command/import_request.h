@@ -5,16 +5,13 @@
 #include <string>
 #include <vector>
 
+#include "implicit_field.h"
+
 namespace command {
 
 struct forced_text {
   std::string name;  ///< as in the CSV's header, or as the table will have it
   std::size_t width;
-};
-
-struct implicit_field {
-  std::string name;
-  std::string value;
 };
 
 struct import_request {

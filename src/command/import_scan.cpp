@@ -1,51 +1,19 @@
 #include "import_scan.h"
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 #include <set>
 
-#include "absent.h"
 #include "column_types.h"
 #include "csv_reader.h"
-#include "decimal.h"
 #include "failure.h"
 #include "field_names.h"
-#include "ovfile/smart.h"
 #include "progress.h"
+#include "table_limits.h"
 #include "words.h"
 
 namespace command {
 namespace {
-
-constexpr std::size_t short_name = 8;
-
-/// How long the library lets field names be.
-std::size_t longest_name(bool single) {
-  const auto schema = ovfile::create_schema();
-  ovfile::check(schema->put_DoublePrecisionFlag(single ? 0 : 1));
-  LONG longest = 0;
-  const bool known = schema->get_FieldNameMaxLength(&longest) == S_OK && longest > 0;
-  return known ? static_cast<std::size_t>(longest) : short_name;
-}
-
-planned_field plan_implicit(const implicit_field& wanted) {
-  planned_field field;
-  field.name = wanted.name;
-  const number_cell number = read_number(wanted.value);
-  field.is_text = !number.is_number && !without_blanks(wanted.value).empty();
-  field.number_default = number.is_number ? number.value : absent_number;
-  if (field.is_text) {
-    const utf8_facts facts = look_at_utf8(wanted.value);
-    if (!facts.valid || facts.foreign != 0) {
-      throw failure(
-          fmt::format("--implicit {}: the value has a character that is not in Windows-1252", wanted.name));
-    }
-    field.text_default = wanted.value;
-    field.width = (facts.characters + 3) / 4 * 4;
-  }
-  return field;
-}
 
 std::vector<planned_field> plan_implicits(const import_request& request, std::size_t longest) {
   std::vector<planned_field> fields;
@@ -56,12 +24,7 @@ std::vector<planned_field> plan_implicits(const import_request& request, std::si
     if (!names.insert(wanted.name).second) {
       throw failure(fmt::format("--implicit {}: the name is given twice", wanted.name));
     }
-    fields.push_back(plan_implicit(wanted));
-    bool kept = true;
-    if (request.single && !fields.back().is_text && std::isinf(read_float(wanted.value, kept))) {
-      throw failure(fmt::format("--implicit {}: {} is beyond the range of single precision", wanted.name,
-                                wanted.value));
-    }
+    fields.push_back(plan_implicit("--implicit ", wanted, request.single));
   }
   return fields;
 }
@@ -139,18 +102,13 @@ std::uint64_t scan_rows(csv_reader& reader, csv_input& input, type_finder& types
   return rows;
 }
 
-std::size_t words_of(const planned_field& field) { return field.is_text ? (field.width + 3) / 4 : 1; }
+std::size_t words_of(const planned_field& field) { return field.is_text ? words_of_text(field.width) : 1; }
 
-void check_size(const import_plan& plan) {
-  const std::size_t limit = plan.single ? 64 : 256;
+std::size_t words_of(const import_plan& plan) {
   std::size_t words = 0;
   for (const planned_field& field : plan.stored) words += words_of(field);
   for (const planned_field& field : plan.implicit) words += words_of(field);
-  if (words <= limit) return;
-  throw failure(
-      fmt::format("the table would need {} words; a {}-precision one holds {} (a number takes one, a "
-                  "text one for every 4 characters)",
-                  words, plan.single ? "single" : "double", limit));
+  return words;
 }
 
 void note_lost_digits(import_plan& plan, const type_finder& types) {
@@ -197,7 +155,7 @@ import_plan scan_csv(csv_input& input, const import_request& request) {
     plan.stored[i].is_text = types.columns()[i].is_text;
     if (plan.stored[i].is_text) plan.stored[i].width = types.width(i);
   }
-  check_size(plan);
+  check_words(words_of(plan), plan.single);
   if (plan.single) note_lost_digits(plan, types);
   return plan;
 }

@@ -9,18 +9,10 @@
 #include "csv_input.h"
 #include "csv_reader.h"
 #include "encoding.h"
+#include "implicit_field.h"
 #include "import_request.h"
 
 namespace command {
-
-/// A field of the table to make.
-struct planned_field {
-  std::string name;
-  bool is_text = false;
-  std::size_t width = 0;      ///< characters of a text
-  double number_default = 0;  ///< of an implicit number
-  std::string text_default;   ///< of an implicit text, UTF-8
-};
 
 struct import_plan {
   bool single = false;

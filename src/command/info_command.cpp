@@ -1,11 +1,9 @@
 // ovfile info: what a table is.
-#include <algorithm>
-#include <cmath>
 #include <memory>
 
-#include "absent.h"
 #include "commands.h"
-#include "number_text.h"
+#include "field_listing.h"
+#include "kind_words.h"
 #include "table_options.h"
 #include "table_view.h"
 #include "text_output.h"
@@ -14,7 +12,7 @@
 namespace command {
 namespace {
 
-constexpr const char* help = "Tells a table's precision, byte order, description, size and fields.";
+constexpr const char* help = "Tells a table's kind, precision, byte order, description, size and fields.";
 
 struct info_request {
   std::string table;
@@ -26,6 +24,7 @@ struct table_facts {
   std::string description;
   bool linked = false;
   std::string target;  ///< of a link
+  OvFileType hint{};
 };
 
 table_facts read_facts(const table_view& view) {
@@ -35,6 +34,7 @@ table_facts read_facts(const table_view& view) {
   view.check(maintenance ? maintenance->GetFacts(&facts.file) : E_NOINTERFACE);
   facts.description = ovfile::to_utf8(facts.file.description);
   facts.description.erase(facts.description.find_last_not_of(' ') + 1);
+  view.check(view.schema()->get_TypeHint(&facts.hint));
   VARIANT_BOOL linked = VARIANT_FALSE;
   view.check(view.table().get_IsLinked(&linked));
   facts.linked = linked != VARIANT_FALSE;
@@ -59,35 +59,6 @@ const char* byte_order_words(LONG code) {
   }
 }
 
-std::string number_default_text(const table_view& view, double value) {
-  return view.is_single() ? number_text(static_cast<float>(value)) : number_text(value);
-}
-
-bool is_absent_default(const table_view& view, double value) {
-  return view.is_single() ? is_absent(static_cast<float>(value)) : is_absent(value);
-}
-
-std::string default_words(const table_view& view, const field_view& field) {
-  if (field.is_text) return field.text_default;
-  return is_absent_default(view, field.number_default) ? "absent"
-                                                       : number_default_text(view, field.number_default);
-}
-
-void append_fields(std::string& out, const table_view& view) {
-  std::size_t name_width = 5;
-  for (const field_view& field : view.fields()) name_width = std::max(name_width, field.name.size());
-  out += fmt::format("\n{:>4}  {:<{}}  {:<6}  {:>5}  {:<8}  {}\n", "#", "field", name_width, "type", "width",
-                     "kept", "default");
-  for (const field_view& field : view.fields()) {
-    const std::string line =
-        fmt::format("{:>4}  {:<{}}  {:<6}  {:>5}  {:<8}  {}", field.column, field.name, name_width,
-                    field.is_text ? "text" : "number", field.is_text ? std::to_string(field.width) : "",
-                    field.implicit ? "implicit" : "stored", default_words(view, field));
-    out.append(line, 0, line.find_last_not_of(' ') + 1);
-    out += '\n';
-  }
-}
-
 void append_words(std::string& out, const table_view& view, const table_facts& facts) {
   const OvTableFacts& file = facts.file;
   const auto line = [&](const char* what, const std::string& words) {
@@ -95,6 +66,7 @@ void append_words(std::string& out, const table_view& view, const table_facts& f
   };
   line("file", view.file());
   if (facts.linked) line("link to", facts.target);
+  line("kind", kind_words(facts.hint));
   line("precision",
        fmt::format("{} ({}-byte words)", view.is_single() ? "single" : "double", file.wordBytes));
   line("byte order", fmt::format("{} ({})", file.byteOrder, byte_order_words(file.byteOrder)));
@@ -104,40 +76,25 @@ void append_words(std::string& out, const table_view& view, const table_facts& f
   line("pages", fmt::format("{}, {} of them header", file.pages, file.headerPages));
   line("file size", fmt::format("{} bytes", file.fileBytes));
   line("fields", std::to_string(view.fields().size()));
-  append_fields(out, view);
-}
-
-std::string json_default(const table_view& view, const field_view& field) {
-  if (field.is_text) return json_text(field.text_default);
-  if (is_absent_default(view, field.number_default)) return "null";
-  const std::string number = number_default_text(view, field.number_default);
-  return std::isfinite(field.number_default) ? number : json_text(number);
-}
-
-void append_json_field(std::string& out, const table_view& view, const field_view& field) {
-  out += fmt::format(R"({{"name": {}, "type": "{}", "width": {}, "implicit": {}, "default": {}}})",
-                     json_text(field.name), field.is_text ? "text" : "number", field.width, field.implicit,
-                     json_default(view, field));
+  out += '\n';
+  append_field_lines(out, view.fields(), view.is_single());
 }
 
 void append_json(std::string& out, const table_view& view, const table_facts& facts) {
   const OvTableFacts& file = facts.file;
   out += fmt::format("{{\n  \"file\": {},\n  \"link_target\": {},\n", json_text(view.file()),
                      facts.linked ? json_text(facts.target) : "null");
+  out += fmt::format("  \"kind\": {},\n  \"type_hint\": {},\n", json_text(kind_words(facts.hint)),
+                     static_cast<LONG>(facts.hint));
   out += fmt::format("  \"precision\": \"{}\",\n  \"byte_order\": {},\n  \"description\": {},\n",
                      view.is_single() ? "single" : "double", file.byteOrder, json_text(facts.description));
   out +=
       fmt::format("  \"rows\": {},\n  \"record_words\": {},\n  \"records_per_page\": {},\n  \"pages\": {},\n",
                   view.rows(), file.recordWords, file.recordsPerPage, file.pages);
-  out += fmt::format("  \"header_pages\": {},\n  \"file_size\": {},\n  \"fields\": [", file.headerPages,
+  out += fmt::format("  \"header_pages\": {},\n  \"file_size\": {},\n  \"fields\": ", file.headerPages,
                      file.fileBytes);
-  const char* separator = "\n    ";
-  for (const field_view& field : view.fields()) {
-    out += separator;
-    append_json_field(out, view, field);
-    separator = ",\n    ";
-  }
-  out += view.fields().empty() ? "]\n}\n" : "\n  ]\n}\n";
+  append_json_fields(out, view.fields(), view.is_single());
+  out += "\n}\n";
 }
 
 void run_info(const info_request& request) {

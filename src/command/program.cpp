@@ -19,12 +19,15 @@ namespace {
 
 constexpr int failed = 1;
 constexpr int used_wrongly = 2;
+constexpr int differs = 1;
+constexpr int not_compared = 2;
 
 void set_up(CLI::App& program) {
   program.set_version_flag("--version", "ovfile " OVFILE_VERSION);
   program.require_subcommand(1);
   program.footer(
-      "Exit status: 0 done, 1 failed, 2 wrong usage. `ovfile COMMAND --help` tells more of a command.");
+      "Exit status: 0 done, 1 failed, 2 wrong usage (diff: 0 equal, 1 different, 2 failed). `ovfile COMMAND "
+      "--help` tells more of a command.");
 #define OVFILE_DEFINE(name) define_##name(program);
   OVFILE_COMMANDS(OVFILE_DEFINE)
 #undef OVFILE_DEFINE
@@ -66,9 +69,16 @@ int run_program(const std::vector<std::string>& arguments) {
     return parse_and_run(arguments);
   } catch (const broken_pipe&) {
     return 0;
+  } catch (const difference&) {
+    return differs;
+  } catch (const no_comparison& error) {
+    say(error.what());
+    return not_compared;
   } catch (const wrong_usage& error) {
     say(error.what());
     return used_wrongly;
+  } catch (const marked_failure& error) {
+    say(error.what(), error.lines);
   } catch (const std::bad_alloc&) {
     say("there is not enough memory");
   } catch (const std::exception& error) {

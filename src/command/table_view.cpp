@@ -1,10 +1,11 @@
 #include "table_view.h"
 
-#include <algorithm>
-
 #include "absent.h"
 #include "failure.h"
+#include "field_names.h"
 #include "number_text.h"
+#include "table_limits.h"
+#include "words.h"
 
 namespace command {
 namespace {
@@ -25,14 +26,21 @@ void append_number_cell(std::string& out, Float value, std::string_view absent) 
 
 }  // namespace
 
-table_view::table_view(std::string file) : file_(std::move(file)), table_(ovfile::create_table()) {
-  check(table_->Open(ovfile::text(std::string_view(file_)).get(), 1));
+table_view::table_view(std::string file, table_access access)
+    : file_(std::move(file)), table_(ovfile::create_table()) {
+  check(table_->Open(ovfile::text(std::string_view(file_)).get(), access == table_access::read ? 1 : 0));
   check(table_->GetRowCount(&rows_));
-  read_fields();
+  const auto definition = schema();
+  VARIANT_BOOL is_double = VARIANT_FALSE;
+  check(definition->get_DoublePrecision(&is_double));
+  single_ = is_double == VARIANT_FALSE;
+  fields_ = read_fields(*definition.get(), file_);
 }
 
-void table_view::check(HRESULT status) const {
-  if (FAILED(status)) throw failure(file_ + ": " + ovfile::error::take(status).what());
+ovfile::pointer<IOvSchema> table_view::schema() const {
+  ovfile::pointer<IOvSchema> held;
+  check(table_->get_Schema(held.out()));
+  return held;
 }
 
 void table_view::fail_at(const field_view* field, HRESULT status) const {
@@ -40,47 +48,37 @@ void table_view::fail_at(const field_view* field, HRESULT status) const {
                             field == nullptr ? "" : field->name, ovfile::error::take(status).what()));
 }
 
-void table_view::read_fields() {
-  ovfile::pointer<IOvSchema> schema;
-  check(table_->get_Schema(schema.out()));
-  VARIANT_BOOL is_double = VARIANT_FALSE;
-  LONG count = 0;
-  check(schema->get_DoublePrecision(&is_double));
-  check(schema->get_FieldCount(&count));
-  single_ = is_double == VARIANT_FALSE;
-  for (LONG column = 1; column <= count; ++column) fields_.push_back(read_field(*schema.get(), column));
-}
-
-field_view table_view::read_field(IOvSchema& schema, LONG column) const {
-  ovfile::text name;
-  OvColumnType type{};
-  LONG width = 0;
-  VARIANT_BOOL implicit = VARIANT_FALSE;
-  ovfile::variant value;
-  check(schema.GetFieldName(column, name.out()));
-  check(schema.GetFieldType(column, &type));
-  check(schema.GetFieldSizeChars(column, &width));
-  check(schema.IsFieldImplicit(column, &implicit));
-  check(schema.GetFieldDefault(column, value.out()));
-  return {column,
-          name.utf8(),
-          type == ovColumnString,
-          width,
-          implicit != VARIANT_FALSE,
-          value.number(),
-          ovfile::to_utf8(without_end_blanks(value.view()))};
-}
-
 std::vector<field_view> table_view::choose(const std::vector<std::string>& names) const {
   if (names.empty()) return fields_;
   std::vector<field_view> chosen;
   for (const std::string& name : names) {
-    const auto found = std::find_if(fields_.begin(), fields_.end(),
-                                    [&](const field_view& field) { return field.name == name; });
-    if (found == fields_.end()) throw failure(fmt::format("{} has no column {}", file_, name));
-    chosen.push_back(*found);
+    const field_view* const field = find_field(fields_, name);
+    if (field == nullptr) throw failure(fmt::format("{} has no column {}", file_, name));
+    chosen.push_back(*field);
   }
   return chosen;
+}
+
+const field_view& table_view::field(const std::string& name) const {
+  const field_view* const found = find_field(fields_, name);
+  if (found != nullptr) return *found;
+  std::vector<std::string> names;
+  for (const field_view& there : fields_) names.push_back(there.name);
+  const std::vector<std::string> similar = names_near(names, name);
+  if (!similar.empty()) {
+    throw failure(fmt::format("{} has no column {}; it has {}", file_, name, fmt::join(similar, ", ")));
+  }
+  throw failure(fmt::format("{} has no column {}; its columns are {}", file_, name, fmt::join(names, ", ")));
+}
+
+void table_view::check_new_name(const std::string& name) const {
+  const std::string problem = name_problem(name, longest_name(single_));
+  if (!problem.empty()) {
+    throw failure(fmt::format("{}: {}{}{}", file_, name, name.empty() ? "" : ": ", problem));
+  }
+  if (find_field(fields_, name) != nullptr) {
+    throw failure(fmt::format("{} has a column {} already", file_, name));
+  }
 }
 
 void table_view::go_to(LONG row) {
@@ -101,10 +99,20 @@ void table_view::go_on() {
   if (status == S_FALSE) throw failure(fmt::format("{} ends before row {} of {}", file_, row_, rows_));
 }
 
+double table_view::number(const field_view& field) const {
+  if (single_) {
+    float value = 0;
+    check_at(&field, table_->GetColumnAsFloat(field.column, &value));
+    return static_cast<double>(value);
+  }
+  double value = 0;
+  check_at(&field, table_->GetColumnAsDouble(field.column, &value));
+  return value;
+}
+
 void table_view::append_text(std::string& out, const field_view& field) const {
   ovfile::text text;
-  const HRESULT status = table_->GetColumnAsString(field.column, text.out());
-  if (FAILED(status)) fail_at(&field, status);
+  check_at(&field, table_->GetColumnAsString(field.column, text.out()));
   ovfile::append_utf8(out, without_end_blanks(text.view()));
 }
 
@@ -112,15 +120,9 @@ void table_view::append_cell(std::string& out, const field_view& field, std::str
   if (field.is_text) {
     append_text(out, field);
   } else if (single_) {
-    float value = 0;
-    const HRESULT status = table_->GetColumnAsFloat(field.column, &value);
-    if (FAILED(status)) fail_at(&field, status);
-    append_number_cell(out, value, absent);
+    append_number_cell(out, static_cast<float>(number(field)), absent);
   } else {
-    double value = 0;
-    const HRESULT status = table_->GetColumnAsDouble(field.column, &value);
-    if (FAILED(status)) fail_at(&field, status);
-    append_number_cell(out, value, absent);
+    append_number_cell(out, number(field), absent);
   }
 }
 

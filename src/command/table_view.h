@@ -1,4 +1,4 @@
-// A table opened for reading, with its fields and a cursor, and its cells as UTF-8 text. Failures throw
+// An open table, with its fields and a cursor, and its cells as UTF-8 text. Failures throw
 // `failure` with the file, and with row and column where there are such.
 #pragma once
 
@@ -6,32 +6,32 @@
 #include <string_view>
 #include <vector>
 
+#include "field_view.h"
 #include "ovfile/smart.h"
 
 namespace command {
 
-struct field_view {
-  LONG column;  ///< from 1
-  std::string name;
-  bool is_text;
-  LONG width;  ///< characters; of a number the 4 that its word would hold
-  bool implicit;
-  double number_default;
-  std::string text_default;  ///< UTF-8, without blanks at the end
-};
+/// What a command wants of the table's file.
+enum class table_access { read, change };
 
 class table_view {
  public:
-  /// Opens the file read-only.
-  explicit table_view(std::string file);
+  explicit table_view(std::string file, table_access access = table_access::read);
 
   const std::string& file() const noexcept { return file_; }
   LONG rows() const noexcept { return rows_; }
   bool is_single() const noexcept { return single_; }
   const std::vector<field_view>& fields() const noexcept { return fields_; }
   IOvTable& table() const noexcept { return *table_.get(); }
+  /// The table's own schema.
+  ovfile::pointer<IOvSchema> schema() const;
   /// The fields of these names in this order; all where there are none.
   std::vector<field_view> choose(const std::vector<std::string>& names) const;
+
+  /// The field of this name. Throws `failure` that tells which names are near it.
+  const field_view& field(const std::string& name) const;
+  /// Throws `failure` when the table cannot have a new field of this name.
+  void check_new_name(const std::string& name) const;
 
   /// Row numbers count from 1; the row must exist.
   void go_to(LONG row);
@@ -40,13 +40,20 @@ class table_view {
   /// The current row's cell: a number in its shortest form, `absent` for one that is absent, a text
   /// without blanks at its end.
   void append_cell(std::string& out, const field_view& field, std::string_view absent) const;
+  /// The current row's number, a float as it is.
+  double number(const field_view& field) const;
+  /// The current row's text without blanks at its end, appended as UTF-8.
+  void append_text(std::string& out, const field_view& field) const;
   /// Throws what a failed call says, with the file's name.
-  void check(HRESULT status) const;
+  void check(HRESULT status) const { check_call(file_, status); }
+  /// The same for a call that concerns the current row, which the message names.
+  void check_at(const field_view* field, HRESULT status) const {
+    if (FAILED(status)) fail_at(field, status);
+  }
+  /// Writes what was changed and lets go of the file.
+  void close() const { check(table_->Close()); }
 
  private:
-  void read_fields();
-  field_view read_field(IOvSchema& schema, LONG column) const;
-  void append_text(std::string& out, const field_view& field) const;
   [[noreturn]] void fail_at(const field_view* field, HRESULT status) const;
 
   std::string file_;

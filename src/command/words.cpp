@@ -4,11 +4,12 @@
 
 namespace command {
 
-void say(std::string_view words) {
+void say(std::string_view words, std::string_view lines) {
   std::string line = "ovfile: ";
   // One message is one line, whatever the library's text looks like.
   for (const char c : words) line.push_back(c == '\n' || c == '\r' ? ' ' : c);
   line.push_back('\n');
+  line += lines;
   std::fwrite(line.data(), 1, line.size(), stderr);
   std::fflush(stderr);
 }

@@ -12,8 +12,8 @@
 
 namespace command {
 
-/// A line on standard error that begins with the program's name.
-void say(std::string_view words);
+/// A line on standard error that begins with the program's name, and `lines` below it, which end with LF.
+void say(std::string_view words, std::string_view lines = {});
 
 /// A JSON string, quotes included.
 std::string json_text(std::string_view utf8);

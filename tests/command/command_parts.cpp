@@ -5,4 +5,5 @@
 #include "../../src/command/decimal.cpp"
 #include "../../src/command/encoding.cpp"
 #include "../../src/command/field_names.cpp"
+#include "../../src/command/kind_words.cpp"
 #include "../../src/command/raw_file.cpp"

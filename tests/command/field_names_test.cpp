@@ -98,4 +98,17 @@ TEST(field_names, problems_are_told_in_words) {
             "a name may not hold blanks, control characters or any of ,!:*&=()?");
 }
 
+TEST(field_names, names_near_another_are_the_nearest_ones) {
+  const names there = {"FROM", "FROM_2", "Au", "au", "DENSITY", "X", "Y"};
+  EXPECT_EQ(command::names_near(there, "from"), names{"FROM"});
+  EXPECT_EQ(command::names_near(there, "FRM"), names{"FROM"});
+  EXPECT_EQ(command::names_near(there, "FROMS"), names{"FROM"});
+  EXPECT_EQ(command::names_near(there, "FROM2"), (names{"FROM", "FROM_2"}));
+  EXPECT_EQ(command::names_near(there, "DNESITY"), names{"DENSITY"});
+  EXPECT_EQ(command::names_near(there, "AU"), (names{"Au", "au"}));
+  EXPECT_EQ(command::names_near(there, "x"), names{"X"});
+  EXPECT_EQ(command::names_near(there, "Z"), names{});
+  EXPECT_EQ(command::names_near(there, "DENTIST"), names{});
+}
+
 }  // namespace

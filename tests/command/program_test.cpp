@@ -5,15 +5,18 @@ namespace {
 
 using program_test = ovtest::command_test;
 
+constexpr const char* commands[] = {"import", "info",   "head",         "export", "schema",
+                                    "new",    "rename", "add-implicit", "kinds",  "settings"};
+
 TEST_F(program_test, help_names_every_command) {
   const std::string help = run_quietly({"--help"});
-  for (const char* name : {"import", "info", "head", "export"}) {
+  for (const char* name : commands) {
     EXPECT_NE(help.find("\n  " + std::string(name) + " "), help.npos) << name;
   }
 }
 
 TEST_F(program_test, every_command_has_help) {
-  for (const char* name : {"import", "info", "head", "export"}) {
+  for (const char* name : commands) {
     const std::string help = run_quietly({name, "--help"});
     EXPECT_NE(help.find("Usage: ovfile " + std::string(name)), help.npos) << help;
     EXPECT_EQ(run_quietly({name, "-h"}), help);

@@ -36,11 +36,22 @@ std::string first_difference(const bytes& expected, const bytes& received, std::
   return text;
 }
 
+/// What this process allows in double precision. A test of its own runs the recipes that need 24 in a
+/// session where it is.
+LONG longest_name() {
+  LONG characters = 0;
+  const auto schema = make_schema();
+  schema->put_DoublePrecision(VARIANT_TRUE);
+  schema->get_FieldNameMaxLength(&characters);
+  return characters;
+}
+
 class recipe : public testing::TestWithParam<std::string> {
  protected:
   void run(road call_over) {
     const json table = reference_json(GetParam());
-    if (table.contains("recipe_needs")) GTEST_SKIP() << "needs " << table["recipe_needs"];
+    if (table.contains("recipe_needs") && longest_name() < 24)
+      GTEST_SKIP() << "needs " << table["recipe_needs"];
     const auto golden = copy_reference(table["file"], golden_.path());
     if (!golden) GTEST_SKIP() << table["file"] << " is packed, and gzip is not there to unpack it";
     recipe_bench bench;

@@ -1,0 +1,60 @@
+#include "cell_value.h"
+
+#include <cmath>
+
+#include "absent.h"
+#include "column_types.h"
+#include "decimal.h"
+#include "encoding.h"
+#include "failure.h"
+#include "words.h"
+
+namespace command {
+namespace {
+
+void plan_number(cell_value& value, const std::string& words, bool single) {
+  if (is_word_for_absent(words) || without_blanks(words).empty()) {
+    value.number = absent_number;
+    value.narrow = static_cast<float>(absent_number);
+    return;
+  }
+  const number_cell number = read_number(words);
+  const std::string& name = value.field->name;
+  if (!number.is_number) throw failure(fmt::format("{}: {} is not a number; the column holds numbers", name, words));
+  value.number = number.value;
+  if (!single) return;
+  value.narrow = read_float(words, value.kept);
+  if (std::isinf(value.narrow)) {
+    throw failure(fmt::format("{}: {} is beyond the range of single precision", name, words));
+  }
+}
+
+void plan_text(cell_value& value, const std::string& words) {
+  const std::string_view text = stored_text(words);
+  const utf8_facts facts = look_at_utf8(text);
+  const field_view& field = *value.field;
+  if (!facts.valid || facts.foreign != 0) {
+    throw failure(field.name + ": the value has a character that is not in Windows-1252");
+  }
+  if (facts.characters > static_cast<std::size_t>(field.width)) {
+    throw failure(fmt::format("{}: the text has {} characters, more than the {} of the column", field.name,
+                              facts.characters, field.width));
+  }
+  value.text = ovfile::text(text);
+}
+
+}  // namespace
+
+bool is_word_for_absent(const std::string& words) noexcept { return words == "-" || words == "absent"; }
+
+cell_value plan_value(const field_view& field, const std::string& words, bool single) {
+  cell_value value{&field};
+  if (field.is_text) {
+    plan_text(value, words);
+  } else {
+    plan_number(value, words, single);
+  }
+  return value;
+}
+
+}  // namespace command

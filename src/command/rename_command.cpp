@@ -1,0 +1,55 @@
+// ovfile rename: a field gets another name.
+#include <memory>
+
+#include "commands.h"
+#include "console.h"
+#include "failure.h"
+#include "table_options.h"
+#include "table_view.h"
+#include "words.h"
+
+namespace command {
+namespace {
+
+constexpr const char* help =
+    "Gives a field of a table another name; its values stay. Names differ by case: AU and Au are two.";
+
+struct rename_request {
+  std::string table;
+  std::string old_name;
+  std::string new_name;
+};
+
+/// The library may say that all went well and have kept the old name.
+void check_renamed(const table_view& view, LONG column, const std::string& wanted) {
+  ovfile::text name;
+  view.check(view.schema()->GetFieldName(column, name.out()));
+  if (name.utf8() == wanted) return;
+  throw failure(
+      fmt::format("{}: the column could not be named {}; it is {}", view.file(), wanted, name.utf8()));
+}
+
+void run_rename(const rename_request& request) {
+  const interrupt_guard guard;
+  const table_view view(request.table, table_access::change);
+  const field_view& field = view.field(request.old_name);
+  if (request.new_name != request.old_name) view.check_new_name(request.new_name);
+  view.check(
+      view.table().SetColumnName(field.column, ovfile::text(std::string_view(request.new_name)).get()));
+  check_renamed(view, field.column, request.new_name);
+  view.close();
+}
+
+}  // namespace
+
+void define_rename(CLI::App& program) {
+  auto request = std::make_shared<rename_request>();
+  CLI::App* const app = program.add_subcommand("rename", "Give a field another name");
+  app->footer(help);
+  add_table_argument(*app, request->table);
+  app->add_option("old", request->old_name, "the field's name")->required();
+  app->add_option("new", request->new_name, "what it shall be called")->required();
+  app->callback([request] { run_rename(*request); });
+}
+
+}  // namespace command

@@ -1,0 +1,52 @@
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <string>
+
+#include "failure.h"
+#include "raw_file.h"
+#include "session_mark.h"
+
+namespace command {
+namespace {
+
+constexpr const char* mark = "MaxFieldNameLength";
+
+std::string setting(const char* name) {
+  const char* const value = std::getenv(name);
+  return value == nullptr ? "" : value;
+}
+
+/// The folder in which atoms are files. Without a slash at its end: the system would follow a link.
+std::string atom_folder() {
+  std::string folder = setting("OVFILE_ATOMS");
+  if (folder.empty()) {
+    const std::string runtime = setting("XDG_RUNTIME_DIR");
+    folder = runtime.empty() ? "/tmp/orvexa-atoms-" + std::to_string(::getuid()) : runtime + "/orvexa-atoms";
+  }
+  while (folder.size() > 1 && folder.back() == '/') folder.pop_back();
+  return folder;
+}
+
+/// Like the library, never uses a folder that somebody else may have put there.
+bool is_ours(int folder) {
+  struct stat facts {};
+  return ::fstat(folder, &facts) == 0 && facts.st_uid == ::geteuid();
+}
+
+}  // namespace
+
+void forget_session_mark() {
+  const std::string name = atom_folder();
+  const int folder = ::open(name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+  if (folder < 0) return;
+  const bool failed = is_ours(folder) && ::unlinkat(folder, mark, 0) != 0 && errno != ENOENT;
+  const std::string reason = failed ? last_reason() : std::string();
+  ::close(folder);
+  if (failed) throw failure("cannot remove " + name + "/" + mark + ": " + reason);
+}
+
+}  // namespace command
