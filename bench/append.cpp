@@ -24,7 +24,7 @@ void measure(benchmark::State& state, const std::filesystem::path& path, Make ma
 
 int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
-  const long rows = std::min(ovbench::large_rows(), 1'000'000L);
+  const long rows = std::min(ovbench::large_rows(), 2'000'000L);
   const ovbench::scratch_folder folder;
   const auto table = folder / "append.ovt";
   const auto database = folder / "append.db";
@@ -50,7 +50,7 @@ int main(int argc, char** argv) {
   ovbench::medians report;
   benchmark::RunSpecifiedBenchmarks(&report);
   const double values = static_cast<double>(rows) * ovbench::columns;
-  report.print_ratio("append in double precision", "append_double", "append_sqlite", values);
-  report.print_ratio("append in single precision", "append_single", "append_sqlite", values);
+  report.print_ratio("append in double precision", "append_double", "append_sqlite", values, 4);
+  report.print_ratio("append in single precision", "append_single", "append_sqlite", values, 4);
   return report.failed() ? 1 : 0;
 }

@@ -49,6 +49,21 @@ class medians : public benchmark::ConsoleReporter {
                 other.processor / values * 1e9, other.processor / mine.processor);
   }
 
+  /// How many times as long the first takes as something plain that does the least one has to, which a
+  /// limit may stand for.
+  void print_cost(const std::string& what, const std::string& ours, const std::string& plain, double values,
+                  double limit) const {
+    if (!has(ours) || !has(plain)) return;
+    const times mine = seconds_.at(ours);
+    const times other = seconds_.at(plain);
+    const double ratio = mine.elapsed / other.elapsed;
+    std::printf("%s: ovfile %.2f ns, plain %.2f ns each, ratio %.2f (target at most %.0f: %s)", what.c_str(),
+                mine.elapsed / values * 1e9, other.elapsed / values * 1e9, ratio, limit,
+                ratio <= limit ? "reached" : "missed");
+    std::printf("; processor time %.2f ns, %.2f ns, ratio %.2f\n", mine.processor / values * 1e9,
+                other.processor / values * 1e9, mine.processor / other.processor);
+  }
+
  private:
   struct times {
     double elapsed = 0;
