@@ -89,7 +89,7 @@ TEST_F(Ranges, OfAnEmptyTableAreNotThere) {
 TEST_F(Ranges, HaveNoColumnOutsideTheTable) {
   make("NN", true);
   add_row({1, 2});
-  for (const LONG column : {0, -1, 3, 1000, std::numeric_limits<LONG>::min()}) {
+  for (const LONG column : std::vector<LONG>{0, -1, 3, 1000, std::numeric_limits<LONG>::min()}) {
     double value = 77;
     EXPECT_REPORT(table_->GetColumnMin(column, &value), no_minimum);
     EXPECT_EQ(value, 0);
