@@ -9,6 +9,8 @@ import tempfile
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 TEXT = (ROOT / "README.md").read_text(encoding="utf-8")
+# Commands that write a file have nothing to show.
+WRITING = re.compile(r"\./ovfile (import|export|new|rename) ")
 EXAMPLES = [path.read_text(encoding="utf-8") for path in (ROOT / "docs" / "examples").glob("*.cpp")]
 
 
@@ -26,7 +28,7 @@ def run_commands():
             run = subprocess.run(line, shell=True, cwd=folder, capture_output=True, text=True)
             if run.returncode != 0:
                 yield f"{line}: exit status {run.returncode}: {run.stderr.strip()}"
-            elif not run.stdout and not re.search(r"import|export", line):
+            elif not run.stdout and not WRITING.match(line):
                 yield f"{line}: shows nothing"
 
 
