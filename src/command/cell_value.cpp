@@ -20,7 +20,8 @@ void plan_number(cell_value& value, const std::string& words, bool single) {
   }
   const number_cell number = read_number(words);
   const std::string& name = value.field->name;
-  if (!number.is_number) throw failure(fmt::format("{}: {} is not a number; the column holds numbers", name, words));
+  if (!number.is_number)
+    throw failure(fmt::format("{}: {} is not a number; the column holds numbers", name, words));
   value.number = number.value;
   if (!single) return;
   value.narrow = read_float(words, value.kept);
@@ -48,7 +49,8 @@ void plan_text(cell_value& value, const std::string& words) {
 bool is_word_for_absent(const std::string& words) noexcept { return words == "-" || words == "absent"; }
 
 cell_value plan_value(const field_view& field, const std::string& words, bool single) {
-  cell_value value{&field};
+  cell_value value;
+  value.field = &field;
   if (field.is_text) {
     plan_text(value, words);
   } else {

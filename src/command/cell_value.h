@@ -12,11 +12,11 @@ bool is_word_for_absent(const std::string& words) noexcept;
 
 /// A value that fits its column.
 struct cell_value {
-  const field_view* field;
-  double number = 0;     ///< of a column of numbers
-  float narrow = 0;      ///< the same for a single-precision table, rounded once
-  bool kept = true;      ///< single precision has all digits
-  ovfile::text text;     ///< of a column of texts
+  const field_view* field = nullptr;
+  double number = 0;    ///< of a column of numbers
+  float narrow = 0;     ///< the same for a single-precision table, rounded once
+  bool kept = true;     ///< single precision has all digits
+  ovfile::text text{};  ///< of a column of texts
 };
 
 /// The value that `words` stand for: a number for a column of numbers (`-`, `absent` and nothing are the

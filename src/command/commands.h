@@ -4,9 +4,10 @@
 
 #include <CLI/CLI.hpp>
 
-#define OVFILE_COMMANDS(one)                                                                                \
-  one(import) one(info) one(head) one(export) one(stats) one(schema) one(new) one(set) one(set_default) \
-      one(rename) one(add_implicit) one(kinds) one(settings)
+#define OVFILE_COMMANDS(one)                                                                               \
+  one(import) one(info) one(head) one(export) one(stats) one(diff) one(sign) one(schema) one(new) one(set) \
+      one(set_default) one(sort) one(delete_rows) one(truncate) one(alter) one(rename) one(add_implicit)   \
+          one(kinds) one(settings)
 
 namespace command {
 

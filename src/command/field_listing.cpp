@@ -18,11 +18,6 @@ std::string number_default_text(const field_view& field, bool single) {
   return single ? number_text(static_cast<float>(field.number_default)) : number_text(field.number_default);
 }
 
-std::string default_words(const field_view& field, bool single) {
-  if (field.is_text) return field.text_default;
-  return is_absent_default(field, single) ? "absent" : number_default_text(field, single);
-}
-
 std::string json_default(const field_view& field, bool single) {
   if (field.is_text) return json_text(field.text_default);
   if (is_absent_default(field, single)) return "null";
@@ -31,6 +26,11 @@ std::string json_default(const field_view& field, bool single) {
 }
 
 }  // namespace
+
+std::string default_words(const field_view& field, bool single) {
+  if (field.is_text) return field.text_default;
+  return is_absent_default(field, single) ? "absent" : number_default_text(field, single);
+}
 
 void append_field_lines(std::string& out, const std::vector<field_view>& fields, bool single) {
   std::size_t name_width = 5;

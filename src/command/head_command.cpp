@@ -1,5 +1,6 @@
 // ovfile head: some rows of a table, in columns to read.
 #include <algorithm>
+#include <cstdint>
 #include <limits>
 #include <memory>
 
@@ -51,8 +52,10 @@ class row_printer {
     }
     end();
     row_walk walk(view_, condition_);
-    if (request_.count == 0 || !skip(walk)) return;
-    for (LONG row = 0; row < request_.count && walk.next(); ++row) {
+    std::int64_t passed = leave_out(walk);
+    const std::int64_t last = std::int64_t{request_.from} + request_.count - 1;
+    while (passed < last && walk.next()) {
+      if (++passed < request_.from) continue;
       for (std::size_t i = 0; i < fields_.size(); ++i) {
         raw_.clear();
         view_.append_cell(raw_, fields_[i], request_.options.absent);
@@ -61,19 +64,17 @@ class row_printer {
       }
       end();
     }
+    if (condition_ && request_.from > 1 && passed < std::min<std::int64_t>(request_.from, last)) {
+      throw failure(fmt::format("{} has no row {} that meets the condition; {} {}", view_.file(),
+                                request_.from, passed, passed == 1 ? "does" : "do"));
+    }
   }
 
-  /// Goes before the first row to show; false when the table has none.
-  bool skip(row_walk& walk) const {
-    if (!condition_) {
-      if (request_.from > view_.rows()) return false;
-      walk.start_before(request_.from);
-      return true;
-    }
-    LONG passed = 0;
-    while (passed + 1 < request_.from && walk.next()) ++passed;
-    if (passed + 1 == request_.from) return true;
-    throw failure(fmt::format("{} has no row {} that meets the condition; {} do", view_.file(), request_.from, passed));
+  /// Where every row counts, the first ones need not be looked at. Returns how many are left out.
+  LONG leave_out(row_walk& walk) const {
+    if (condition_ || request_.from > view_.rows()) return 0;
+    walk.start_before(request_.from);
+    return request_.from - 1;
   }
 
   /// Control characters would move the cursor, or worse: they show as full stops.

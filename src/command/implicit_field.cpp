@@ -40,10 +40,10 @@ std::size_t width_for(const std::string& who, std::size_t characters,
 
 }  // namespace
 
-implicit_field parse_implicit(const std::string& what, const std::string& argument) {
+implicit_field parse_implicit(const std::string& what, const std::string& argument, const char* form) {
   const std::size_t equals = argument.find('=');
   if (equals == argument.npos || equals == 0) {
-    throw wrong_usage(fmt::format("{}{}: expected NAME=VALUE", what, argument));
+    throw wrong_usage(fmt::format("{}{}: expected {}", what, argument, form));
   }
   return {argument.substr(0, equals), argument.substr(equals + 1)};
 }

@@ -23,12 +23,14 @@ struct implicit_field {
 };
 
 /// Takes NAME=VALUE apart. Throws `wrong_usage`, whose words begin with `what` (an option's name and a
-/// blank, or nothing).
-implicit_field parse_implicit(const std::string& what, const std::string& argument);
+/// blank, or nothing) and end with the `form` that was expected.
+implicit_field parse_implicit(const std::string& what, const std::string& argument,
+                              const char* form = "NAME=VALUE");
 
-/// The field that holds the value: a number where the value is one, absent where it has no characters
-/// or is a word for it (cell_value.h), else text as wide as the value. A `text_width` makes it text of that width. Throws `failure`,
-/// whose words begin with `what` and the name, for a value that a table of this precision cannot hold.
+/// The field that holds the value: a number where the value is one, absent where it has no characters or
+/// is a word for it (cell_value.h), else text as wide as the value. A `text_width` makes it text of that
+/// width. Throws `failure`, whose words begin with `what` and the name, for a value that a table of this
+/// precision cannot hold.
 planned_field plan_implicit(const std::string& what, const implicit_field& wanted, bool single,
                             std::optional<std::size_t> text_width = {});
 

@@ -6,4 +6,6 @@
 #include "../../src/command/encoding.cpp"
 #include "../../src/command/field_names.cpp"
 #include "../../src/command/kind_words.cpp"
+#include "../../src/command/number_stats.cpp"
 #include "../../src/command/raw_file.cpp"
+#include "../../src/command/text_counter.cpp"

@@ -80,6 +80,16 @@ TEST_F(import_test, implicit_columns_have_one_value) {
   EXPECT_EQ(info()["record_words"], 1);
 }
 
+TEST_F(import_test, an_implicit_column_may_be_absent) {
+  for (const char* value : {"-", "absent", ""}) {
+    write("in.csv", "A\n1\n");
+    run_quietly({"import", "in.csv", "t.ovt", "--implicit", std::string("GAP=") + value});
+    EXPECT_EQ(
+        info()["fields"][1],
+        nlohmann::json::parse(R"({"name":"GAP","type":"number","width":4,"implicit":true,"default":null})"));
+  }
+}
+
 TEST_F(import_test, implicit_columns_are_checked) {
   const std::string csv = "A,B\n1,2\n";
   expect_no_table(csv, "--implicit A: in.csv has a column of that name", {"--implicit", "A=1"});

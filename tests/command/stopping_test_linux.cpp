@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include "command/command_test.h"
+#include "ovfile/smart.h"
 
 namespace {
 
@@ -106,6 +107,85 @@ TEST_F(stopping_test, a_signal_leaves_no_table) {
     EXPECT_TRUE(read("t.ovt") == before);
     EXPECT_EQ(files(), (names{"in.csv", "long.csv", "t.ovt"}));
   }
+}
+
+/// Runs the program and sends it the signal after so many milliseconds, unless it is done before.
+void stop_after(const std::string& program, const std::filesystem::path& folder, names arguments,
+                int milliseconds, int signal) {
+  arguments.insert(arguments.begin(), "ovfile");
+  std::vector<char*> values;
+  for (std::string& argument : arguments) values.push_back(argument.data());
+  values.push_back(nullptr);
+  const pid_t child = ::fork();
+  if (child == 0) {
+    if (::chdir(folder.c_str()) != 0 || ::close(2) != 0) ::_exit(127);
+    ::execv(program.c_str(), values.data());
+    ::_exit(127);
+  }
+  ::usleep(static_cast<useconds_t>(milliseconds) * 1000);
+  ::kill(child, signal);
+  int status = 0;
+  ::waitpid(child, &status, 0);
+}
+
+TEST_F(stopping_test, a_signal_leaves_the_old_table_or_the_new_one) {
+  std::string csv = "A,B\n";
+  for (int i = 0; i < 60000; ++i) csv += std::to_string(60000 - i) + ",text\n";
+  write("in.csv", csv);
+  run_quietly({"import", "in.csv", "old.ovt"});
+  const std::string before = read("old.ovt");
+  const char* const set = std::getenv("OVFILE_COMMAND");
+  const std::string program = set != nullptr ? set : OVFILE_COMMAND_PATH;
+  const std::vector<names> works = {{"sort", "t.ovt", "--by", "A"},
+                                    {"alter", "t.ovt", "--drop", "A"},
+                                    {"delete-rows", "t.ovt", "--where", "A > 100"},
+                                    {"set", "t.ovt", "A=5", "--where", "A > 100"}};
+  for (const names& work : works) {
+    write("t.ovt", before);
+    EXPECT_EQ(run(work).status, 0);
+    const std::string after = read("t.ovt");
+    EXPECT_TRUE(before != after);
+    for (const int milliseconds : {0, 5, 10, 20, 30, 40, 60, 90}) {
+      SCOPED_TRACE(work.front() + " after " + std::to_string(milliseconds));
+      write("t.ovt", before);
+      stop_after(program, folder().path(), work, milliseconds, SIGINT);
+      const std::string left = read("t.ovt");
+      EXPECT_TRUE(left == before || left == after);
+      EXPECT_EQ(files(), (names{"in.csv", "old.ovt", "t.ovt"}));
+    }
+  }
+}
+
+TEST_F(stopping_test, differences_that_nobody_reads_are_differences) {
+  make_long_table();
+  write("b.csv", "A,B\n1,x\n");
+  run_quietly({"import", "b.csv", "u.ovt"});
+  (void)shell("{ \"$OVFILE\" diff t.ovt u.ovt; echo $? >status; } | head -n 1");
+  EXPECT_EQ(read("status"), "1\n");
+  if (::access("/dev/full", W_OK) != 0) GTEST_SKIP() << "/dev/full is not there";
+  EXPECT_EQ(shell("exec \"$OVFILE\" diff t.ovt u.ovt >/dev/full").status, 2);
+}
+
+TEST_F(stopping_test, a_table_that_is_open_elsewhere_is_not_written_anew) {
+  round_trip("A\n2\n1\n");
+  const std::string before = read("t.ovt");
+  const auto reader = ovfile::create_table();
+  const ovfile::text name{std::string_view((folder() / "t.ovt").string())};
+  ASSERT_EQ(reader->Open(name.get(), 1), S_OK);
+  const ovtest::process_result result = run({"sort", "t.ovt", "--by", "A"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.error.substr(0, 15), "ovfile: t.ovt: ");
+  EXPECT_EQ(reader->Close(), S_OK);
+  EXPECT_TRUE(read("t.ovt") == before);
+  EXPECT_EQ(files(), (names{"in.csv", "t.ovt"}));
+}
+
+TEST_F(stopping_test, a_table_that_is_sorted_is_not_written) {
+  round_trip("A\n1\n1\n2\n");
+  const auto before = std::filesystem::last_write_time(folder() / "t.ovt");
+  std::filesystem::last_write_time(folder() / "t.ovt", before - std::chrono::hours(1));
+  run_quietly({"sort", "t.ovt", "--by", "A"});
+  EXPECT_EQ(std::filesystem::last_write_time(folder() / "t.ovt"), before - std::chrono::hours(1));
 }
 
 TEST_F(stopping_test, a_link_stays_a_link) {

@@ -1,0 +1,54 @@
+// ovfile delete-rows: rows of a table go away.
+#include <memory>
+
+#include "commands.h"
+#include "failure.h"
+#include "rebuild.h"
+#include "row_choice.h"
+#include "table_options.h"
+#include "words.h"
+
+namespace command {
+namespace {
+
+constexpr const char* help =
+    "Deletes the rows that meet a CONDITION like \"AU IS ABSENT\", or those of a list like 3,10-20. The "
+    "table\n"
+    "is written anew and takes the old one's place in one step.";
+
+struct deletion_request {
+  std::string table;
+  std::optional<std::string> where;
+  std::string rows;
+};
+
+void run_delete_rows(const deletion_request& request) {
+  if (!request.where && request.rows.empty())
+    throw wrong_usage("--where CONDITION or --rows LIST is required");
+  table_view view(request.table, table_access::change);
+  const row_choice doomed =
+      request.where ? rows_that_pass(view, request.where) : listed_rows(view, request.rows);
+  if (doomed.count() > 0) {
+    std::vector<LONG> kept;
+    kept.reserve(static_cast<std::size_t>(view.rows() - doomed.count()));
+    for (LONG row = 1; row <= view.rows(); ++row) {
+      if (!doomed.has(row)) kept.push_back(row);
+    }
+    rebuild(view, &kept);
+  }
+  say(fmt::format("{} of {} rows deleted", doomed.count(), view.rows()));
+}
+
+}  // namespace
+
+void define_delete_rows(CLI::App& program) {
+  auto request = std::make_shared<deletion_request>();
+  CLI::App* const app = program.add_subcommand("delete-rows", "Delete chosen rows of a table");
+  app->footer(help);
+  add_table_argument(*app, request->table);
+  CLI::Option* const where = add_where_option(*app, request->where);
+  app->add_option("--rows", request->rows, "these rows")->type_name("3,10-20,...")->excludes(where);
+  app->callback([request] { run_delete_rows(*request); });
+}
+
+}  // namespace command

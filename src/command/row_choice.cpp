@@ -1,0 +1,71 @@
+#include "row_choice.h"
+
+#include <algorithm>
+#include <charconv>
+
+#include "failure.h"
+#include "progress.h"
+#include "row_condition.h"
+#include "words.h"
+
+namespace command {
+namespace {
+
+struct row_range {
+  LONG first = 0;
+  LONG last = 0;
+};
+
+/// The number that makes up the whole text; 0 for anything else.
+LONG row_in(std::string_view text) {
+  LONG row = 0;
+  const auto read = std::from_chars(text.data(), text.data() + text.size(), row);
+  const bool whole = read.ec == std::errc() && read.ptr == text.data() + text.size();
+  return whole && row > 0 ? row : 0;
+}
+
+row_range range_in(std::string_view item, const std::string& list) {
+  const std::size_t dash = item.find('-');
+  row_range range;
+  range.first = row_in(item.substr(0, dash));
+  range.last = dash == item.npos ? range.first : row_in(item.substr(dash + 1));
+  if (range.first == 0 || range.last < range.first) {
+    throw wrong_usage(fmt::format("--rows {}: expected rows and ranges like 3,10-20", list));
+  }
+  return range;
+}
+
+}  // namespace
+
+row_choice rows_that_pass(table_view& view, const std::optional<std::string>& condition) {
+  row_choice rows(view.rows());
+  if (!condition) {
+    for (LONG row = 1; row <= view.rows(); ++row) rows.choose(row);
+    return rows;
+  }
+  const std::optional<row_condition> meets = make_condition(view, condition);
+  progress bar("looking");
+  for (row_walk walk(view, meets); walk.next();) {
+    rows.choose(walk.row());
+    bar.at(static_cast<std::uint64_t>(walk.row()), static_cast<std::uint64_t>(view.rows()));
+  }
+  return rows;
+}
+
+row_choice listed_rows(const table_view& view, const std::string& list) {
+  row_choice rows(view.rows());
+  std::size_t begin = 0;
+  while (begin <= list.size()) {
+    const std::size_t end = std::min(list.find(',', begin), list.size());
+    const row_range range = range_in(std::string_view(list).substr(begin, end - begin), list);
+    if (range.last > view.rows()) {
+      const LONG missing = std::max(range.first, view.rows() + 1);
+      throw failure(fmt::format("{} has no row {}; it has {}", view.file(), missing, view.rows()));
+    }
+    for (LONG row = range.first; row <= range.last; ++row) rows.choose(row);
+    begin = end + 1;
+  }
+  return rows;
+}
+
+}  // namespace command

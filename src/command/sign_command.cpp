@@ -1,0 +1,50 @@
+// ovfile sign: a digest of what a table holds.
+#include <memory>
+
+#include "commands.h"
+#include "table_options.h"
+#include "table_view.h"
+#include "text_output.h"
+
+namespace command {
+namespace {
+
+constexpr const char* help =
+    "Prints the signature of a table: 40 hexadecimal digits made of its fields and rows, which are the same\n"
+    "for tables that hold the same. A tight one counts the description, the order of the fields and the\n"
+    "precision, a loose one none of them.";
+
+struct signature_request {
+  std::string table;
+  bool loose = false;
+  bool tight = false;
+  std::optional<LONG> decimals;
+};
+
+void run_sign(const signature_request& request) {
+  const table_view view(request.table);
+  const VARIANT_BOOL ignore = request.loose ? VARIANT_TRUE : VARIANT_FALSE;
+  ovfile::text digits;
+  view.check(view.table().GetSignature(ignore, ignore, ignore, request.decimals.value_or(-1), digits.out()));
+  text_output output;
+  output.text() = digits.utf8() + "  " + view.file() + "\n";
+  output.finish();
+}
+
+}  // namespace
+
+void define_sign(CLI::App& program) {
+  auto request = std::make_shared<signature_request>();
+  CLI::App* const app = program.add_subcommand("sign", "Print the signature of a table");
+  app->footer(help);
+  add_table_argument(*app, request->table);
+  CLI::Option* const loose =
+      app->add_flag("--loose", request->loose, "whatever description, order of fields and precision");
+  app->add_flag("--tight", request->tight, "with all of them (the default)")->excludes(loose);
+  app->add_option("--decimals", request->decimals, "numbers rounded to so many decimals")
+      ->type_name("N")
+      ->check(CLI::Range(LONG{0}, LONG{1000}));
+  app->callback([request] { run_sign(*request); });
+}
+
+}  // namespace command
