@@ -1,6 +1,5 @@
 #include "table/cell_copy.h"
 
-#include "storage/file_error.h"
 #include "table/column_values.h"
 
 namespace ovf {
@@ -34,11 +33,32 @@ void copy_row(table& from, table& to, std::span<const column_origin> origins) {
     if (origins[i].column == 0) continue;
     try {
       copy_cell(from, to, static_cast<LONG>(i + 1), origins[i]);
-    } catch (const file_error&) {
-      throw;
     } catch (const MyExceptionClass& error) {
       throw cell_error(error.message(), static_cast<LONG>(from.currentRow()), origins[i].column);
     }
+  }
+}
+
+/// Appends the current row of `from`.
+void append_row(table& from, table& to, std::span<const column_origin> origins) {
+  to.addRow();
+  put_default_texts(to, origins);
+  copy_row(from, to, origins);
+}
+
+/// Appends the rows in the order of the file, and puts their records into the right order behind them.
+void append_part(table& from, table& to, std::span<const column_origin> origins,
+                 std::span<const std::uint32_t> rows, std::vector<std::byte>& records) {
+  const std::uint64_t first = to.getRowCount() + 1;
+  const std::size_t bytes = to.recordBytes();
+  records.resize(rows.size() * bytes);
+  walk_in_file_order(from, rows, [&](std::size_t place) {
+    append_row(from, to, origins);
+    to.readRecord(0, records.data() + place * bytes);
+  });
+  for (std::size_t place = 0; place < rows.size(); ++place) {
+    move_to_row(to, first + place);
+    to.writeRecord(0, records.data() + place * bytes);
   }
 }
 
@@ -48,17 +68,17 @@ cell_error::cell_error(wide_view reason, LONG row, LONG column)
     : MyExceptionClass(wide(reason)), row_(row), column_(column) {}
 
 void copy_cells(table& from, table& to, std::span<const column_origin> origins,
-                std::span<const std::uint32_t> rows) {
-  for (const std::uint32_t row : rows) {
-    if (from.currentRow() + 1 == row) {
-      from.nextRow();
-    } else {
-      from.goToRow(row);
+                std::span<const std::uint32_t> rows, std::size_t memory) {
+  if (std::ranges::is_sorted(rows)) {
+    for (const std::uint32_t row : rows) {
+      move_to_row(from, row);
+      append_row(from, to, origins);
     }
-    to.addRow();
-    put_default_texts(to, origins);
-    copy_row(from, to, origins);
+    return;
   }
+  std::vector<std::byte> records;
+  in_parts(rows, to.recordBytes(), memory,
+           [&](std::span<const std::uint32_t> part) { append_part(from, to, origins, part, records); });
 }
 
 }  // namespace ovf

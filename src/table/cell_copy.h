@@ -1,13 +1,8 @@
 // Rows of one table appended to another of a different shape, value by value.
 #pragma once
 
-#include <cstdint>
-#include <span>
-#include <string>
-#include <vector>
-
-#include "engine/table.h"
 #include "ovfile/ovfile.h"
+#include "table/row_walk.h"
 
 namespace ovf {
 
@@ -29,9 +24,10 @@ class cell_error : public MyExceptionClass {
   LONG column_;
 };
 
-/// Appends the rows of `from` to `to`, column i of which has its values from `origins[i - 1]`. Throws
+/// Appends the rows of `from` in the order of their numbers to `to`, column i of which has its values from
+/// `origins[i - 1]`. Reads in the order of the file, `memory` as for `copy_rows` (row_copy.h). Throws
 /// cell_error, and what reading and writing throw.
 void copy_cells(table& from, table& to, std::span<const column_origin> origins,
-                std::span<const std::uint32_t> rows);
+                std::span<const std::uint32_t> rows, std::size_t memory = waiting_memory);
 
 }  // namespace ovf

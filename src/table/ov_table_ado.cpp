@@ -1,6 +1,5 @@
 #include "table/ov_table_ado.h"
 
-#include "platform/file.h"
 #include "table/rebuild_request.h"
 #include "table/shared_methods.h"
 
@@ -43,10 +42,14 @@ HRESULT COvTableADO::Update() {
   if (core_.is_read_only()) return report(*this, update_read_only);
   return guard(*this, [&]() -> HRESULT {
     const LONG row = long_of(core_.opened().currentRow());
-    const wide file_name = absolute_path(core_.opened().getFileName());
+    const wide path = core_.path();
     const HRESULT closed = Close();
     if (FAILED(closed)) return closed;
-    core_.reopen(file_name);
+    try {
+      core_.reopen(path);
+    } catch (const table_core::not_open&) {
+      return report(*this, missing_file);
+    }
     (void)MoveTo(row);
     return S_OK;
   });

@@ -1,7 +1,6 @@
 #include "platform/system_error.h"
 #include "storage/file_error.h"
 #include "table/ov_table_ado.h"
-#include "table/row_copy.h"
 #include "table/table_edits.h"
 
 namespace ovf {
@@ -22,11 +21,12 @@ wide replacing_message(const not_replaced& refusal) {
 HRESULT COvTableADO::DeleteRow(LONG lRow) {
   if (core_.is_read_only()) return report(*this, read_only_refused);
   return guard(*this, [&]() -> HRESULT {
-    std::vector<std::uint32_t> rows = all_rows(core_.opened());
+    std::vector<std::uint32_t> rows = all_rows(core_);
     if (lRow < 1 || static_cast<std::size_t>(lRow) > rows.size()) return report(*this, bad_index);
     rows.erase(rows.begin() + (lRow - 1));
     try {
-      keep_rows(core_, rows);
+      if (!core_.schema) throw no_copy_made();
+      keep_rows(core_, *core_.schema.get(), rows);
       return S_OK;
     } catch (const no_copy_made&) {
       return report(*this, copy_failed);

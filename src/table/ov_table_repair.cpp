@@ -1,6 +1,5 @@
 #include "table/ov_table.h"
 #include "table/repair_plan.h"
-#include "table/row_copy.h"
 #include "table/schema_transfer.h"
 #include "table/table_edits.h"
 
@@ -19,7 +18,7 @@ HRESULT COvTable::Repair(IOvSchema* pSchema) {
   return guard(*this, [&]() -> HRESULT {
     const auto origins = repair_plan(*core_.schema.get(), *pSchema);
     if (!origins) return S_OK;
-    std::vector<std::uint32_t> rows = all_rows(core_.opened());
+    std::vector<std::uint32_t> rows = all_rows(core_);
     // The last row is left behind: hosts add one before they repair.
     if (!rows.empty()) rows.pop_back();
     try {

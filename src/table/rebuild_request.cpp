@@ -3,7 +3,6 @@
 #include <optional>
 
 #include "platform/system_error.h"
-#include "table/row_copy.h"
 #include "table/schema_transfer.h"
 #include "table/table_edits.h"
 
@@ -17,7 +16,7 @@ constexpr wide_view bad_count = OLESTR("Rebuild failed, %d is no number of rows"
 constexpr wide_view bad_row = OLESTR("Rebuild failed, row %d does not exist");
 constexpr wide_view row_twice = OLESTR("Rebuild failed, row %d is named twice");
 constexpr wide_view bad_value = OLESTR("Rebuild failed, row %d, column %d: %s");
-constexpr wide_view copy_failed = OLESTR("Rebuild failed, no copy of the table can be made");
+constexpr wide_view copy_failed = OLESTR("Rebuild failed, no copy of the table can be made: %s");
 constexpr wide_view replacing_failed = OLESTR("Rebuild failed, the copy cannot replace %s: %s");
 constexpr wide_view reopening_failed = OLESTR("Rebuild failed, the new table cannot be opened");
 
@@ -32,10 +31,11 @@ void require(HRESULT status) {
   if (FAILED(status)) throw com_error(status);
 }
 
-std::vector<std::uint32_t> rows_of(table& from, const rebuild_request& request) {
-  if (request.row_of == nullptr) return all_rows(from);
+std::vector<std::uint32_t> rows_of(table_core& core, const rebuild_request& request) {
+  std::vector<std::uint32_t> all = all_rows(core);
+  if (request.row_of == nullptr) return all;
   if (request.rows < 0) fail(bad_count, static_cast<long long>(request.rows));
-  std::vector<bool> named(static_cast<std::size_t>(from.getRowCount()) + 1);
+  std::vector<bool> named(all.size() + 1);
   std::vector<std::uint32_t> rows;
   for (LONG i = 0; i < request.rows; ++i) {
     const LONG row = request.row_of[i];
@@ -78,9 +78,9 @@ std::vector<column_origin> origins_of(table& from, IOvSchema& schema, const rebu
 }
 
 void run(table_core& core, const rebuild_request& request) {
-  const std::vector<std::uint32_t> rows = rows_of(core.opened(), request);
-  if (request.schema == nullptr && request.column_of == nullptr) return keep_rows(core, rows);
-  const auto schema = request.schema != nullptr ? copy_of(*request.schema) : core.schema;
+  const std::vector<std::uint32_t> rows = rows_of(core, request);
+  const auto schema = request.schema != nullptr ? copy_of(*request.schema) : schema_of(core.opened());
+  if (request.schema == nullptr && request.column_of == nullptr) return keep_rows(core, *schema.get(), rows);
   const std::vector<column_origin> origins = origins_of(core.opened(), *schema.get(), request);
   rebuild_table(core, *schema.get(), origins, rows, request.schema == nullptr);
 }
@@ -95,8 +95,8 @@ void rebuild(table_core& core, const rebuild_request& request) {
   } catch (const cell_error& error) {
     fail(bad_value, static_cast<long long>(error.row()), static_cast<long long>(error.column()),
          wide_view(error.message()));
-  } catch (const no_copy_made&) {
-    fail(copy_failed);
+  } catch (const no_copy_made& failure) {
+    fail(copy_failed, wide_view(failure.reason));
   } catch (const not_replaced& refusal) {
     fail(replacing_failed, wide_view(refusal.path), wide_view(system_message(refusal.code)));
   } catch (const not_reopened&) {

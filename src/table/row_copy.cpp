@@ -1,18 +1,10 @@
 #include "table/row_copy.h"
 
 #include <algorithm>
-#include <numeric>
+#include <vector>
 
 namespace ovf {
 namespace {
-
-void move_to(table& from, std::uint32_t row) {
-  if (from.currentRow() + 1 == row) {
-    from.nextRow();
-  } else {
-    from.goToRow(row);
-  }
-}
 
 void append(table& to, const std::byte* record) {
   to.addRow();
@@ -21,29 +13,12 @@ void append(table& to, const std::byte* record) {
 
 /// Rows that stand in the order of the file need not wait.
 void copy_straight(table& from, table& to, std::span<const std::uint32_t> rows) {
-  std::vector<std::byte> record(from.recordBytes());
+  std::vector<std::byte> record(to.recordBytes());
   for (const std::uint32_t row : rows) {
-    move_to(from, row);
+    move_to_row(from, row);
     from.readFreshRecord(record.data());
     append(to, record.data());
   }
-}
-
-/// Reads the rows in the order of the file, each into its place, and appends them.
-void copy_gathered(table& from, table& to, std::span<const std::uint32_t> rows,
-                   std::vector<std::byte>& records) {
-  std::vector<std::uint64_t> in_file_order(rows.size());
-  for (std::size_t place = 0; place < rows.size(); ++place) {
-    in_file_order[place] = std::uint64_t{rows[place]} << 32 | place;
-  }
-  std::ranges::sort(in_file_order);
-  const std::size_t bytes = from.recordBytes();
-  records.resize(rows.size() * bytes);
-  for (const std::uint64_t next : in_file_order) {
-    move_to(from, static_cast<std::uint32_t>(next >> 32));
-    from.readFreshRecord(records.data() + static_cast<std::size_t>(next & 0xFFFFFFFFU) * bytes);
-  }
-  for (std::size_t place = 0; place < rows.size(); ++place) append(to, records.data() + place * bytes);
 }
 
 }  // namespace
@@ -62,19 +37,14 @@ bool have_like_records(table& one, table& other) {
 
 void copy_rows(table& from, table& to, std::span<const std::uint32_t> rows, std::size_t memory) {
   if (std::ranges::is_sorted(rows)) return copy_straight(from, to, rows);
-  const std::size_t at_once = std::max<std::size_t>(1, memory / from.recordBytes());
+  const std::size_t bytes = to.recordBytes();
   std::vector<std::byte> records;
-  while (!rows.empty()) {
-    const auto part = rows.first(std::min(at_once, rows.size()));
-    copy_gathered(from, to, part, records);
-    rows = rows.subspan(part.size());
-  }
-}
-
-std::vector<std::uint32_t> all_rows(table& of) {
-  std::vector<std::uint32_t> rows(static_cast<std::size_t>(of.getRowCount()));
-  std::iota(rows.begin(), rows.end(), 1U);
-  return rows;
+  in_parts(rows, bytes, memory, [&](std::span<const std::uint32_t> part) {
+    records.resize(part.size() * bytes);
+    walk_in_file_order(from, part,
+                       [&](std::size_t place) { from.readFreshRecord(records.data() + place * bytes); });
+    for (std::size_t place = 0; place < part.size(); ++place) append(to, records.data() + place * bytes);
+  });
 }
 
 }  // namespace ovf

@@ -1,11 +1,7 @@
 // Rows of one table appended to another, in any order, without one look into the file per row.
 #pragma once
 
-#include <cstdint>
-#include <span>
-#include <vector>
-
-#include "engine/table.h"
+#include "table/row_walk.h"
 
 namespace ovf {
 
@@ -18,9 +14,6 @@ bool have_like_records(table& one, table& other);
 /// turn take up to `memory` bytes, and with more of them the file is read as often as it takes. Throws
 /// what reading and writing throw.
 void copy_rows(table& from, table& to, std::span<const std::uint32_t> rows,
-               std::size_t memory = std::size_t{256} << 20);
-
-/// All rows' numbers in order.
-std::vector<std::uint32_t> all_rows(table& of);
+               std::size_t memory = waiting_memory);
 
 }  // namespace ovf

@@ -10,6 +10,8 @@
 namespace ovf {
 namespace {
 
+constexpr wide_view bad_field = OLESTR("The schema's field %s cannot be copied");
+
 HRESULT add_field(IOvSchema& schema, table& from, std::uint64_t index) {
   const ovfile::text name(wide_view(from.getFieldName(index)));
   const LONG implicit = from.isImplicit(index) ? 1 : 0;
@@ -72,13 +74,16 @@ void copy_field(IOvSchema& from, LONG index, bool is_double, IOvSchema& to) {
   require(from.GetFieldType(index, &type));
   require(from.GetFieldDefault(index, value.out()));
   const LONG is_implicit = implicit != VARIANT_FALSE ? 1 : 0;
+  HRESULT status = S_OK;
   if (type != ovColumnString) {
-    (void)to.AddNumericColumn(name.get(), to_double(value), is_implicit);
-    return;
+    status = to.AddNumericColumn(name.get(), to_double(value), is_implicit);
+  } else {
+    require(from.GetFieldSize(index, &bytes));
+    const ovfile::text text{wide_view(to_text(value))};
+    status = to.AddStringColumn(name.get(), is_double ? bytes / 2 : bytes, text.get(), is_implicit);
   }
-  require(from.GetFieldSize(index, &bytes));
-  const ovfile::text text{wide_view(to_text(value))};
-  (void)to.AddStringColumn(name.get(), is_double ? bytes / 2 : bytes, text.get(), is_implicit);
+  // Without it the columns behind it would take each other's values.
+  if (FAILED(status)) throw MyExceptionClass(wide_format(bad_field).arg(name.view()).text());
 }
 
 }  // namespace
@@ -112,6 +117,12 @@ ovfile::pointer<IOvSchema> new_schema() {
   require(COvSchema::create(nullptr, IID_IOvSchema, &made));
   ovfile::pointer<IOvSchema> schema;
   *schema.out() = static_cast<IOvSchema*>(made);
+  return schema;
+}
+
+ovfile::pointer<IOvSchema> schema_of(table& from) {
+  auto schema = new_schema();
+  require(fill_schema(*schema.get(), from));
   return schema;
 }
 

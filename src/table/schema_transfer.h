@@ -16,10 +16,13 @@ HRESULT fill_schema(IOvSchema& schema, table& from);
 table_definition definition_of(IOvSchema& schema);
 
 /// A new schema of this library with the fields, description and precision of another; latched when that
-/// one is. Fields that the adders refuse are missing.
+/// one is. Throws MyExceptionClass for a field that the adders refuse, com_error for methods that fail.
 ovfile::pointer<IOvSchema> copy_of(IOvSchema& schema);
 
 /// A new, empty schema of this library.
 ovfile::pointer<IOvSchema> new_schema();
+
+/// A new schema of this library that says what the table's file says. Throws com_error.
+ovfile::pointer<IOvSchema> schema_of(table& from);
 
 }  // namespace ovf

@@ -9,8 +9,6 @@
 namespace ovf {
 namespace {
 
-constexpr std::size_t prefix_units = sizeof(std::uint64_t) / sizeof(char16_t);
-
 /// Calls `take(row)` on each row in file order.
 template <class Take>
 void for_each_row(table& from, Take take) {
@@ -41,60 +39,63 @@ std::vector<CSortEntry> sorted_by_number(table& from, std::uint64_t column) {
   return entries;
 }
 
-std::uint64_t prefix_of(wide_view text) noexcept {
-  std::uint64_t prefix = 0;
-  for (std::size_t i = 0; i < prefix_units; ++i) {
-    prefix = prefix << 16 | (i < text.size() ? static_cast<char16_t>(text[i]) : 0U);
-  }
-  return prefix;
-}
-
-/// The texts of a column behind their first characters, one after the other.
-class text_ends {
+/// The texts of a column, one behind the other.
+class column_texts {
  public:
-  void add(wide_view text) {
-    const wide_view end = text.substr(std::min(text.size(), prefix_units));
-    units_.insert(units_.end(), end.begin(), end.end());
-    ends_.push_back({units_.size(), text.size()});
+  explicit column_texts(table& from, std::uint64_t column) {
+    ends_.reserve(static_cast<std::size_t>(from.getRowCount()));
+    for_each_row(from, [&](std::uint32_t) { add(from.getValue(column)); });
   }
-  wide_view end_of(std::uint32_t row) const noexcept {
-    const std::size_t begin = row == 1 ? 0 : ends_[row - 2].end;
-    return wide_view(units_).substr(begin, ends_[row - 1].end - begin);
+
+  wide_view of(std::uint32_t row) const noexcept {
+    const std::size_t begin = row == 1 ? 0 : ends_[row - 2];
+    return wide_view(units_).substr(begin, ends_[row - 1] - begin);
   }
-  std::size_t length_of(std::uint32_t row) const noexcept { return ends_[row - 1].length; }
+  std::uint32_t rows() const noexcept { return static_cast<std::uint32_t>(ends_.size()); }
+
+  /// The first characters of a text, packed so that they compare like it: eight of them where all the
+  /// column's fit a byte, else four. Behind a shorter text stands the smallest character.
+  std::uint64_t prefix_of(std::uint32_t row) const noexcept {
+    const wide_view text = of(row);
+    const std::size_t places = prefix_length();
+    std::uint64_t prefix = 0;
+    for (std::size_t i = 0; i < places; ++i) {
+      prefix = prefix << (64 / places) | (i < text.size() ? static_cast<char16_t>(text[i]) : 0U);
+    }
+    return prefix;
+  }
+  /// Whether texts with the same prefix are the same.
+  bool prefix_tells_all() const noexcept { return same_lengths_ && shortest_ <= prefix_length(); }
 
  private:
-  struct place {
-    std::size_t end;
-    std::size_t length;
-  };
+  void add(const variant& value) {
+    const wide_view text = value.type() == VT_BSTR ? view_of(value.get().bstrVal) : wide_view();
+    same_lengths_ = same_lengths_ && (ends_.empty() || text.size() == shortest_);
+    shortest_ = ends_.empty() ? text.size() : std::min(shortest_, text.size());
+    for (const OLECHAR unit : text) all_ |= static_cast<char16_t>(unit);
+    units_.append(text);
+    ends_.push_back(units_.size());
+  }
+  std::size_t prefix_length() const noexcept { return all_ < 0x100 ? 8 : 4; }
+
   wide units_;
-  std::vector<place> ends_;
+  std::vector<std::size_t> ends_;
+  unsigned all_ = 0;  ///< the bits of every character
+  std::size_t shortest_ = 0;
+  bool same_lengths_ = true;
 };
 
-wide text_of(table& from, std::uint64_t column) {
-  const variant value = from.getValue(column);
-  return value.type() == VT_BSTR ? wide(view_of(value.get().bstrVal)) : wide();
-}
-
 std::vector<CSortEntry> sorted_by_text(table& from, std::uint64_t column) {
-  std::vector<CSortEntry> entries;
-  entries.reserve(static_cast<std::size_t>(from.getRowCount()));
-  text_ends ends;
-  for_each_row(from, [&](std::uint32_t row) {
-    const wide text = text_of(from, column);
-    CSortEntry entry{{0}, row};
-    entry.prefix = prefix_of(text);
-    entries.push_back(entry);
-    ends.add(text);
-  });
+  const column_texts texts(from, column);
+  std::vector<CSortEntry> entries(texts.rows());
+  for (std::uint32_t row = 1; row <= texts.rows(); ++row) {
+    entries[row - 1].row = row;
+    entries[row - 1].prefix = texts.prefix_of(row);
+  }
+  const bool prefix_tells_all = texts.prefix_tells_all();
   std::ranges::sort(entries, [&](const CSortEntry& one, const CSortEntry& other) {
-    if (one.prefix != other.prefix) return one.prefix > other.prefix;
-    // A text shorter than its prefix is filled up with the smallest character, so that its length counts.
-    const std::size_t length = ends.length_of(one.row);
-    const std::size_t other_length = ends.length_of(other.row);
-    if (length < prefix_units || other_length < prefix_units) return length > other_length;
-    return goes_before(ends.end_of(one.row), ends.end_of(other.row));
+    if (one.prefix != other.prefix || prefix_tells_all) return one.prefix > other.prefix;
+    return goes_before(texts.of(one.row), texts.of(other.row));
   });
   return entries;
 }
@@ -117,6 +118,8 @@ bool goes_before(wide_view one, wide_view other) noexcept {
 }
 
 std::vector<std::uint32_t> sorted_rows(table& from, std::uint64_t column, bool ascending) {
+  // A header may promise more rows than the file has, and than any memory has room for.
+  from.lastRow();
   const bool numeric = from.getFieldType(column) == field_kind::numeric;
   const std::vector<CSortEntry> entries =
       numeric ? sorted_by_number(from, column) : sorted_by_text(from, column);

@@ -9,7 +9,7 @@
 
 namespace ovf {
 
-/// The key of one row, small so that sorting moves little: a number, or the first four characters of a
+/// The key of one row, small so that sorting moves little: a number, or the first characters of a
 /// text packed so that they compare like the text.
 struct CSortEntry {
   union {

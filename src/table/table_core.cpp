@@ -40,6 +40,7 @@ opening table_core::open_target(std::unique_ptr<table>& found) {
 HRESULT table_core::hold(std::unique_ptr<table> found) {
   ovfile::pointer<IOvSchema> filled = new_schema();
   const HRESULT status = fill_schema(*filled.get(), *found);
+  path_ = absolute_path(found->getFileName());
   table_ = std::move(found);
   schema = std::move(filled);
   at_end = false;
@@ -53,9 +54,10 @@ void table_core::create(ovfile::pointer<IOvSchema> definition) {
   if (table_ != nullptr) {
     table_->flush();
     // The file that is made anew may be the very one that is held.
-    if (absolute_path(table_->getFileName()) == absolute_path(name)) table_.reset();
+    if (path_ == absolute_path(name)) table_.reset();
   }
   table_ = create_table(name, made);
+  path_ = absolute_path(name);
   refill(*schema.get());
 }
 
@@ -82,7 +84,11 @@ void table_core::reopen(const wide& path) {
   if (files().kind(path) != file_kind::regular) throw not_open();
   const HRESULT filled = hold(open_table(path, read_only != 0));
   if (FAILED(filled)) throw com_error(filled);
-  first_row();
+  try {
+    first_row();
+  } catch (const std::exception&) {
+    // A row that cannot be read does not make the table unreadable: the next access says why.
+  }
 }
 
 move table_core::first_row() {

@@ -31,8 +31,8 @@ class table_core {
   /// Flushes and lets go of the table alone, for a moment: `reopen` follows.
   void release_table();
   /// Opens a file for writing in the place of the table; its fields fill a new schema, the cursor stands
-  /// on the first row. Name and mode stay as the host knows them. Throws like `open_table`, and not_open
-  /// for what is no table.
+  /// on the first row, which need not be readable. Name and mode stay as the host knows them. Throws like
+  /// `open_table`, and not_open for what is no table.
   void reopen(const wide& path);
 
   bool is_open() const noexcept { return table_ != nullptr; }
@@ -41,6 +41,8 @@ class table_core {
   /// The open table; throws not_open when there is none.
   table& opened() const;
   struct not_open {};
+  /// The absolute path of the open table's file, whatever `name` and the current folder have become.
+  const wide& path() const noexcept { return path_; }
 
   // The cursor, on an open table. Rows count from 1.
 
@@ -70,6 +72,7 @@ class table_core {
   void refill(IOvSchema& definition) const;
 
   std::unique_ptr<table> table_;
+  wide path_;
 };
 
 inline table& table_core::opened() const {

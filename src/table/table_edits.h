@@ -1,5 +1,6 @@
 // The edits that make a table's file anew: sorted, with other columns, with fewer rows. Each is a copy
-// that takes the file's place; the words for what goes wrong are the caller's.
+// that takes the file's place, or throws and leaves the old table (table_replacement.h); the words for
+// what goes wrong are the caller's.
 #pragma once
 
 #include "table/cell_copy.h"
@@ -7,25 +8,20 @@
 
 namespace ovf {
 
-/// No copy could be made.
-struct no_copy_made {};
-/// The copy was not let into the file's place; the old table is open.
-struct not_replaced {
-  wide path;
-  std::uint32_t code;
-};
-/// The file, old or new, could not be opened again.
-struct not_reopened {};
-
 /// Puts the rows in the order of a column (sort_order.h).
 void sort_table(table_core& core, LONG column, bool ascending);
 
-/// Keeps the rows of these numbers, in this order.
-void keep_rows(table_core& core, std::span<const std::uint32_t> rows);
+/// Makes the table with the rows of these numbers, in this order, under a schema whose columns have their
+/// values from those of the same numbers.
+void keep_rows(table_core& core, IOvSchema& schema, std::span<const std::uint32_t> rows);
 
 /// Makes the table under another schema, whose column i has its values from `origins[i - 1]`, with the
 /// rows of these numbers. Throws cell_error besides.
 void rebuild_table(table_core& core, IOvSchema& schema, std::span<const column_origin> origins,
                    std::span<const std::uint32_t> rows, bool keep_description);
+
+/// All rows' numbers in order. Throws when the last row cannot be read: a header may promise more rows
+/// than any memory has room for.
+std::vector<std::uint32_t> all_rows(table_core& core);
 
 }  // namespace ovf

@@ -5,26 +5,48 @@
 
 namespace ovf {
 
-table_replacement::table_replacement(table_core& core)
-    : core_(core), path_(absolute_path(core.opened().getFileName())), file_(path_) {}
-
 table& table_replacement::begin(const table_definition& definition, bool keep_description) {
-  new_table made(definition);
-  made.carry_over(core_.opened(), keep_description);
-  if (!file_.begin()) throw file_error(OLESTR("cannot create file"));
-  file_.close();
-  copy_ = create_table(file_.copy_name(), made);
+  try {
+    make_copy(definition, keep_description);
+  } catch (const std::bad_alloc&) {
+    throw;
+  } catch (const MyExceptionClass& error) {
+    throw no_copy_made{wide(error.message())};
+  } catch (const std::exception& error) {
+    throw no_copy_made{wide_from_utf8(error.what())};
+  }
   return *copy_;
 }
 
-bool table_replacement::commit() {
+void table_replacement::make_copy(const table_definition& definition, bool keep_description) {
+  new_table made(definition);
+  made.carry_over(core_.opened(), keep_description);
+  if (!file_.begin()) throw file_error(with_system_error(OLESTR("cannot create file (%x: %s)")));
+  file_.close();
+  copy_ = create_table(file_.copy_name(), made);
+}
+
+void table_replacement::commit() {
   copy_->flush();
   copy_.reset();
+  const auto schema = core_.schema;
   core_.release_table();
-  const bool placed = file_.commit();
-  if (!placed) refusal_ = last_system_error();
-  core_.reopen(path_);
-  return placed;
+  const bool is_placed = file_.commit();
+  const system_code refusal = is_placed ? 0 : last_system_error();
+  reopen();
+  if (!is_placed) {
+    core_.schema = schema;
+    throw not_replaced{path_, refusal};
+  }
+  cursor_.give_up();
+}
+
+void table_replacement::reopen() {
+  try {
+    core_.reopen(path_);
+  } catch (...) {
+    throw not_reopened();
+  }
 }
 
 }  // namespace ovf

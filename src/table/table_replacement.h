@@ -1,45 +1,57 @@
 // An open table's file made anew by copying: the copy is written beside it and takes its place in one
-// step. Whatever happens before that leaves the old file as it was, and the object with it open.
+// step. Whatever happens before that leaves the old file as it was, and the object with it open on the
+// row where it stood.
 //
 //   table_replacement made(core);
 //   table& copy = made.begin(definition, …);
 //   … append rows to it …
-//   if (!made.commit()) …               // refused; the old file is open again
+//   made.commit();
 #pragma once
 
 #include <memory>
 
 #include "engine/open_table.h"
 #include "storage/file_replacement.h"
-#include "table/table_core.h"
+#include "table/kept_cursor.h"
 
 namespace ovf {
+
+/// No copy could be made.
+struct no_copy_made {
+  wide reason;
+};
+/// The copy was not let into the file's place; the old table is open.
+struct not_replaced {
+  wide path;
+  std::uint32_t code;  ///< the system's
+};
+/// The file under the table's name, old or new, could not be opened again; no table is open.
+struct not_reopened {};
 
 class table_replacement {
  public:
   /// The core has a table open, and outlives this.
-  explicit table_replacement(table_core& core);
+  explicit table_replacement(table_core& core)
+      : core_(core), cursor_(core), path_(core.path()), file_(path_) {}
 
   /// Makes the copy, a table without rows. Names and owner of the header are carried over, the description
-  /// where `keep_description` says so. Throws file_error where no copy can be made, and what making a
-  /// table throws.
+  /// where `keep_description` says so. Throws no_copy_made.
   table& begin(const table_definition& definition, bool keep_description);
 
   /// Writes the copy to the disk, closes the table and puts the copy in its place; the core then has the
-  /// new file open for writing, or the old one when this is refused (false; `refusal` is the system's
-  /// code). Throws what writing the copy throws, with the old table open still, and what opening throws.
-  bool commit();
-  std::uint32_t refusal() const noexcept { return refusal_; }
-
-  /// The table's file.
-  const wide& path() const noexcept { return path_; }
+  /// new file open for writing, on its first row. Throws not_replaced, not_reopened, and what writing the
+  /// copy or the table throws.
+  void commit();
 
  private:
+  void make_copy(const table_definition& definition, bool keep_description);
+  void reopen();
+
   table_core& core_;
+  kept_cursor cursor_;
   wide path_;
   file_replacement file_;
   std::unique_ptr<table> copy_;
-  std::uint32_t refusal_ = 0;
 };
 
 }  // namespace ovf
