@@ -84,6 +84,7 @@ void run_set(const set_request& request) {
   if (!request.where && !request.all) throw wrong_usage("--where CONDITION or --all is required");
   table_view view(request.table, table_access::change);
   std::vector<cell_value> values;
+  values.reserve(wanted.size());
   for (const implicit_field& assignment : wanted) values.push_back(plan(view, assignment));
   const row_choice rows = rows_that_pass(view, request.where);
   change(view, values, rows);
