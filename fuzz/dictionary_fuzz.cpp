@@ -1,20 +1,21 @@
 // Any bytes as a table file, opened through the table object: header and dictionary are read, the fields
-// and the rows that they promise are walked, and a table that opened for writing takes changes. The file
-// lies in memory.
-#include <cstdint>
+// and the rows that they promise are walked, and a table that opened for writing takes changes: the last
+// bytes of the input tell which ones. The file lies in memory.
+#include <stdlib.h>
 
-#include "memory_files.h"
-#include "ovfile/smart.h"
-#include "require.h"
+#include <cstdint>
+#include <filesystem>
+
+#include "engine/long_field_names.h"
+#include "table_change.h"
 
 namespace {
+
+using namespace ovfuzz;
 
 constexpr LONG most_rows = 40;
 constexpr LONG most_columns = 6;
 const ovf::wide_view table_name = OLESTR("/table.ovt");
-
-/// Every answer is a known one; memory must not run out over a small file.
-bool is_answer(HRESULT status) { return status == S_OK || status == S_FALSE || status == E_FAIL; }
 
 LONG walk_schema(IOvTable& table) {
   ovfile::pointer<IOvSchema> schema;
@@ -49,7 +50,7 @@ void read_row(IOvTable& table, LONG columns) {
   }
 }
 
-LONG walk_rows(IOvTable& table, LONG columns) {
+void walk_rows(IOvTable& table, LONG columns) {
   LONG rows = -1;
   require(table.GetRowCount(&rows) == S_OK && rows >= 0, "a table has a row count");
   require(is_answer(table.GetFirstRow()), "the first row is there or not");
@@ -61,42 +62,51 @@ LONG walk_rows(IOvTable& table, LONG columns) {
     require(is_answer(table.GetRowAt(row)), "a row is there or not");
     read_row(table, columns);
   }
-  return rows;
 }
 
-void change(IOvTable& table, LONG columns, LONG rows) {
-  if (rows > 0 && table.GetRowAt(rows) == S_OK) {
-    for (LONG i = 1; i <= std::min(columns, most_columns); ++i) {
-      require(is_answer(table.SetColumn(i, ovfile::variant(2.5).get())), "a value is written or refused");
-    }
-  }
-  for (int i = 0; i < 3; ++i) require(is_answer(table.AddRow()), "a row is added or refused");
-  require(is_answer(table.FlushChanges()), "changes are written or refused");
-}
-
-/// Opens the table, walks and, on demand, changes it. True when it opened.
-bool run(LONG read_only, bool changing) {
+/// Opens the table, walks and, on demand, changes it. True when it opened; `last` tells how it was left.
+bool run(LONG read_only, const std::vector<step>& steps, outline& last) {
   const auto table = ovfile::create_table();
   const ovfile::text name(table_name);
   const HRESULT status = table->Open(name.get(), read_only);
   require(status == S_OK || status == E_FAIL, "a file opens or is refused");
   if (status != S_OK) return false;
   const LONG columns = walk_schema(*table.get());
-  const LONG rows = walk_rows(*table.get(), columns);
-  if (changing) change(*table.get(), columns, rows);
+  walk_rows(*table.get(), columns);
+  table_change change(*table.get(), columns);
+  for (const step& each : steps) change.take(each);
+  require(is_answer(table->FlushChanges()), "changes are written or refused");
+  last = outline_of(*table.get());
   require(is_answer(table->Close()), "a table closes or says why not");
   return true;
 }
 
 }  // namespace
 
+/// Long names are allowed, whatever the user's settings, which nobody touches.
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+  std::string folder = std::filesystem::temp_directory_path() / "ovfuzz-XXXXXX";
+  require(mkdtemp(folder.data()) != nullptr, "there is a folder for settings");
+  setenv("OVFILE_REGISTRY", (folder + "/registry.reg").c_str(), 1);
+  setenv("OVFILE_ATOMS", (folder + "/atoms").c_str(), 1);
+  require(ovf::set_long_names_master(true) && ovf::field_name_limit() == 24, "names may be long");
+  std::filesystem::remove_all(folder);
+  return 0;
+}
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   ovfuzz::memory_files files;
   const auto* bytes = reinterpret_cast<const std::byte*>(data);
   files.put(table_name, {bytes, bytes + size});
-  const bool opened = run(1, false);
-  require(run(0, true) == opened, "what reads can be written");
-  if (opened) require(run(0, false), "what was changed opens again");
+  outline first;
+  outline left;
+  outline found;
+  const bool opened = run(1, {}, first);
+  require(run(0, steps_of(data, size), left) == opened, "what reads can be written");
+  if (opened) {
+    require(run(0, {}, found), "what was changed opens again");
+    require(found == left, "and is as it was left");
+  }
   require(files.count() == 1, "no temporary file is left");
   return 0;
 }

@@ -10,7 +10,7 @@ namespace {
 constexpr std::string_view forbidden_anywhere = " ,!:*&=()?";
 constexpr std::string_view forbidden_first = ".@";
 
-void check_length(wide_view name, bool is_double, name_use use) {
+void check_length(std::string_view name, bool is_double, name_use use) {
   if (!is_double && name.size() > format::short_name_chars) {
     throw MyExceptionClass(OLESTR("field name exceeds 8 characters"));
   }
@@ -19,12 +19,11 @@ void check_length(wide_view name, bool is_double, name_use use) {
                                                  : OLESTR("field name is too long"));
 }
 
-void check_characters(wide_view name) {
-  const std::string text = ansi_from_wide(name);
-  const bool bad_first = !text.empty() && forbidden_first.find(text.front()) != std::string_view::npos;
+void check_characters(std::string_view name) {
+  const bool bad_first = !name.empty() && forbidden_first.find(name.front()) != std::string_view::npos;
   // A NUL would end the name for whoever reads the file.
-  const bool has_nul = text.find('\0') != std::string::npos;
-  if (bad_first || has_nul || text.find_first_of(forbidden_anywhere) != std::string::npos) {
+  const bool has_nul = name.find('\0') != std::string_view::npos;
+  if (bad_first || has_nul || name.find_first_of(forbidden_anywhere) != std::string_view::npos) {
     throw MyExceptionClass(OLESTR("field name contains invalid characters"));
   }
 }
@@ -32,6 +31,10 @@ void check_characters(wide_view name) {
 }  // namespace
 
 void check_field_name(wide_view name, bool is_double, name_use use) {
+  check_ansi_field_name(ansi_from_wide(name), is_double, use);
+}
+
+void check_ansi_field_name(std::string_view name, bool is_double, name_use use) {
   check_length(name, is_double, use);
   check_characters(name);
 }

@@ -12,6 +12,10 @@ enum class name_use { adding, renaming };
 /// Whether the name is taken is the caller's to ask.
 void check_field_name(wide_view name, bool is_double, name_use use);
 
+/// The same for a name as the file will hold it, in the ANSI code page. What counts is the bytes, for which
+/// the file has places: in some code pages a character takes several.
+void check_ansi_field_name(std::string_view name, bool is_double, name_use use);
+
 /// The same for a new field.
 inline void check_new_field_name(wide_view name, bool is_double) {
   check_field_name(name, is_double, name_use::adding);

@@ -33,7 +33,8 @@ std::size_t field_name_limit() {
 bool session_uses_long_names() {
   if (global_atom_exists(session_mark)) return read(current_value);
   const bool use = long_names_master();
-  // A registry that cannot be written leaves every process of the session with the master's value.
+  // Where it cannot be written, this process goes by the master all the same; once the session is marked,
+  // the others find what was latched before, or no choice.
   write(current_value, use);
   return use;
 }

@@ -8,8 +8,9 @@
 
 namespace ovf {
 
-/// Characters that a new field's name may have in double precision: 24 or 8. The first call of the
-/// process decides and marks the session; later calls repeat it whatever has changed since.
+/// Characters (bytes in the ANSI code page) that a new field's name may have in double precision: 24 or 8.
+/// The first call of the process decides and marks the session; later calls repeat it whatever has changed
+/// since.
 std::size_t field_name_limit();
 
 /// The choice of the session, asked anew. As long as nobody has marked the session, this latches the

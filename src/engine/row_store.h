@@ -71,6 +71,9 @@ class row_store {
   void set_records_in_last_page(std::uint64_t records);
   void fill_with_defaults(std::byte* record) const;
 
+  /// Without a mark the count of atoms alone tells the byte order: throws MyExceptionClass for one that
+  /// tells another.
+  void require_readable_count(std::size_t atoms);
   void append_field_in_place(const field& added);
   void append_field_in_copy(const field& added);
   void rename_field_in_place(const field& renamed, std::string_view name);

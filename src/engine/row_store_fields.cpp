@@ -4,6 +4,7 @@
 #include "storage/file_copy.h"
 #include "storage/file_error.h"
 #include "storage/file_replacement.h"
+#include "storage/recognise.h"
 
 namespace ovf {
 namespace {
@@ -37,10 +38,19 @@ void row_store<Precision>::require_room_for_atoms(std::uint64_t more) const {
 }
 
 template <class Precision>
+void row_store<Precision>::require_readable_count(std::size_t atoms) {
+  if constexpr (!Precision::is_double) {
+    if (header_.get(format::mark_word) == Precision::mark || count_tells_order(atoms, order())) return;
+    throw MyExceptionClass(OLESTR("the table has no precision mark and cannot have this number of fields"));
+  }
+}
+
+template <class Precision>
 void row_store<Precision>::append_field(field added) {
   require_room_for_atoms(added.atoms.size());
   added.first_entry = fields_.atoms();
   const std::size_t atoms = added.first_entry + added.atoms.size();
+  require_readable_count(atoms);
   table_fields grown = fields_;
   grown.add(added);
   flush();

@@ -61,7 +61,7 @@ class file_system {
                             wide_view to) noexcept = 0;
   /// The file that an existing name leads to in the end, links followed, as an absolute path.
   virtual bool resolve(wide_view name, wide& path) noexcept = 0;
-  /// Gives `to` the permissions of `from`, and its owner where the user may.
+  /// Gives `to` the permissions of `from` with its access list, and its owner where the user may.
   virtual bool carry_rights(wide_view from, wide_view to) noexcept = 0;
   /// Waits until a folder's entries stand on the disk.
   virtual bool sync_folder(wide_view folder) noexcept = 0;

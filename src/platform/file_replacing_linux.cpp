@@ -1,5 +1,8 @@
+#include <sys/xattr.h>
+
 #include <cstdio>
 #include <cstdlib>
+#include <vector>
 
 #include "platform/file_descriptor_linux.h"
 
@@ -18,6 +21,27 @@ bool rename_over(descriptor_file& old, const std::string& from, const std::strin
   (void)old.lock(LOCK_SH);
   errno = reason;
   return false;
+}
+
+constexpr const char* access_list = "system.posix_acl_access";
+
+/// Whether the failure of a call says that a file has no access list.
+bool has_no_list() noexcept { return errno == ENODATA || errno == ENOTSUP; }
+
+/// The list of who may do what beside owner, group and others; empty where there is none.
+bool read_access_list(const std::string& path, std::vector<char>& list) {
+  const ssize_t needed = ::getxattr(path.c_str(), access_list, nullptr, 0);
+  if (needed < 0) return has_no_list();
+  list.resize(static_cast<std::size_t>(needed));
+  return ::getxattr(path.c_str(), access_list, list.data(), list.size()) == needed;
+}
+
+/// A file may have come with a list from its folder: where the old one had none, the new one has none.
+bool carry_access_list(const std::string& from, const std::string& to) {
+  std::vector<char> list;
+  if (!read_access_list(from, list)) return false;
+  if (list.empty()) return ::removexattr(to.c_str(), access_list) == 0 || has_no_list();
+  return ::setxattr(to.c_str(), access_list, list.data(), list.size(), 0) == 0;
 }
 
 }  // namespace
@@ -61,7 +85,8 @@ bool carry_file_rights(wide_view from, wide_view to) noexcept try {
   // Only a privileged user may give files away; the group goes along where the user belongs to it.
   (void)::chown(new_path.c_str(), static_cast<uid_t>(-1), old.st_gid);
   (void)::chown(new_path.c_str(), old.st_uid, static_cast<gid_t>(-1));
-  if (::stat(new_path.c_str(), &made) != 0) return false;
+  // A list sets permissions as well, so it goes before them.
+  if (!carry_access_list(old_path, new_path) || ::stat(new_path.c_str(), &made) != 0) return false;
   // A file system without permissions refuses to set any, and gives both files the same.
   constexpr mode_t permissions = 07777;
   return (made.st_mode & permissions) == (old.st_mode & permissions) ||

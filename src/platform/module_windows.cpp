@@ -1,4 +1,5 @@
 #include "platform/module.h"
+#include "platform/type_library_windows.h"
 
 namespace ovf {
 
@@ -16,11 +17,13 @@ std::optional<wide> string_resource(unsigned number) {
 
 }  // namespace ovf
 
-// The only thing to do when the module is loaded; nothing of ours cares about threads.
-extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, void*) {
+// Nothing of ours cares about threads. At the end of the process the system clears up by itself.
+extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, void* process_ends) {
   if (reason == DLL_PROCESS_ATTACH) {
     ovf::module_handle = module;
     DisableThreadLibraryCalls(module);
+  } else if (reason == DLL_PROCESS_DETACH && process_ends == nullptr) {
+    ovf::release_type_library();
   }
   return TRUE;
 }

@@ -1,6 +1,6 @@
 // Lifetime and identity of the library's component objects. A class derives from
 // `component_class<itself, its interfaces…>`, names its identifiers, and gets reference counting,
-// aggregation, QueryInterface, ISupportErrorInfo and late binding from here.
+// aggregation, QueryInterface, ISupportErrorInfo, IProvideClassInfo and late binding from here.
 #pragma once
 
 #include <atomic>
@@ -10,6 +10,7 @@
 
 #include "ovfile/ovfile.h"
 #include "platform/dispatch.h"
+#include "platform/type_library.h"
 
 namespace ovf {
 
@@ -58,7 +59,10 @@ using implemented = std::conditional_t<std::is_base_of_v<IDispatch, Interface>, 
 /// Base of a creatable class. `Default` is the interface that IDispatch answers. `Class` has a default
 /// constructor and no virtual destructor; it is destroyed by the last release.
 template <class Class, class Default, class... Others>
-class component_class : public implemented<Default>, public implemented<Others>..., public ISupportErrorInfo {
+class component_class : public implemented<Default>,
+                        public implemented<Others>...,
+                        public ISupportErrorInfo,
+                        public IProvideClassInfo {
  public:
   component_class(const component_class&) = delete;
   component_class& operator=(const component_class&) = delete;
@@ -91,6 +95,9 @@ class component_class : public implemented<Default>, public implemented<Others>.
 
   HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID iid) final {
     return iid == iid_of<Default> || (... || (iid == iid_of<Others>)) ? S_OK : S_FALSE;
+  }
+  HRESULT STDMETHODCALLTYPE GetClassInfo(ITypeInfo** info) final {
+    return find_type_info(class_identifier(), info);
   }
 
  protected:
@@ -129,9 +136,19 @@ class component_class : public implemented<Default>, public implemented<Others>.
     std::atomic<ULONG> references_{1};
   };
 
+  static constexpr CLSID class_identifier() noexcept {
+    if constexpr (requires { Class::class_id; }) {
+      return Class::class_id;
+    } else {
+      return CLSID{};
+    }
+  }
+
   void* find(REFIID iid) noexcept {
     if (iid == iid_of<Default> || iid == IID_IDispatch) return static_cast<Default*>(this);
     if (iid == IID_ISupportErrorInfo) return static_cast<ISupportErrorInfo*>(this);
+    // Nobody can be told of a class where there are no descriptions.
+    if (iid == IID_IProvideClassInfo && has_type_library()) return static_cast<IProvideClassInfo*>(this);
     void* found = nullptr;
     (void)(... || (iid == iid_of<Others> && (found = static_cast<Others*>(this)) != nullptr));
     return found;

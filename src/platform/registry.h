@@ -25,7 +25,13 @@ bool registry_key_exists(const registry_key& key);
 
 /// One change; all changes of a call are made together on Linux, in order on Windows.
 struct registry_change {
-  enum class action { make_key, set_number, set_text, delete_tree };
+  enum class action {
+    make_key,
+    set_number,
+    set_text,
+    delete_tree,  ///< the key with everything below it
+    delete_leaf   ///< the key with its values, unless there are keys below it
+  };
 
   action what;
   registry_key key;

@@ -172,6 +172,9 @@ bool registry_document::apply(const registry_change& change) {
     case action::delete_tree:
       delete_tree(section_of(change.key));
       break;
+    case action::delete_leaf:
+      if (is_leaf(section_of(change.key))) delete_tree(section_of(change.key));
+      break;
   }
   return true;
 }
@@ -211,6 +214,12 @@ void registry_document::set(const registry_key& key, wide_view name, value data)
     const std::size_t at = insertion_point(key, section);
     lines_.insert(lines_.begin() + static_cast<std::ptrdiff_t>(at), std::move(fresh));
   }
+}
+
+bool registry_document::is_leaf(const wide& section) const {
+  return std::none_of(lines_.begin(), lines_.end(), [&](const line& candidate) {
+    return candidate.what == kind::section && is_below(candidate.section, section);
+  });
 }
 
 void registry_document::delete_tree(const wide& section) {

@@ -44,6 +44,8 @@ class registry_document {
   /// Where a new value of the section goes; makes the section when there is none.
   std::size_t insertion_point(const registry_key& key, const wide& section);
   void set(const registry_key& key, wide_view name, value data);
+  /// Whether no key is below that one.
+  bool is_leaf(const wide& section) const;
   void delete_tree(const wide& section);
 
   std::vector<line> lines_;

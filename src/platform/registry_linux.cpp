@@ -7,9 +7,11 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <climits>
+#include <chrono>
 #include <cstdlib>
+#include <filesystem>
 #include <optional>
+#include <thread>
 
 #include "platform/descriptor_linux.h"
 #include "platform/registry_file_linux.h"
@@ -110,17 +112,42 @@ bool replace_content(const std::string& name, std::string_view content) {
   return true;
 }
 
-/// A registry file that is a link stays one: its target is what gets replaced.
-std::string link_target(const std::string& name) {
-  char path[PATH_MAX];
-  return realpath(name.c_str(), path) != nullptr ? path : name;
+/// A registry file that is a link stays one: what is locked and replaced is the file behind it, be it there
+/// already or not, so that whoever comes by the link and whoever comes by the file wait for each other.
+std::string behind_links(std::string name) {
+  constexpr int most_links = 40;
+  for (int links = 0; links < most_links; ++links) {
+    std::error_code is_no_link;
+    const std::filesystem::path target = std::filesystem::read_symlink(name, is_no_link);
+    if (is_no_link) break;
+    name = target.is_absolute() ? target.string() : folder_part(name) + '/' + target.string();
+  }
+  return name;
 }
 
+/// The lock file. Whoever made it, everybody can lock it: that takes no permission to write, except on some
+/// network file systems, which are asked for it first.
+descriptor lock_file(const std::string& name) {
+  constexpr int flags = O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+  descriptor file(open(name.c_str(), O_RDWR | O_CREAT | flags, 0666));
+  if (!file) file = descriptor(open(name.c_str(), O_RDONLY | flags));
+  return file;
+}
+
+/// Waits for the lock, though not for ever: its holder may have been stopped.
 descriptor locked(const std::string& name) {
-  const std::string lock = name + ".lock";
-  descriptor file(open(lock.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600));
-  while (file && flock(file.get(), LOCK_EX) != 0) {
-    if (errno != EINTR) return {};
+  using clock = std::chrono::steady_clock;
+  constexpr std::chrono::seconds longest_wait{10};
+  constexpr std::chrono::milliseconds pause{2};
+  descriptor file = lock_file(name + ".lock");
+  const clock::time_point end = clock::now() + longest_wait;
+  while (file && flock(file.get(), LOCK_EX | LOCK_NB) != 0) {
+    if (errno != EINTR && errno != EWOULDBLOCK) return {};
+    if (clock::now() >= end) {
+      errno = EBUSY;
+      return {};
+    }
+    std::this_thread::sleep_for(pause);
   }
   return file;
 }
@@ -146,9 +173,10 @@ bool registry_key_exists(const registry_key& key) { return current_text().has_ke
 bool change_registry(const std::vector<registry_change>& changes) {
   const location where = registry_location();
   if (where.is_default) make_folders(folder_part(where.file));
-  const descriptor lock = locked(where.file);
+  const std::string name = behind_links(where.file);
+  const descriptor lock = locked(name);
   if (!lock) return false;
-  std::optional<std::string> before = read_file(where.file);
+  std::optional<std::string> before = read_file(name);
   if (!before && errno != ENOENT) return false;
   registry_document text(before.value_or(""));
   for (const registry_change& change : changes) {
@@ -158,7 +186,7 @@ bool change_registry(const std::vector<registry_change>& changes) {
     }
   }
   const std::string after = text.content();
-  return (before && after == *before) || replace_content(link_target(where.file), after);
+  return (before && after == *before) || replace_content(name, after);
 }
 
 }  // namespace ovf

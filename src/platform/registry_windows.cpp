@@ -47,6 +47,16 @@ bool delete_tree(const registry_key& key) {
   return worked(status == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : status);
 }
 
+/// Whether a key is there that has no keys below it.
+bool is_leaf(const registry_key& key) {
+  opened_key opened;
+  DWORD below = 0;
+  return opened.open(key) &&
+         RegQueryInfoKeyW(opened.get(), nullptr, nullptr, nullptr, &below, nullptr, nullptr, nullptr, nullptr,
+                          nullptr, nullptr, nullptr) == ERROR_SUCCESS &&
+         below == 0;
+}
+
 bool make_change(const registry_change& change) {
   using action = registry_change::action;
   // An empty path would mean the root itself.
@@ -60,6 +70,8 @@ bool make_change(const registry_change& change) {
       return set_value(change, REG_SZ, change.text.c_str(), (change.text.size() + 1) * sizeof(wchar_t));
     case action::delete_tree:
       return delete_tree(change.key);
+    case action::delete_leaf:
+      return !is_leaf(change.key) || delete_tree(change.key);
   }
   return false;
 }

@@ -13,6 +13,9 @@ using system_code = std::uint32_t;
 system_code last_system_error() noexcept;
 void set_last_system_error(system_code code) noexcept;
 
+/// The last error as a component status, always a failure.
+HRESULT last_error_status() noexcept;
+
 /// The system's message for a code, in its neutral language, without inserts and line ends.
 wide system_message(system_code code);
 /// The system's message for a component status such as DISP_E_TYPEMISMATCH.

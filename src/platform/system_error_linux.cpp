@@ -62,6 +62,19 @@ system_code last_system_error() noexcept { return static_cast<system_code>(errno
 
 void set_last_system_error(system_code code) noexcept { errno = static_cast<int>(code); }
 
+HRESULT last_error_status() noexcept {
+  switch (errno) {
+    case EACCES:
+    case EPERM:
+    case EROFS:
+      return E_ACCESSDENIED;
+    case ENOMEM:
+      return E_OUTOFMEMORY;
+    default:
+      return E_FAIL;
+  }
+}
+
 wide system_message(system_code code) {
   // The untranslated text, whatever the process's language.
   const char* text = strerrordesc_np(static_cast<int>(code));

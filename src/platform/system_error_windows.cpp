@@ -32,6 +32,11 @@ system_code last_system_error() noexcept { return GetLastError(); }
 
 void set_last_system_error(system_code code) noexcept { SetLastError(code); }
 
+HRESULT last_error_status() noexcept {
+  const DWORD code = GetLastError();
+  return code == ERROR_SUCCESS ? E_FAIL : HRESULT_FROM_WIN32(code);
+}
+
 wide system_message(system_code code) { return message(code); }
 
 wide status_message(HRESULT status) { return message(static_cast<DWORD>(status)); }

@@ -17,6 +17,11 @@ class com_error : public MyExceptionClass {
   HRESULT status_;
 };
 
+/// Throws com_error for a status that stands for a failure.
+inline void throw_on_failure(HRESULT status) {
+  if (FAILED(status)) throw com_error(status);
+}
+
 /// Changes `source` to `type` in `dest`, which is a valid variant (cleared on success, untouched on
 /// failure) and may be `source` itself. By-reference sources are resolved. The call to make instead of
 /// VariantChangeType: texts that the system's own cannot bear never reach it.

@@ -1,9 +1,32 @@
 #include "storage/file_replacement.h"
 
+#include <utility>
+
 #include "platform/system_error.h"
 #include "storage/file_copy.h"
 
 namespace ovf {
+namespace {
+
+/// Deletes the file; the system's last error stays.
+void remove_quietly(wide_view name) noexcept {
+  const system_code reason = last_system_error();
+  files().remove(name);
+  set_last_system_error(reason);
+}
+
+/// An open file that is deleted at the end, whatever ends the work on it.
+struct passing_file {
+  wide name;
+  std::unique_ptr<file> opened;
+
+  ~passing_file() {
+    opened.reset();
+    remove_quietly(name);
+  }
+};
+
+}  // namespace
 
 file_replacement::~file_replacement() { discard(); }
 
@@ -32,14 +55,10 @@ bool file_replacement::make(wide_view folder) {
 }
 
 bool file_replacement::bring_beside() {
-  const wide elsewhere = copy_name_;
-  std::unique_ptr<file> source = std::move(copy_);
+  const passing_file elsewhere{std::exchange(copy_name_, {}), std::move(copy_)};
   if (!make(folder_of(target_))) return false;
   beside_ = true;
-  const bool copied = copy_from(*source, 0, *copy_);
-  source.reset();
-  files().remove(elsewhere);
-  return copied;
+  return copy_from(*elsewhere.opened, 0, *copy_);
 }
 
 bool file_replacement::commit(std::unique_ptr<file>& own) noexcept try {
@@ -63,10 +82,8 @@ bool file_replacement::commit() noexcept {
 
 void file_replacement::discard() noexcept {
   if (copy_name_.empty()) return;
-  const system_code reason = last_system_error();
   copy_.reset();
-  files().remove(copy_name_);
-  set_last_system_error(reason);
+  remove_quietly(copy_name_);
 }
 
 }  // namespace ovf

@@ -45,13 +45,19 @@ bool is_field_count(float value) noexcept {
   return value >= 0 && value <= static_cast<float>(single_precision::max_atoms) && value == std::trunc(value);
 }
 
+/// The first byte order in which a count of fields is a plausible one.
+std::optional<byte_order> order_of_count(const header_word<single_precision>& word) noexcept {
+  for (const byte_order order : tried_orders) {
+    if (is_field_count(word.as(order))) return order;
+  }
+  return std::nullopt;
+}
+
 /// The older probe: files from before the mark show themselves by their field count.
 byte_order find_field_count(file& opened) {
   const auto word = read_word<single_precision>(opened, format::atoms_word);
   if (!word) fail_not_a_table();
-  for (const byte_order order : tried_orders) {
-    if (is_field_count(word->as(order))) return order;
-  }
+  if (const auto order = order_of_count(*word)) return *order;
   if (word->as(byte_order::native) > static_cast<float>(single_precision::max_atoms)) fail_unrecognised();
   fail_not_a_table();
 }
@@ -68,6 +74,12 @@ recognition recognise(wide_view name) {
   } catch (const unreadable&) {
     throw file_error(wide(OLESTR("cannot open file ")).append(name));
   }
+}
+
+bool count_tells_order(std::size_t atoms, byte_order order) noexcept {
+  header_word<single_precision> word;
+  store_number<single_precision>(word.bytes, static_cast<float>(atoms), order);
+  return order_of_count(word) == order;
 }
 
 }  // namespace ovf

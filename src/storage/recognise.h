@@ -16,4 +16,7 @@ struct recognition {
 /// orvexa table" or "Unrecognised file type.".
 recognition recognise(wide_view name);
 
+/// Whether a file without a mark that counts so many atoms in that byte order is found to have that order.
+bool count_tells_order(std::size_t atoms, byte_order order) noexcept;
+
 }  // namespace ovf

@@ -176,4 +176,29 @@ TEST_P(AddedFields, InATableOpenedForReadingTheyStayInMemory) {
 INSTANTIATE_TEST_SUITE_P(Formats, AddedFields, ::testing::ValuesIn(ovtest::all_formats),
                          [](const auto& each) { return ovtest::format_name(each.param); });
 
+/// A file without a mark tells its byte order by its count of atoms, and 3 in two of the orders has the
+/// bytes of 3 in another one.
+TEST(AddedField, ACountThatTellsAnotherByteOrderIsRefused) {
+  const std::string words = "the table has no precision mark and cannot have this number of fields";
+  for (const auto& [order, is_refused] :
+       {std::pair{0, false}, std::pair{256, true}, std::pair{1024, true}, std::pair{1280, false}}) {
+    SCOPED_TRACE(order);
+    const ovtest::word_format format{4, order};
+    ovtest::header_words header;
+    header.mark = 1;
+    const bytes before =
+        ovtest::make_header(header, {ovtest::number_atom("X", 1), ovtest::number_atom("Y", 2)}, format);
+    ovtest::engine_files files;
+    auto table = files.open(before);
+    EXPECT_EQ(ovtest::message_of([&] { table->addNumericField(OLESTR("Z"), 0.5F); }),
+              is_refused ? words : "");
+    if (is_refused) {
+      EXPECT_EQ(files.content(), before);
+    }
+    table->addAlphaField(OLESTR("TEXT"), 8, {});
+    table.reset();
+    EXPECT_EQ(files.reopen()->getFieldCount(), is_refused ? 3U : 4U);
+  }
+}
+
 }  // namespace

@@ -182,6 +182,21 @@ TEST(Names, ANulWouldEndTheNameForReaders) {
             "field name contains invalid characters");
 }
 
+/// In some code pages a character takes several bytes, and a file has places for bytes.
+TEST(Names, WhatCountsIsTheBytesInTheCodePage) {
+  const std::string four = "\x8D\x7A\x90\xCE\x95\x69\x88\xCA";  // characters of two bytes
+  const auto refusal = [](const std::string& name, bool is_double, ovf::name_use use) {
+    return message_of([&] { ovf::check_ansi_field_name(name, is_double, use); });
+  };
+  for (const ovf::name_use use : {ovf::name_use::adding, ovf::name_use::renaming}) {
+    EXPECT_EQ(refusal(four, false, use), "");
+    EXPECT_EQ(refusal(four + "A", false, use), "field name exceeds 8 characters");
+    EXPECT_EQ(refusal(four, true, use), "");
+  }
+  EXPECT_EQ(refusal(four + "A", true, ovf::name_use::adding), "field name too long");
+  EXPECT_EQ(refusal(four + "A", true, ovf::name_use::renaming), "field name is too long");
+}
+
 TEST(Names, ForbiddenCharactersAnywhereAndAtTheBeginning) {
   for (const char* good : {"X.Y", "X@1", "AU_PPM", "FREQ-%", "1ST", "a\xE9"}) {
     EXPECT_EQ(message_of([&] { ovf::check_new_field_name(ovf::wide_from_ansi(good), false); }), "") << good;

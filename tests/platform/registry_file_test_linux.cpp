@@ -1,11 +1,16 @@
 // The registry's text file: what stands in it, who may write it at once, and what a kill leaves.
 #include <fcntl.h>
 #include <signal.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <optional>
+#include <thread>
 #include <vector>
 
 #include "environment_linux.h"
@@ -162,15 +167,20 @@ TEST_F(registry_file, permissions_and_links_stay) {
             std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
 }
 
-TEST_F(registry_file, lies_in_the_configuration_folder_when_nothing_else_is_said) {
-  unset("OVFILE_REGISTRY");
-  set("XDG_CONFIG_HOME", (folder / "config").string());
-  set("HOME", (folder / "home").string());
+TEST_F(registry_file, a_link_to_a_file_that_is_not_there_yet_stays_one) {
+  std::filesystem::create_directory(folder / "data");
+  std::filesystem::create_symlink("data/middle.reg", file);
+  std::filesystem::create_symlink("target.reg", folder / "data" / "middle.reg");
   EXPECT_TRUE(ovf::set_registry_number(user, u"a", 1));
-  EXPECT_TRUE(std::filesystem::exists(folder / "config" / "orvexa" / "registry.reg"));
-  unset("XDG_CONFIG_HOME");
-  EXPECT_TRUE(ovf::set_registry_number(user, u"a", 1));
-  EXPECT_TRUE(std::filesystem::exists(folder / "home" / ".config" / "orvexa" / "registry.reg"));
+  EXPECT_TRUE(std::filesystem::is_symlink(file));
+  EXPECT_TRUE(std::filesystem::is_symlink(folder / "data" / "middle.reg"));
+  EXPECT_NE(content_of(folder / "data" / "target.reg").find("\"a\"=dword:00000001"), std::string::npos);
+}
+
+TEST_F(registry_file, a_circle_of_links_is_refused) {
+  std::filesystem::create_symlink("registry.reg", file);
+  EXPECT_FALSE(ovf::set_registry_number(user, u"a", 1));
+  EXPECT_TRUE(std::filesystem::is_symlink(file));
 }
 
 /// Runs a body in a child process, which must not leave any other way.
@@ -182,6 +192,82 @@ pid_t child(Body&& body) {
     _exit(0);
   }
   return id;
+}
+
+/// A lock that somebody else holds, who asked for it through an open file of their own.
+class held_lock {
+ public:
+  explicit held_lock(const std::filesystem::path& of)
+      : descriptor_(open((of.string() + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644)) {
+    EXPECT_EQ(flock(descriptor_, LOCK_EX | LOCK_NB), 0);
+  }
+  held_lock(const held_lock&) = delete;
+  held_lock& operator=(const held_lock&) = delete;
+  ~held_lock() { close(descriptor_); }
+
+ private:
+  int descriptor_;
+};
+
+TEST_F(registry_file, whoever_comes_by_a_link_waits_for_whoever_comes_by_the_file) {
+  const auto target = folder / "target.reg";
+  write(target, "");
+  std::filesystem::create_symlink(target, file);
+  std::optional<held_lock> held(target);
+  std::atomic<bool> done = false;
+  std::thread writer([&] { done = ovf::set_registry_number(user, u"a", 1); });
+  std::this_thread::sleep_for(std::chrono::milliseconds(300));
+  EXPECT_FALSE(done);
+  EXPECT_EQ(content_of(target), "");
+  held.reset();
+  writer.join();
+  EXPECT_TRUE(done);
+  EXPECT_EQ(ovf::registry_number(user, u"a"), 1u);
+}
+
+TEST_F(registry_file, a_lock_that_nobody_lets_go_ends_the_write_after_a_while) {
+  EXPECT_TRUE(ovf::set_registry_number(user, u"a", 1));
+  const held_lock held(file);
+  const auto begin = std::chrono::steady_clock::now();
+  EXPECT_FALSE(ovf::set_registry_number(user, u"a", 2));
+  EXPECT_EQ(errno, EBUSY);
+  const auto waited = std::chrono::steady_clock::now() - begin;
+  EXPECT_GE(waited, std::chrono::seconds(9));
+  EXPECT_LE(waited, std::chrono::seconds(60));
+  EXPECT_EQ(ovf::registry_number(user, u"a"), 1u);
+}
+
+TEST_F(registry_file, a_lock_made_by_another_user_serves_as_well) {
+  constexpr uid_t other = 65534;
+  const bool is_superuser = geteuid() == 0;
+  const auto lock = file.string() + ".lock";
+  const mode_t mask = umask(022);
+  EXPECT_TRUE(ovf::set_registry_number(user, u"a", 1));
+  umask(mask);
+  struct stat facts {};
+  ASSERT_EQ(stat(lock.c_str(), &facts), 0);
+  EXPECT_EQ(facts.st_mode & 07777, 0644u);
+  // The superuser's lock in a user's folder; a user's own that they may only read does the same.
+  ASSERT_EQ(is_superuser ? chown(folder.c_str(), other, other) : chmod(lock.c_str(), 0444), 0);
+  const pid_t id = child([&] {
+    if (is_superuser && (setgid(other) != 0 || setuid(other) != 0)) _exit(2);
+    if (!ovf::set_registry_number(user, u"a", 2)) _exit(1);
+  });
+  int status = -1;
+  waitpid(id, &status, 0);
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(ovf::registry_number(user, u"a"), 2u);
+}
+
+TEST_F(registry_file, lies_in_the_configuration_folder_when_nothing_else_is_said) {
+  unset("OVFILE_REGISTRY");
+  set("XDG_CONFIG_HOME", (folder / "config").string());
+  set("HOME", (folder / "home").string());
+  EXPECT_TRUE(ovf::set_registry_number(user, u"a", 1));
+  EXPECT_TRUE(std::filesystem::exists(folder / "config" / "orvexa" / "registry.reg"));
+  unset("XDG_CONFIG_HOME");
+  EXPECT_TRUE(ovf::set_registry_number(user, u"a", 1));
+  EXPECT_TRUE(std::filesystem::exists(folder / "home" / ".config" / "orvexa" / "registry.reg"));
 }
 
 TEST_F(registry_file, processes_that_write_at_once_lose_nothing) {

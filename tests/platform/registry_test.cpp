@@ -82,6 +82,22 @@ TEST_F(registry, a_tree_goes_with_all_below_it_and_nothing_beside_it) {
 
 TEST_F(registry, deleting_what_is_not_there_succeeds) { EXPECT_TRUE(ovf::delete_registry_tree(key)); }
 
+TEST_F(registry, a_leaf_goes_when_nothing_is_below_it) {
+  using action = ovf::registry_change::action;
+  const auto delete_leaf = [](const registry_key& leaf) {
+    return ovf::change_registry({{.what = action::delete_leaf, .key = leaf}});
+  };
+  EXPECT_TRUE(delete_leaf(key)) << "what is not there";
+  EXPECT_TRUE(ovf::set_registry_text(key, {}, OLESTR("parent")));
+  EXPECT_TRUE(ovf::set_registry_text(below(OLESTR("Child")), OLESTR("Value"), OLESTR("child")));
+  EXPECT_TRUE(delete_leaf(key));
+  EXPECT_EQ(ovf::registry_text(key, {}), OLESTR("parent")) << "it has a child";
+  EXPECT_TRUE(delete_leaf(below(OLESTR("Child"))));
+  EXPECT_FALSE(ovf::registry_key_exists(below(OLESTR("Child"))));
+  EXPECT_TRUE(delete_leaf(key));
+  EXPECT_FALSE(ovf::registry_key_exists(key));
+}
+
 TEST_F(registry, a_root_is_neither_written_nor_deleted) {
   const registry_key root{registry_root::current_user, {}};
   EXPECT_FALSE(ovf::delete_registry_tree(root));

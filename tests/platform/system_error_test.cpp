@@ -24,6 +24,11 @@ TEST(system_error, an_unknown_code_has_a_text_too) {
   EXPECT_NE(ovf::system_message(0x2FFFFFFF).find(OLESTR("fffffff")), ovf::wide::npos);
 }
 
+TEST(system_error, a_status_is_a_failure_without_a_code_too) {
+  ovf::set_last_system_error(0);
+  EXPECT_EQ(ovf::last_error_status(), E_FAIL);
+}
+
 TEST(system_error, statuses_have_texts) {
   EXPECT_NE(ovf::status_message(DISP_E_TYPEMISMATCH), ovf::status_message(DISP_E_OVERFLOW));
   EXPECT_FALSE(ovf::status_message(E_OUTOFMEMORY).empty());

@@ -20,4 +20,15 @@ TEST(system_error, the_last_code_is_errno) {
   EXPECT_EQ(ovf::last_system_error(), static_cast<ovf::system_code>(ENOSPC));
 }
 
+TEST(system_error, the_last_code_is_a_status) {
+  for (const int code : {EACCES, EPERM, EROFS}) {
+    errno = code;
+    EXPECT_EQ(ovf::last_error_status(), E_ACCESSDENIED);
+  }
+  errno = ENOMEM;
+  EXPECT_EQ(ovf::last_error_status(), E_OUTOFMEMORY);
+  errno = ENOSPC;
+  EXPECT_EQ(ovf::last_error_status(), E_FAIL);
+}
+
 }  // namespace

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "storage/file_copy.h"
+#include "support/denied_memory.h"
 #include "support/failing_files.h"
 #include "support/file_bytes.h"
 #include "support/scratch_folder.h"
@@ -131,6 +132,26 @@ TEST_F(FileReplacement, ACopyMadeElsewhereIsBroughtBesideTheFile) {
   EXPECT_TRUE(made.commit());
   EXPECT_EQ(content(), large);
   EXPECT_EQ(ovf::files().kind(elsewhere), ovf::file_kind::missing);
+  EXPECT_EQ(files_there(), 1U);
+}
+
+TEST_F(FileReplacement, WhatWasMadeElsewhereIsDeletedWhenMemoryEndsOnTheWay) {
+  constexpr std::size_t size = 123457;
+  ovtest::failing_files failing;
+  ovf::wide elsewhere;
+  {
+    file_replacement made(target());
+    failing.fail_nth(call::open, 1);
+    ASSERT_TRUE(made.begin());
+    elsewhere = made.copy_name();
+    EXPECT_TRUE(write(made, std::string(size, 'x')));
+    ovtest::deny_allocations_of(size);
+    const bool done = made.commit();
+    ovtest::deny_allocations_of(0);
+    EXPECT_FALSE(done);
+  }
+  EXPECT_EQ(ovf::files().kind(elsewhere), ovf::file_kind::missing);
+  EXPECT_EQ(content(), "old");
   EXPECT_EQ(files_there(), 1U);
 }
 

@@ -2,6 +2,7 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include "storage/file_copy.h"
@@ -50,6 +51,47 @@ TEST_F(LinuxReplacement, PermissionsCarryOver) {
     EXPECT_TRUE(replaced(path_));
     EXPECT_EQ(permissions(path_), mode);
   }
+}
+
+constexpr const char* access_list = "system.posix_acl_access";
+constexpr const char* default_list = "system.posix_acl_default";
+
+/// An access list as the system keeps it: its version and then tag, rights and whom they are for, each 255
+/// for nobody in particular. User 1001 may read, the group may not.
+const std::string list_of_a_reader(
+    "\2\0\0\0"
+    "\x01\0\6\0\xFF\xFF\xFF\xFF"
+    "\x02\0\4\0\xE9\x03\0\0"
+    "\x04\0\0\0\xFF\xFF\xFF\xFF"
+    "\x10\0\4\0\xFF\xFF\xFF\xFF"
+    "\x20\0\0\0\xFF\xFF\xFF\xFF",
+    4 + 5 * 8);
+
+bool set_list(const std::filesystem::path& path, const char* kind) {
+  return ::setxattr(path.c_str(), kind, list_of_a_reader.data(), list_of_a_reader.size(), 0) == 0;
+}
+
+std::string list_at(const std::filesystem::path& path) {
+  char list[256];
+  const ssize_t size = ::getxattr(path.c_str(), access_list, list, sizeof list);
+  return size < 0 ? "" : std::string(list, static_cast<std::size_t>(size));
+}
+
+TEST_F(LinuxReplacement, TheAccessListCarriesOver) {
+  if (!set_list(path_, access_list)) GTEST_SKIP() << "no access lists in " << folder_.path();
+  ASSERT_EQ(permissions(path_), 0640U);
+  EXPECT_TRUE(replaced(path_));
+  EXPECT_EQ(list_at(path_), list_of_a_reader);
+  EXPECT_EQ(permissions(path_), 0640U);
+}
+
+TEST_F(LinuxReplacement, WithoutAnAccessListTheNewFileGetsNoneFromItsFolder) {
+  if (!set_list(folder_.path(), default_list)) GTEST_SKIP() << "no access lists in " << folder_.path();
+  ASSERT_EQ(::chmod(path_.c_str(), 0640), 0);
+  ASSERT_EQ(list_at(path_), "");
+  EXPECT_TRUE(replaced(path_));
+  EXPECT_EQ(list_at(path_), "");
+  EXPECT_EQ(permissions(path_), 0640U);
 }
 
 TEST_F(LinuxReplacement, UntilThenTheCopyIsItsOwnersAlone) {
