@@ -1,4 +1,5 @@
-# The programs that the README shows, one for each file of docs/examples/, run over a sample.
+# The programs that the README and docs/hosts.md show, one for each C++ file of docs/examples/, run over a
+# sample. Its scripts for Windows are run by tests/host.
 ovf_sources(files docs/examples)
 if(NOT TARGET ovfile)
   return()
@@ -21,6 +22,13 @@ if(CMAKE_CROSSCOMPILING AND NOT CMAKE_CROSSCOMPILING_EMULATOR)
 endif()
 set(table "${CMAKE_CURRENT_SOURCE_DIR}/samples/assays.ovt")
 add_test(NAME example.read_column COMMAND example_read_column "${table}" FROM)
+add_test(NAME example.late_bound COMMAND example_late_bound "${table}")
+find_package(Python3 COMPONENTS Interpreter)
+if(Python3_FOUND AND NOT WIN32 AND NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")
+  add_test(NAME example.print_column
+           COMMAND "${Python3_EXECUTABLE}" "${CMAKE_CURRENT_SOURCE_DIR}/docs/examples/print_column.py"
+                   "$<TARGET_FILE:ovfile>" "${table}" 2)
+endif()
 if(TARGET example_load_library)
   add_test(NAME example.load_library COMMAND example_load_library "Z:${table}")
 endif()

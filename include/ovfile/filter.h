@@ -25,7 +25,8 @@ struct IOvFilter : IUnknown {
   OVFILE_METHOD SetExpression(BSTR expression) = 0;
   /// Takes the values as `SetValues` does; the result is 1 when they pass, else 0.
   OVFILE_METHOD Evaluate(BSTR values, SHORT* pResult) = 0;
-  /// The values in the order of the variables, a comma between two. "-" and an empty position are absent,
+  /// The values in the order of the variables, a comma between two. What reads as a number, INF and -INF
+  /// too, may be one. "-" and an empty position are absent,
   /// and so are positions that the text does not reach; the last variable takes the rest, commas included.
   OVFILE_METHOD SetValues(BSTR values) = 0;
   /// E_INVALIDARG for a number that no variable has. The name belongs to the caller.
@@ -38,7 +39,8 @@ struct IOvFilter : IUnknown {
 struct IOvFilterValues : IUnknown {
   /// NaN is absent.
   OVFILE_METHOD SetNumber(LONG variable, double value) = 0;
-  /// The text is copied; one without characters other than blanks is absent.
+  /// The text is copied; one without characters other than blanks and tabs is absent. Beside a number it
+  /// counts as the number that it reads as, beside another text as it stands.
   OVFILE_METHOD SetText(LONG variable, BSTR value) = 0;
   OVFILE_METHOD SetAbsent(LONG variable) = 0;
   /// 1 when the values pass, else 0.

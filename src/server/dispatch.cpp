@@ -1,5 +1,6 @@
 #include "server/dispatch.h"
 
+#include "platform/type_library.h"
 #include "server/report_error.h"
 
 namespace ovf {
@@ -107,14 +108,14 @@ void describe_failure(HRESULT status, EXCEPINFO* exception) noexcept {
 
 HRESULT method_table::type_info_count(UINT* count) const noexcept {
   if (count == nullptr) return E_POINTER;
-  *count = 0;
+  *count = has_type_library() ? 1 : 0;
   return S_OK;
 }
 
 HRESULT method_table::type_info(UINT index, ITypeInfo** info) const noexcept {
   if (info == nullptr) return E_POINTER;
   *info = nullptr;
-  return index == 0 ? E_NOTIMPL : DISP_E_BADINDEX;
+  return index == 0 ? find_type_info(interface_id_, info) : DISP_E_BADINDEX;
 }
 
 std::span<const dispatch_member> method_table::members_with(DISPID id) const noexcept {

@@ -1,6 +1,10 @@
 // Identity and lifetime of objects, alone and inside another one.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <initializer_list>
+#include <utility>
+
 #include "platform/object.h"
 #include "support/component.h"
 
@@ -8,9 +12,10 @@ namespace ovtest {
 namespace {
 
 /// Everything that the library knows of its classes; what a class lacks it must say.
-const IID all_interfaces[] = {IID_IUnknown,  IID_IDispatch,           IID_ISupportErrorInfo,
-                              IID_IOvTable,  IID_IZuCommonDataTable,  IID_IOvTableMaintenance,
-                              IID_IOvSchema, IID_IZuCommonDataSchema, IID_IOvTableADO};
+const IID all_interfaces[] = {IID_IUnknown,         IID_IDispatch,           IID_ISupportErrorInfo,
+                              IID_IOvTable,         IID_IZuCommonDataTable,  IID_IOvTableMaintenance,
+                              IID_IOvSchema,        IID_IZuCommonDataSchema, IID_IOvTableADO,
+                              IID_IProvideClassInfo};
 
 ovfile::pointer<IUnknown> ask(IUnknown& object, REFIID iid) {
   ovfile::pointer<IUnknown> answer;
@@ -133,10 +138,13 @@ TEST_P(objects, support_error_information) {
   ASSERT_EQ(S_OK, make(GetParam(), nullptr, IID_ISupportErrorInfo, &made));
   ovfile::pointer<ISupportErrorInfo> support;
   *support.out() = static_cast<ISupportErrorInfo*>(made);
-  const bool is_table = GetParam() == CLSID_OvTable;
-  EXPECT_EQ(is_table ? S_OK : S_FALSE, support->InterfaceSupportsErrorInfo(IID_IOvTable));
-  EXPECT_EQ(is_table ? S_OK : S_FALSE, support->InterfaceSupportsErrorInfo(IID_IZuCommonDataTable));
-  EXPECT_EQ(is_table ? S_FALSE : S_OK, support->InterfaceSupportsErrorInfo(IID_IOvSchema));
+  const CLSID& tested = GetParam();
+  const auto expected = [&](REFCLSID of) { return tested == of ? S_OK : S_FALSE; };
+  EXPECT_EQ(expected(CLSID_OvTable), support->InterfaceSupportsErrorInfo(IID_IOvTable));
+  EXPECT_EQ(expected(CLSID_OvTable), support->InterfaceSupportsErrorInfo(IID_IZuCommonDataTable));
+  EXPECT_EQ(expected(CLSID_OvSchema), support->InterfaceSupportsErrorInfo(IID_IOvSchema));
+  EXPECT_EQ(expected(CLSID_OvSchema), support->InterfaceSupportsErrorInfo(IID_IZuCommonDataSchema));
+  EXPECT_EQ(expected(CLSID_OvTableADO), support->InterfaceSupportsErrorInfo(IID_IOvTableADO));
   EXPECT_EQ(S_FALSE, support->InterfaceSupportsErrorInfo(IID_IUnknown));
 }
 
@@ -145,16 +153,39 @@ TEST_P(objects, are_dispatched_by_their_default_interface) {
   ASSERT_EQ(S_OK, make(GetParam(), nullptr, IID_IDispatch, &made));
   ovfile::pointer<IDispatch> dispatch;
   *dispatch.out() = static_cast<IDispatch*>(made);
-  wide name = GetParam() == CLSID_OvTable ? OLESTR("GetRowAt") : OLESTR("SetFieldType");
+  const std::pair<wide, DISPID> only_there = GetParam() == CLSID_OvTable ? std::pair(OLESTR("GetRowAt"), 18)
+                                             : GetParam() == CLSID_OvSchema
+                                                 ? std::pair(OLESTR("SetFieldType"), 11)
+                                                 : std::pair(OLESTR("MoveTo"), 11);
+  wide name = only_there.first;
   LPOLESTR pointer = name.data();
   DISPID id = 0;
   EXPECT_EQ(S_OK, dispatch->GetIDsOfNames(IID_NULL, &pointer, 1, 0, &id));
-  EXPECT_EQ(GetParam() == CLSID_OvTable ? 18 : 11, id);
+  EXPECT_EQ(only_there.second, id);
 }
 
-INSTANTIATE_TEST_SUITE_P(every_class, objects, testing::Values(CLSID_OvTable, CLSID_OvSchema),
-                         [](const auto& tested) {
-                           return std::string(tested.param == CLSID_OvTable ? "OvTable" : "OvSchema");
+TEST_P(objects, answer_their_own_interfaces_and_no_others) {
+  void* made = nullptr;
+  ASSERT_EQ(S_OK, make(GetParam(), nullptr, IID_IUnknown, &made));
+  ovfile::pointer<IUnknown> object;
+  *object.out() = static_cast<IUnknown*>(made);
+  const auto expected = [&](std::initializer_list<CLSID> of) {
+    return std::find(of.begin(), of.end(), GetParam()) != of.end();
+  };
+  EXPECT_EQ(expected({CLSID_OvTable}), static_cast<bool>(ask(*object.get(), IID_IOvTable)));
+  EXPECT_EQ(expected({CLSID_OvTable}), static_cast<bool>(ask(*object.get(), IID_IZuCommonDataTable)));
+  EXPECT_EQ(expected({CLSID_OvTable, CLSID_OvTableADO}),
+            static_cast<bool>(ask(*object.get(), IID_IOvTableMaintenance)));
+  EXPECT_EQ(expected({CLSID_OvSchema}), static_cast<bool>(ask(*object.get(), IID_IOvSchema)));
+  EXPECT_EQ(expected({CLSID_OvSchema}), static_cast<bool>(ask(*object.get(), IID_IZuCommonDataSchema)));
+  EXPECT_EQ(expected({CLSID_OvTableADO}), static_cast<bool>(ask(*object.get(), IID_IOvTableADO)));
+}
+
+INSTANTIATE_TEST_SUITE_P(every_class, objects,
+                         testing::Values(CLSID_OvTable, CLSID_OvSchema, CLSID_OvTableADO),
+                         [](const auto& tested) -> std::string {
+                           if (tested.param == CLSID_OvTable) return "OvTable";
+                           return tested.param == CLSID_OvSchema ? "OvSchema" : "OvTableADO";
                          });
 
 }  // namespace

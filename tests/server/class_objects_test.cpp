@@ -67,9 +67,11 @@ TEST_P(class_objects, live_objects_keep_the_module) {
   EXPECT_EQ(S_OK, DllCanUnloadNow());
 }
 
-INSTANTIATE_TEST_SUITE_P(every_class, class_objects, testing::Values(CLSID_OvTable, CLSID_OvSchema),
-                         [](const auto& tested) {
-                           return std::string(tested.param == CLSID_OvTable ? "OvTable" : "OvSchema");
+INSTANTIATE_TEST_SUITE_P(every_class, class_objects,
+                         testing::Values(CLSID_OvTable, CLSID_OvSchema, CLSID_OvTableADO),
+                         [](const auto& tested) -> std::string {
+                           if (tested.param == CLSID_OvTable) return "OvTable";
+                           return tested.param == CLSID_OvSchema ? "OvSchema" : "OvTableADO";
                          });
 
 TEST(class_lookup, refuses_other_identifiers) {

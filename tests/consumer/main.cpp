@@ -1,0 +1,25 @@
+// Makes a table, fills one row, filters it, and prints what it reads.
+#include <cstdio>
+
+#include "ovfile/smart.h"
+
+int main(int, char** arguments) try {
+  auto schema = ovfile::create_schema();
+  ovfile::check(schema->CreatePointsFile());
+  auto table = ovfile::create_table();
+  const ovfile::text name(arguments[1]);
+  ovfile::check(table->Create(name.get(), schema.get()));
+  ovfile::check(table->AddRow());
+  ovfile::check(table->SetColumnDouble(1, 12.5));
+  ovfile::check(table->put_FilterString(0, ovfile::text("XPT > 12").get()));
+  VARIANT_BOOL passes = 0;
+  ovfile::check(table->IsFilteredIn(0, 1, &passes));
+  double value = 0;
+  ovfile::check(table->GetColumnAsDouble(1, &value));
+  ovfile::check(table->Close());
+  std::printf("%g %d\n", value, passes);
+  return 0;
+} catch (const std::exception& error) {
+  std::fprintf(stderr, "%s\n", error.what());
+  return 1;
+}
