@@ -25,9 +25,9 @@ struct IOvFilter : IUnknown {
   OVFILE_METHOD SetExpression(BSTR expression) = 0;
   /// Takes the values as `SetValues` does; the result is 1 when they pass, else 0.
   OVFILE_METHOD Evaluate(BSTR values, SHORT* pResult) = 0;
-  /// The values in the order of the variables, a comma between two. What reads as a number, INF and -INF
-  /// too, may be one. "-" and an empty position are absent,
+  /// The values in the order of the variables, a comma between two. "-" and an empty position are absent,
   /// and so are positions that the text does not reach; the last variable takes the rest, commas included.
+  /// What reads as a number may be one, INF and -INF too.
   OVFILE_METHOD SetValues(BSTR values) = 0;
   /// E_INVALIDARG for a number that no variable has. The name belongs to the caller.
   OVFILE_METHOD GetVariableName(LONG index, BSTR* pName) = 0;

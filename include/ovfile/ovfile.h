@@ -339,7 +339,8 @@ struct OvTableFacts {
 struct IOvTableMaintenance : IUnknown {
   OVFILE_METHOD GetFacts(OvTableFacts* pFacts) = 0;
   /// Makes the table anew from rows `pRowOf` (null: all) under `pSchema` (null: the table's own), whose
-  /// column i takes its values from column `pColumnOf[i - 1]` (0: the default; null: by name).
+  /// column i takes its values from column `pColumnOf[i - 1]` (0: the default; null: by name). A schema
+  /// without a description leaves the table its own.
   OVFILE_METHOD Rebuild(IOvSchema* pSchema, LONG nColumns, const LONG* pColumnOf, LONG nRows,
                         const LONG* pRowOf) = 0;
 };

@@ -1,4 +1,4 @@
-// ovfile add-implicit: a table gets a field with one value for all rows.
+// ovfile add-implicit: a table gets a column with one value for all rows.
 #include <memory>
 
 #include "absent.h"
@@ -16,7 +16,7 @@ namespace command {
 namespace {
 
 constexpr const char* help =
-    "Adds a field with one value for all rows, which the table keeps in its header alone. It is a number\n"
+    "Adds a column with one value for all rows, which the table keeps in its header alone. It is a number\n"
     "where VALUE is one; - and absent are the absent number. Any other VALUE makes it text.";
 
 struct add_implicit_request {
@@ -55,7 +55,7 @@ void run_add_implicit(const add_implicit_request& request) {
   view.check_new_name(wanted.name);
   const planned_field field = plan_implicit("", wanted, view.is_single(), request.text_width);
   check_room(view, field);
-  view.check(field.is_text ? add_text(view.table(), field) : add_number(view, field, wanted.value));
+  view.check_copied(field.is_text ? add_text(view.table(), field) : add_number(view, field, wanted.value));
   view.close();
 }
 
@@ -77,10 +77,10 @@ void define_add_implicit(CLI::App& program) {
   };
   auto given = std::make_shared<arguments>();
   CLI::App* const app =
-      program.add_subcommand("add-implicit", "Add a field with one value for all rows to a table");
+      program.add_subcommand("add-implicit", "Add a column with one value for all rows to a table");
   app->footer(help);
   add_table_argument(*app, given->request.table);
-  app->add_option("field", given->field, "the field and its value")->type_name("NAME=VALUE")->required();
+  app->add_option("field", given->field, "the column and its value")->type_name("NAME=VALUE")->required();
   CLI::Option* const width =
       app->add_option("--text", given->width, "it is text of this width")->type_name("WIDTH");
   app->callback([given, width] {

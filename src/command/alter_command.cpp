@@ -23,15 +23,8 @@ struct alteration_request {
 
 ovfile::pointer<IOvSchema> schema_of(const table_view& view, const std::vector<altered_column>& columns) {
   auto schema = ovfile::create_schema();
-  // What the schema tells of the description may be less than what the file has.
-  OvTableFacts facts{};
-  facts.cbSize = sizeof facts;
-  const auto maintenance = ovfile::pointer<IOvTable>(&view.table()).query<IOvTableMaintenance>();
-  view.check(maintenance ? maintenance->GetFacts(&facts) : E_NOINTERFACE);
-  std::string description = ovfile::to_utf8(facts.description);
-  description.erase(description.find_last_not_of(' ') + 1);
   view.check(schema->put_DoublePrecisionFlag(view.is_single() ? 0 : 1));
-  view.check(schema->put_Description(ovfile::text(std::string_view(description)).get()));
+  // Without a description: the table keeps its own.
   for (const altered_column& column : columns) add_to_schema(*schema.get(), column, view);
   return schema;
 }

@@ -33,9 +33,9 @@ std::string default_words(const field_view& field, bool single) {
 }
 
 void append_field_lines(std::string& out, const std::vector<field_view>& fields, bool single) {
-  std::size_t name_width = 5;
+  std::size_t name_width = 6;
   for (const field_view& field : fields) name_width = std::max(name_width, field.name.size());
-  out += fmt::format("{:>4}  {:<{}}  {:<6}  {:>5}  {:<8}  {}\n", "#", "field", name_width, "type", "width",
+  out += fmt::format("{:>4}  {:<{}}  {:<6}  {:>5}  {:<8}  {}\n", "#", "column", name_width, "type", "width",
                      "kept", "default");
   for (const field_view& field : fields) {
     const std::string line =

@@ -1,6 +1,7 @@
 #include "field_names.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <set>
 #include <string_view>
 
@@ -91,6 +92,9 @@ std::string name_problem(const std::string& name, std::size_t longest) {
   if (characters.size() > longest) return fmt::format("the name is longer than {} characters", longest);
   if (never_first.find(characters[0]) != never_first.npos) return "a name may not begin with . or @";
   for (const char32_t c : characters) {
+    if (!has_ansi_place(c)) {
+      return fmt::format("the character U+{:04X} is not in Windows-1252", static_cast<std::uint32_t>(c));
+    }
     if (!is_allowed(c)) return "a name may not hold blanks, control characters or any of ,!:*&=()?";
   }
   return {};

@@ -8,11 +8,6 @@
 namespace command {
 namespace {
 
-ovfile::wide_view without_end_blanks(ovfile::wide_view text) noexcept {
-  while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
-  return text;
-}
-
 field_view read_field(IOvSchema& schema, LONG column, const std::string& file) {
   ovfile::text name;
   OvColumnType type{};
@@ -34,6 +29,11 @@ field_view read_field(IOvSchema& schema, LONG column, const std::string& file) {
 }
 
 }  // namespace
+
+ovfile::wide_view without_end_blanks(ovfile::wide_view text) noexcept {
+  while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+  return text;
+}
 
 void check_call(const std::string& file, HRESULT status) {
   if (FAILED(status)) throw failure(file + ": " + ovfile::error::take(status).what());

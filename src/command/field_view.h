@@ -20,6 +20,9 @@ struct field_view {
   bool operator==(const field_view&) const = default;
 };
 
+/// A text as a table keeps it, filled up with blanks, without these.
+ovfile::wide_view without_end_blanks(ovfile::wide_view text) noexcept;
+
 /// Throws `failure` with `file` and what the thread's error information says when the status is a failed
 /// one.
 void check_call(const std::string& file, HRESULT status);

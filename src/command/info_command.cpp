@@ -12,7 +12,7 @@
 namespace command {
 namespace {
 
-constexpr const char* help = "Tells a table's kind, precision, byte order, description, size and fields.";
+constexpr const char* help = "Tells a table's kind, precision, byte order, description, size and columns.";
 
 struct info_request {
   std::string table;
@@ -75,7 +75,7 @@ void append_words(std::string& out, const table_view& view, const table_facts& f
   line("record", fmt::format("{} words, {} in a page", file.recordWords, file.recordsPerPage));
   line("pages", fmt::format("{}, {} of them header", file.pages, file.headerPages));
   line("file size", fmt::format("{} bytes", file.fileBytes));
-  line("fields", std::to_string(view.fields().size()));
+  line("columns", std::to_string(view.fields().size()));
   out += '\n';
   append_field_lines(out, view.fields(), view.is_single());
 }

@@ -12,8 +12,8 @@ namespace command {
 namespace {
 
 constexpr const char* help =
-    "Lists the kinds of table and the fields that make each out, in the order in which they are tried: a\n"
-    "table is of the first kind whose fields it has, whatever other fields it has besides.";
+    "Lists the kinds of table and the columns that make each out, in the order in which they are tried: a\n"
+    "table is of the first kind whose columns it has, whatever others it has besides.";
 
 /// No field's name ends with a blank, so that a kind with such a name among its own is never found.
 bool can_match(const ovfile::table_kind& kind) {
@@ -42,7 +42,7 @@ std::string words_of(const ovfile::table_kind& kind) {
 void append_words(std::string& out) {
   std::size_t width = 4;
   for (const auto& kind : ovfile::table_kinds) width = std::max(width, kind_words(kind.type).size());
-  out += fmt::format("{:>4}  {:<{}}  {:<10}  {}\n", "#", "kind", width, "value", "fields");
+  out += fmt::format("{:>4}  {:<{}}  {:<10}  {}\n", "#", "kind", width, "value", "columns");
   int row = 0;
   for (const auto& kind : ovfile::table_kinds) {
     out += fmt::format("{:>4}  {:<{}}  0x{:<8X}  {}\n", ++row, kind_words(kind.type), width,

@@ -19,7 +19,7 @@ namespace command {
 namespace {
 
 constexpr const char* help =
-    "Makes a table without rows, with the standard fields of a template or the fields of an XML schema (as\n"
+    "Makes a table without rows, with the standard columns of a template or those of an XML schema (as\n"
     "`ovfile schema --xml` writes it). The templates model and grid need sizes and numbers of cells.";
 
 struct new_request {
@@ -90,16 +90,17 @@ void warn_of_fields_not_taken(const std::string& xml, const std::vector<field_vi
                               const std::string& file) {
   const std::vector<std::string> missing = names_not_taken(xml, taken);
   if (missing.empty()) return;
-  say(
-      fmt::format("warning: {}: not taken over: {} (a field has a line of its own, a name of at most 8 "
-                  "characters, a type numeric or alphanumeric, and in the latter case a length)",
-                  file, fmt::join(missing, ", ")));
+  say(fmt::format(
+      "warning: {}: not taken over: {} (a field is <OvField and a blank, on a line of its own, with "
+      "values in double quotes, a name of at most 8 characters, a type numeric or alphanumeric, and "
+      "in the latter case a length of 0 to 1048576)",
+      file, fmt::join(missing, ", ")));
 }
 
-void check_field(const field_view& field, bool single, const std::string& file) {
+void check_field(const field_view& field, bool single, std::size_t longest, const std::string& file) {
   const std::string place =
       fmt::format("{}, field {}", file, field.name.empty() ? std::to_string(field.column) : field.name);
-  const std::string problem = name_problem(field.name, longest_name(single));
+  const std::string problem = name_problem(field.name, longest);
   if (!problem.empty()) throw failure(place + ": " + problem);
   if (single && !field.is_text && std::isinf(static_cast<float>(field.number_default))) {
     throw failure(place + ": the default is beyond the range of single precision");
@@ -109,10 +110,11 @@ void check_field(const field_view& field, bool single, const std::string& file) 
 /// Finds what the library would refuse, often without telling which field it is about.
 void check_fields(const std::vector<field_view>& fields, bool single, const std::string& file) {
   if (fields.empty()) throw failure(file + " has no fields");
+  const std::size_t longest = longest_name(single);
   std::set<std::string> names;
   std::size_t words = 0;
   for (const field_view& field : fields) {
-    check_field(field, single, file);
+    check_field(field, single, longest, file);
     if (!names.insert(field.name).second) {
       throw failure(fmt::format("{}, field {}: the name is there twice", file, field.name));
     }
@@ -167,10 +169,11 @@ void define_new(CLI::App& program) {
   CLI::App* const app = program.add_subcommand("new", "Make a table without rows");
   app->footer(help);
   app->add_option("table", request->table, "the table to make; one that is there is replaced")->required();
-  app->add_option("--template", request->template_name, "the standard fields of this kind of table")
+  app->add_option("--template", request->template_name, "the standard columns of this kind of table")
       ->type_name("NAME")
       ->check(CLI::IsMember({"model", "grid", "points", "strings", "triangles", "wireframe-points"}));
-  app->add_option("--xml", request->xml, "the fields of this schema; - is standard input")->type_name("FILE");
+  app->add_option("--xml", request->xml, "the columns of this schema; - is standard input")
+      ->type_name("FILE");
   request->cells.add_to(*app);
   app->add_flag("--ijk", request->ijk, "a grid whose rows have cell numbers");
   app->add_flag("--single", request->single, "numbers of 4 bytes (7 digits) instead of 8");

@@ -55,6 +55,8 @@ void sync_file(const std::string& name);
 /// Puts `from` in the place of `to` in one step and waits until that stands on the disk; permissions of a
 /// file that was there are carried over. Throws `failure`.
 void replace_file(const std::string& from, const std::string& to);
+/// Whether a program has the table open, this one included; false where that cannot be told.
+bool is_in_use(const std::string& name) noexcept;
 void remove_file(const std::string& name) noexcept;
 /// A number that no other running process has.
 unsigned long process_number() noexcept;

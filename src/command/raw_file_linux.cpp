@@ -15,15 +15,6 @@
 namespace command {
 namespace {
 
-/// Until the table's own objects let go: a program that has the file open may still write to it.
-void refuse_file_in_use(const std::string& name) {
-  const int handle = ::open(name.c_str(), O_RDONLY | O_CLOEXEC);
-  if (handle < 0) return;  // the rename says what is wrong, if anything is
-  const bool in_use = ::flock(handle, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
-  ::close(handle);
-  if (in_use) throw failure("cannot replace " + name + ": it is open in another program");
-}
-
 void sync_folder(const std::string& name) {
   const std::filesystem::path folder = std::filesystem::path(name).parent_path();
   const int handle = ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
@@ -121,13 +112,22 @@ void sync_file(const std::string& name) {
 void replace_file(const std::string& from, const std::string& to) {
   struct stat old {};
   if (::stat(to.c_str(), &old) == 0) {
-    refuse_file_in_use(to);
+    // Until the table's own objects let go: a program that has the file open may still write to it.
+    if (is_in_use(to)) throw failure("cannot replace " + to + ": it is open in another program");
     if (::chmod(from.c_str(), old.st_mode & 07777) != 0) {
       throw failure("cannot replace " + to + ": " + last_reason());
     }
   }
   if (::rename(from.c_str(), to.c_str()) != 0) throw failure("cannot replace " + to + ": " + last_reason());
   sync_folder(to);
+}
+
+bool is_in_use(const std::string& name) noexcept {
+  const int handle = ::open(name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+  if (handle < 0) return false;
+  const bool in_use = ::flock(handle, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+  ::close(handle);
+  return in_use;
 }
 
 void remove_file(const std::string& name) noexcept { ::unlink(name.c_str()); }

@@ -143,6 +143,16 @@ void replace_file(const std::string& from, const std::string& to) {
   }
 }
 
+bool is_in_use(const std::string& name) noexcept try {
+  const HANDLE handle = CreateFileW(ovfile::to_wide(name).c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING,
+                                    FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (handle == INVALID_HANDLE_VALUE) return GetLastError() == ERROR_SHARING_VIOLATION;
+  CloseHandle(handle);
+  return false;
+} catch (const std::exception&) {
+  return false;
+}
+
 void remove_file(const std::string& name) noexcept {
   try {
     DeleteFileW(ovfile::to_wide(name).c_str());

@@ -1,4 +1,4 @@
-// ovfile rename: a field gets another name.
+// ovfile rename: a column gets another name.
 #include <memory>
 
 #include "commands.h"
@@ -12,7 +12,7 @@ namespace command {
 namespace {
 
 constexpr const char* help =
-    "Gives a field of a table another name; its values stay. Names differ by case: AU and Au are two.";
+    "Gives a column of a table another name; its values stay. Names differ by case: AU and Au are two.";
 
 struct rename_request {
   std::string table;
@@ -34,7 +34,7 @@ void run_rename(const rename_request& request) {
   const table_view view(request.table, table_access::change);
   const field_view& field = view.field(request.old_name);
   if (request.new_name != request.old_name) view.check_new_name(request.new_name);
-  view.check(
+  view.check_copied(
       view.table().SetColumnName(field.column, ovfile::text(std::string_view(request.new_name)).get()));
   check_renamed(view, field.column, request.new_name);
   view.close();
@@ -44,10 +44,10 @@ void run_rename(const rename_request& request) {
 
 void define_rename(CLI::App& program) {
   auto request = std::make_shared<rename_request>();
-  CLI::App* const app = program.add_subcommand("rename", "Give a field another name");
+  CLI::App* const app = program.add_subcommand("rename", "Give a column another name");
   app->footer(help);
   add_table_argument(*app, request->table);
-  app->add_option("old", request->old_name, "the field's name")->required();
+  app->add_option("old", request->old_name, "the column's name")->required();
   app->add_option("new", request->new_name, "what it shall be called")->required();
   app->callback([request] { run_rename(*request); });
 }

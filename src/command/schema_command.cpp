@@ -15,8 +15,8 @@ namespace command {
 namespace {
 
 constexpr const char* help =
-    "Lists a table's fields: name, type, width of a text, whether stored or implicit, default. The XML is\n"
-    "what `ovfile new --xml` reads; it has room for about 25 fields.";
+    "Lists a table's columns: name, type, width of a text, whether stored or implicit, default. The XML is\n"
+    "what `ovfile new --xml` reads; it has room for about 25 columns.";
 
 struct schema_request {
   std::string table;
@@ -67,7 +67,7 @@ void run_schema(const schema_request& request) {
 
 void define_schema(CLI::App& program) {
   auto request = std::make_shared<schema_request>();
-  CLI::App* const app = program.add_subcommand("schema", "List the fields of a table");
+  CLI::App* const app = program.add_subcommand("schema", "List the columns of a table");
   app->footer(help);
   add_table_argument(*app, request->table);
   CLI::Option* const xml = app->add_flag("--xml", request->xml, "as the library's XML");

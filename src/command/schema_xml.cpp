@@ -61,14 +61,31 @@ void check_characters(std::string_view text, const std::string& file) {
   }
 }
 
-/// The value of an element's `name`, as far as the element's line goes; empty where it has none.
+/// The name that the library reads in an element, which it looks for in the element's line alone and
+/// whose second quote it looks for one character late; empty where there is none.
 std::string name_in(std::string_view element) {
-  constexpr std::string_view attribute = "name=\"";
   element = element.substr(0, element.find('\n'));
-  const std::size_t begin = element.find(attribute);
-  if (begin == element.npos) return {};
-  element.remove_prefix(begin + attribute.size());
-  return std::string(element.substr(0, element.find('"')));
+  const std::size_t attribute = element.find("name");
+  const std::size_t first = attribute == element.npos ? element.npos : element.find('"', attribute);
+  const std::size_t second = first == element.npos ? element.npos : element.find('"', first + 2);
+  return second == element.npos ? std::string() : std::string(element.substr(first + 1, second - first - 1));
+}
+
+/// Where the next element of a field begins, whatever stands behind its name: the library takes one with a
+/// blank there alone.
+std::size_t next_field(std::string_view xml, std::size_t from) {
+  constexpr std::string_view element = "<OvField";
+  for (;;) {
+    const std::size_t at = xml.find(element, from);
+    if (at == xml.npos) return at;
+    from = at + element.size();
+    if (xml.substr(from, 1) != "s") return at;  // not the element around them
+  }
+}
+
+bool is_taken(std::string_view element, const std::string& name, const std::vector<field_view>& taken,
+              std::size_t next) {
+  return element.starts_with("<OvField ") && next < taken.size() && taken[next].name == name;
 }
 
 }  // namespace
@@ -110,17 +127,21 @@ ovfile::pointer<IOvSchema> schema_from_xml(const std::string& xml, const std::st
 }
 
 std::vector<std::string> names_not_taken(std::string_view xml, const std::vector<field_view>& taken) {
-  constexpr std::string_view element = "<OvField ";
   std::vector<std::string> names;
+  std::size_t nameless = 0;
   std::size_t next = 0;  // fields are taken in the order of the text
-  for (std::size_t at = xml.find(element); at != xml.npos; at = xml.find(element, at + 1)) {
-    const std::string name = name_in(xml.substr(at));
-    if (next < taken.size() && taken[next].name == name) {
+  for (std::size_t at = next_field(xml, 0); at != xml.npos; at = next_field(xml, at + 1)) {
+    const std::string_view element = xml.substr(at);
+    const std::string name = name_in(element);
+    if (is_taken(element, name, taken, next)) {
       ++next;
+    } else if (name.empty()) {
+      ++nameless;
     } else {
-      names.push_back(name.empty() ? "(without a name)" : name);
+      names.push_back(name);
     }
   }
+  if (nameless > 0) names.push_back(std::to_string(nameless) + " without a name");
   return names;
 }
 

@@ -23,7 +23,8 @@ std::string read_schema_text(const std::string& file);
 /// A new schema from XML.
 ovfile::pointer<IOvSchema> schema_from_xml(const std::string& xml, const std::string& file);
 
-/// The fields of the XML that the library did not take over, by their names.
+/// The fields of the XML that the library did not take over, by their names; those without a name are
+/// counted.
 std::vector<std::string> names_not_taken(std::string_view xml, const std::vector<field_view>& taken);
 
 }  // namespace command

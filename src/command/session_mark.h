@@ -4,8 +4,11 @@
 
 namespace command {
 
+/// Whether the session's choice has been made.
+bool session_is_marked();
+
 /// Takes the mark away, so that the library chooses anew. Nothing happens where there is none. Throws
-/// `failure`.
+/// `failure`, and the mark stays.
 void forget_session_mark();
 
 }  // namespace command

@@ -31,19 +31,32 @@ std::string atom_folder() {
   return folder;
 }
 
-/// Like the library, never uses a folder that somebody else may have put there.
-bool is_ours(int folder) {
+/// The folder, or -1 where there is none. Like the library, never uses one that somebody else may have put
+/// there.
+int open_folder(const std::string& name) {
+  const int folder = ::open(name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
   struct stat facts {};
-  return ::fstat(folder, &facts) == 0 && facts.st_uid == ::geteuid();
+  if (folder < 0 || (::fstat(folder, &facts) == 0 && facts.st_uid == ::geteuid())) return folder;
+  ::close(folder);
+  return -1;
 }
 
 }  // namespace
 
+bool session_is_marked() {
+  const int folder = open_folder(atom_folder());
+  if (folder < 0) return false;
+  struct stat facts {};
+  const bool marked = ::fstatat(folder, mark, &facts, AT_SYMLINK_NOFOLLOW) == 0 && S_ISREG(facts.st_mode);
+  ::close(folder);
+  return marked;
+}
+
 void forget_session_mark() {
   const std::string name = atom_folder();
-  const int folder = ::open(name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+  const int folder = open_folder(name);
   if (folder < 0) return;
-  const bool failed = is_ours(folder) && ::unlinkat(folder, mark, 0) != 0 && errno != ENOENT;
+  const bool failed = ::unlinkat(folder, mark, 0) != 0 && errno != ENOENT;
   const std::string reason = failed ? last_reason() : std::string();
   ::close(folder);
   if (failed) throw failure("cannot remove " + name + "/" + mark + ": " + reason);

@@ -5,6 +5,8 @@
 
 namespace command {
 
+bool session_is_marked() { return GlobalFindAtomW(L"MaxFieldNameLength") != 0; }
+
 void forget_session_mark() {
   // Every program that set it counts.
   constexpr int most_programs = 0x10000;

@@ -56,15 +56,18 @@ class long_names {
   ovfile::pointer<IOvSchema> schema_;
 };
 
+/// Nothing is asked that would make the session's choice.
 void show() {
   const long_names settings;
-  const bool chosen = settings.chosen();
-  const bool in_session = settings.in_session();
   text_output output;
-  output.text() = fmt::format(
-      "long-field-names  {}\nthis session      {}\nlongest name      {} characters in double precision, 8 in "
-      "single\n",
-      on_or_off(chosen), on_or_off(in_session), settings.limit());
+  output.text() = fmt::format("long-field-names  {}\n", on_or_off(settings.chosen()));
+  if (session_is_marked()) {
+    output.text() += fmt::format(
+        "this session      {}\nlongest name      {} characters in double precision, 8 in single\n",
+        on_or_off(settings.in_session()), settings.limit());
+  } else {
+    output.text() += "this session      decided when first needed\n";
+  }
   output.finish();
 }
 
@@ -79,8 +82,13 @@ void choose(bool value) {
 
 void choose_now(bool value) {
   const long_names settings;
-  settings.choose(value);
   forget_session_mark();
+  try {
+    settings.choose(value);
+  } catch (const failure&) {
+    settings.limit();  // marks the session again, with the choice that it had: that cannot be written either
+    throw;
+  }
   const bool in_session = settings.in_session();
   const LONG limit = settings.limit();  // marks the session again
   if (in_session != value || (limit > 8) != value) throw failure("this session's setting cannot be written");

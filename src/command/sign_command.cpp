@@ -10,8 +10,9 @@ namespace command {
 namespace {
 
 constexpr const char* help =
-    "Prints the signature of a table: 40 hexadecimal digits made of its fields and rows, which are the same\n"
-    "for tables that hold the same. A tight one counts the description, the order of the fields and the\n"
+    "Prints the signature of a table: 40 hexadecimal digits made of its columns and rows, which are the "
+    "same\n"
+    "for tables that hold the same. A tight one counts the description, the order of the columns and the\n"
     "precision, a loose one none of them.";
 
 struct signature_request {
@@ -39,7 +40,7 @@ void define_sign(CLI::App& program) {
   app->footer(help);
   add_table_argument(*app, request->table);
   CLI::Option* const loose =
-      app->add_flag("--loose", request->loose, "whatever description, order of fields and precision");
+      app->add_flag("--loose", request->loose, "whatever description, order of columns and precision");
   app->add_flag("--tight", request->tight, "with all of them (the default)")->excludes(loose);
   app->add_option("--decimals", request->decimals, "numbers rounded to so many decimals")
       ->type_name("N")

@@ -4,16 +4,12 @@
 #include "failure.h"
 #include "field_names.h"
 #include "number_text.h"
+#include "refused_file.h"
 #include "table_limits.h"
 #include "words.h"
 
 namespace command {
 namespace {
-
-ovfile::wide_view without_end_blanks(ovfile::wide_view text) noexcept {
-  while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
-  return text;
-}
 
 template <class Float>
 void append_number_cell(std::string& out, Float value, std::string_view absent) {
@@ -28,13 +24,35 @@ void append_number_cell(std::string& out, Float value, std::string_view absent) 
 
 table_view::table_view(std::string file, table_access access)
     : file_(std::move(file)), table_(ovfile::create_table()) {
-  check(table_->Open(ovfile::text(std::string_view(file_)).get(), access == table_access::read ? 1 : 0));
+  open(access);
   check(table_->GetRowCount(&rows_));
   const auto definition = schema();
   VARIANT_BOOL is_double = VARIANT_FALSE;
   check(definition->get_DoublePrecision(&is_double));
   single_ = is_double == VARIANT_FALSE;
   fields_ = read_fields(*definition.get(), file_);
+}
+
+void table_view::open(table_access access) {
+  const HRESULT status =
+      table_->Open(ovfile::text(std::string_view(file_)).get(), access == table_access::read ? 1 : 0);
+  if (SUCCEEDED(status)) return;
+  const std::string words = ovfile::error::take(status).what();
+  // What these say of the system's reason is in several lines, or nothing.
+  if (words.starts_with("cannot open file") || words.starts_with("Failed to open table")) {
+    refuse_unopenable_file(file_, access == table_access::change);
+  }
+  throw failure(file_ + ": " + words);
+}
+
+void table_view::check_copied(HRESULT status) const {
+  if (SUCCEEDED(status)) return;
+  const std::string words = ovfile::error::take(status).what();
+  if (words.find("cannot create file") != words.npos || words.find("cannot replace") != words.npos) {
+    table_->Close();  // else it is ourselves who have it open
+    refuse_unreplaceable_file(file_);
+  }
+  throw failure(file_ + ": " + words);
 }
 
 ovfile::pointer<IOvSchema> table_view::schema() const {

@@ -46,6 +46,9 @@ class table_view {
   void append_text(std::string& out, const field_view& field) const;
   /// Throws what a failed call says, with the file's name.
   void check(HRESULT status) const { check_call(file_, status); }
+  /// The same for a call that may have to put a copy in the file's place, with the system's reason where it
+  /// could not. The table is not open any more then.
+  void check_copied(HRESULT status) const;
   /// The same for a call that concerns the current row, which the message names.
   void check_at(const field_view* field, HRESULT status) const {
     if (FAILED(status)) fail_at(field, status);
@@ -54,6 +57,7 @@ class table_view {
   void close() const { check(table_->Close()); }
 
  private:
+  void open(table_access access);
   [[noreturn]] void fail_at(const field_view* field, HRESULT status) const;
 
   std::string file_;

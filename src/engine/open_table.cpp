@@ -49,10 +49,17 @@ std::vector<std::byte> header_of(const table_definition& definition) {
   basic_ovdd<Precision> dictionary;
   dictionary.set_description(ansi_from_wide(description_of(definition)));
   std::set<wide_view> names;
+  std::multiset<wide> known = definition.known_names;
   for (const field_definition& each : definition.fields) {
-    check_new_field_name(each.name, Precision::is_double);
-    if (!names.insert(each.name).second) fail_name_taken();
+    const auto known_name = known.find(each.name);
     const std::string name = ansi_from_wide(each.name);
+    if (known_name == known.end() || (!Precision::is_double && name.size() > format::short_name_chars)) {
+      check_new_field_name(each.name, Precision::is_double);
+      if (names.contains(each.name)) fail_name_taken();
+    } else {
+      known.erase(known_name);
+    }
+    names.insert(each.name);
     if (each.kind == field_kind::numeric) {
       dictionary.add_number(name, number_from<Precision>(each.number_default), !each.implicit);
     } else {

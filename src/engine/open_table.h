@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,6 +34,9 @@ struct table_definition {
   wide description;  ///< empty: who made the file, and when
   std::vector<field_definition> fields;
   bool is_double = false;
+  /// Names that stand in a file already, each as often as it does there: a copy keeps them, whatever the
+  /// rules for new names say.
+  std::multiset<wide> known_names = {};
 };
 
 /// The header of a table to be made, complete: every reason to refuse the definition is found here,

@@ -1,6 +1,7 @@
 #include "filter/evaluator.h"
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 #include "filter/parser.h"
@@ -9,9 +10,21 @@ namespace ovf::filter {
 
 namespace {
 
+constexpr double infinite = std::numeric_limits<double>::infinity();
+
+/// Nobody tells whether it is a number's text or a text that reads as one.
 value listed_value(wide_view text) {
-  const value read = text_value(text);
-  return read.view() == wide_view(OLESTR("-")) ? value{} : read;
+  value read = text_value(text, origin::any);
+  if (read.view() == wide_view(OLESTR("-"))) return {};
+  if (read.view() == wide_view(OLESTR("INF"))) read.number = infinite;
+  if (read.view() == wide_view(OLESTR("-INF"))) read.number = -infinite;
+  return read;
+}
+
+/// Spaces alone, behind a byte order mark or not.
+bool is_empty(wide_view expression) noexcept {
+  if (!expression.empty() && code_of(expression.front()) == byte_order_mark) expression.remove_prefix(1);
+  return std::all_of(expression.begin(), expression.end(), is_space);
 }
 
 }  // namespace
@@ -26,7 +39,7 @@ void evaluator::clear() noexcept {
 
 void evaluator::set_expression(wide_view expression) {
   clear();
-  if (std::all_of(expression.begin(), expression.end(), is_blank)) {
+  if (is_empty(expression)) {
     state_ = state::everything_passes;
     return;
   }
@@ -60,7 +73,7 @@ void evaluator::set_text(LONG variable, wide_view text) {
   wide& kept = texts_[static_cast<std::size_t>(variable)];
   changed(variable) = value{};
   kept = text;
-  changed(variable) = text_value(kept);
+  changed(variable) = text_value(kept, origin::text_field);
 }
 
 bool evaluator::passes() noexcept {

@@ -1,6 +1,7 @@
 #include "filter/lexer.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "filter/expression_error.h"
 #include "filter/number_text.h"
@@ -51,17 +52,33 @@ token_kind kind_of_name(wide_view name) noexcept {
   const unsigned code = code_of(c);
   if (code == '&') throw expression_error("& alone is no operator, write && or AND", position);
   if (code == '|') throw expression_error("| alone is no operator, write || or OR", position);
-  if (code >= 0x2018 && code <= 0x201F)
-    throw expression_error("texts stand in plain quotes, ' or \"", position);
+  if (const std::string_view hint = hint_for(code); !hint.empty()) throw expression_error(hint, position);
   wide message(OLESTR("unknown character"));
   if (code > ' ') message.append(OLESTR(" ")).push_back(c);
   throw expression_error(std::move(message), position);
 }
 
+/// Words of other languages. Unknown fields are absent, so that `AU = NULL` would never pass and nobody
+/// would know why.
+void refuse_foreign_word(wide_view name, std::size_t position) {
+  constexpr std::pair<std::string_view, const char*> foreign[] = {
+      {"null", "there is no NULL, write IS ABSENT (a field of this name goes in brackets)"},
+      {"true", "there is no TRUE, write 1 or the condition alone (a field of this name goes in brackets)"},
+      {"false", "there is no FALSE, write 0 or NOT (a field of this name goes in brackets)"},
+  };
+  for (const auto& [word, message] : foreign) {
+    if (equal_without_case(name, word)) throw expression_error(message, position);
+  }
+}
+
 }  // namespace
 
+lexer::lexer(wide_view expression) : expression_(expression) {
+  if (at(0, byte_order_mark)) at_ = 1;
+}
+
 void lexer::next(token& current) {
-  while (at_ < expression_.size() && is_blank(expression_[at_])) ++at_;
+  while (at_ < expression_.size() && is_space(expression_[at_])) ++at_;
   current.position = at_;
   current.is_bracketed = false;
   if (at_ == expression_.size()) {
@@ -124,6 +141,7 @@ void lexer::read_quoted(token& current, OLECHAR close, const char* missing) {
 void lexer::read_name(token& current) {
   while (at_ < expression_.size() && continues_name(expression_[at_])) ++at_;
   const wide_view name = expression_.substr(current.position, at_ - current.position);
+  refuse_foreign_word(name, current.position);
   current.kind = kind_of_name(name);
   current.text = name;
 }

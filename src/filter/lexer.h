@@ -46,7 +46,8 @@ struct token {
 class lexer {
  public:
   /// Looks into `expression` for as long as it lives.
-  explicit lexer(wide_view expression) : expression_(expression) {}
+  /// A byte order mark at its beginning does not count.
+  explicit lexer(wide_view expression);
 
   /// Reads the next token into `current`. Throws expression_error.
   void next(token& current);

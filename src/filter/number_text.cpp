@@ -4,14 +4,11 @@
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <limits>
 #include <system_error>
 
 namespace ovf::filter {
 
 namespace {
-
-constexpr double infinite = std::numeric_limits<double>::infinity();
 
 wide_view without_blanks(wide_view text) noexcept {
   while (!text.empty() && is_blank(text.front())) text.remove_prefix(1);
@@ -53,11 +50,6 @@ number_reading read_digits(std::string_view digits, double& number) noexcept {
 }
 
 number_reading read_unsigned(wide_view text, double& number) {
-  // "inf" and "nan" in other spellings are texts.
-  if (text == wide_view(OLESTR("INF"))) {
-    number = infinite;
-    return number_reading::number;
-  }
   const OLECHAR first = text.empty() ? OLECHAR{} : text.front();
   if (!(is_digit(first) || code_of(first) == '.') ||
       !std::all_of(text.begin(), text.end(), occurs_in_numbers)) {

@@ -13,8 +13,9 @@ enum class number_reading {
   too_large  ///< beyond the range of a double
 };
 
-/// A text that is a decimal number from its first to its last character (blanks around it do not count),
-/// or INF or -INF. Correctly rounded; what is too small for a double is 0.
+/// A text that is a decimal number from its first to its last character (blanks around it do not count).
+/// The words for what is infinite or no number are none. Correctly rounded; what is too small for a double
+/// is 0.
 number_reading read_number(wide_view text, double& number);
 
 /// Room for the text of any number.

@@ -128,11 +128,10 @@ operand parser::named() {
 }
 
 operand parser::call(const function& called, std::size_t position) {
-  if (called.arguments == arity::condition) return conditional();
-  operand result = expression();
+  operand result = called.arguments == arity::condition ? conditional() : expression();
   if (called.arguments == arity::one) {
     result = builder_.unary(called.code, result);
-  } else {
+  } else if (called.arguments != arity::condition) {
     do {
       expect(token_kind::comma, "',' and another value");
       result = builder_.binary(called.code, result, expression());

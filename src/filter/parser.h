@@ -4,7 +4,7 @@
 // conjunction = negation { AND negation }
 // negation    = NOT negation | comparison
 // comparison  = sum [ relation sum | [NOT] IN ( sum {, sum} ) | [NOT] BETWEEN sum AND sum
-//                   | [NOT] LIKE text | IS [NOT] ABSENT ]
+//                   | [NOT] LIKE text [ESCAPE text] | IS [NOT] ABSENT ]
 // sum         = product { (+ | -) product }
 // product     = signed { (* | /) signed }
 // signed      = (- | +) signed | power
@@ -12,6 +12,7 @@
 // primary     = number | text | name | function ( … ) | ( expression )
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "filter/expression_error.h"
@@ -73,10 +74,11 @@ class parser {
   operand expression();
   operand conjunction();
   operand negation();
-  operand comparison();  // this one and the next three: parser_comparisons.cpp
-  operand one_of(const operand& left, bool wanted, std::size_t position);
-  operand between(const operand& left, bool wanted, std::size_t position);
+  operand comparison();  // this one and the next four: parser_comparisons.cpp
+  operand one_of(const operand& left, bool wanted);
+  operand between(const operand& left, bool wanted);
   operand like(const operand& left, bool wanted);
+  std::optional<OLECHAR> escape_character();
   operand sum();
   operand product();
   operand with_sign();

@@ -48,9 +48,9 @@ operand parser::comparison() {
   } else {
     const bool wanted = !accept(token_kind::not_word);
     if (accept(token_kind::in_word)) {
-      left = one_of(left, wanted, position);
+      left = one_of(left, wanted);
     } else if (accept(token_kind::between_word)) {
-      left = between(left, wanted, position);
+      left = between(left, wanted);
     } else if (accept(token_kind::like_word)) {
       left = like(left, wanted);
     } else if (!wanted) {
@@ -65,35 +65,30 @@ operand parser::comparison() {
 }
 
 /// IN is `=` with one of the values, NOT IN is `<>` with all of them.
-operand parser::one_of(const operand& left, bool wanted, std::size_t position) {
+operand parser::one_of(const operand& left, bool wanted) {
   const relation asked = wanted ? relation::equal : relation::unequal;
   std::vector<std::size_t> decided;
   expect(token_kind::left_paren, "'('");
   for (;;) {
     const operand item = sum();
     if (accept(token_kind::comma)) {
-      decided.push_back(builder_.compare_keep(asked, left, item, wanted, wanted, position));
+      decided.push_back(builder_.compare_keep(asked, left, item, wanted, item.position));
       continue;
     }
     expect(token_kind::right_paren, "')'");
     // Not calculated even when all of it is constant: the jumps lead here.
-    const operand result = builder_.compare_last(asked, left, item, position);
+    const operand result = builder_.compare_last(asked, left, item, item.position);
     for (const std::size_t jump : decided) builder_.land(jump);
     return result;
   }
 }
 
-/// BETWEEN is `>=` the first and `<=` the second, NOT BETWEEN is `<` the first or `>` the second.
-operand parser::between(const operand& left, bool wanted, std::size_t position) {
+/// BETWEEN is `>=` the first and `<=` the second, NOT BETWEEN is `<` the first or `>` the second; neither
+/// holds when one of the three is absent.
+operand parser::between(const operand& left, bool wanted) {
   const operand low = sum();
-  const std::size_t decided = builder_.compare_keep(wanted ? relation::greater_or_equal : relation::less,
-                                                    left, low, !wanted, !wanted, position);
   expect(token_kind::and_word, "AND");
-  const operand high = sum();
-  const relation last = wanted ? relation::less_or_equal : relation::greater;
-  const operand result = builder_.compare_last(last, left, high, position);
-  builder_.land(decided);
-  return result;
+  return builder_.between(left, low, sum(), wanted);
 }
 
 operand parser::like(const operand& left, bool wanted) {
@@ -102,9 +97,30 @@ operand parser::like(const operand& left, bool wanted) {
     throw expression_error("a pattern of more than " + std::to_string(longest_pattern) + " characters",
                            current_.position);
   }
-  const operand result = builder_.like(left, current_.text, wanted);
+  const wide written(without_end_blanks(current_.text));
+  const std::size_t position = current_.position;
+  if (wanted && written.empty()) {
+    throw expression_error("nothing is like an empty text, absence is asked for by IS ABSENT", position);
+  }
   advance();
-  return result;
+  const std::optional<OLECHAR> escape = escape_character();
+  auto asked = read_pattern(written, escape);
+  if (!asked) throw expression_error("an escape character stands before %, _ or itself alone", position);
+  return builder_.like(left, *std::move(asked), wanted);
+}
+
+/// ESCAPE is a word behind a pattern alone, and may name a field everywhere else.
+std::optional<OLECHAR> parser::escape_character() {
+  if (current_.kind != token_kind::name || current_.is_bracketed) return {};
+  if (!equal_without_case(current_.text, "escape")) return {};
+  advance();
+  if (current_.kind != token_kind::text) missing("the text of an escape character");
+  if (current_.text.size() != 1 || is_blank(current_.text.front())) {
+    throw expression_error("an escape character is one character other than a blank", current_.position);
+  }
+  const OLECHAR escape = current_.text.front();
+  advance();
+  return escape;
 }
 
 }  // namespace ovf::filter

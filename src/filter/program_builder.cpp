@@ -1,6 +1,7 @@
 #include "filter/program_builder.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "filter/expression_error.h"
 
@@ -56,7 +57,7 @@ operand program_builder::push(const value& constant, operand_type type, std::siz
   made_.constants.push_back(constant);
   instruction step;
   step.code = opcode::push_constant;
-  step.operand = static_cast<std::uint32_t>(made_.constants.size() - 1);
+  step.argument = static_cast<std::uint32_t>(made_.constants.size() - 1);
   change_depth(+1);
   operand made;
   made.type = type;
@@ -72,9 +73,10 @@ operand program_builder::number(double of, std::size_t position) {
 
 operand program_builder::text(wide_view of, std::size_t position) {
   const wide& kept = made_.texts.emplace_back(of);
-  value constant = text_value(kept);
+  value constant = text_value(kept, origin::quoted);
   const bool is_empty = constant.is_absent();
-  constant.text = kept.data();  // also without characters it is a text, which others differ from
+  constant.from = origin::quoted;  // also without characters it is a text, which others differ from
+  constant.text = kept.data();
   operand made = push(constant, operand_type::text, position);
   made.is_empty = is_empty;
   return made;
@@ -86,7 +88,7 @@ operand program_builder::variable(wide_view name, std::size_t position) {
   if (is_new) made_.variables.emplace_back(name);
   instruction step;
   step.code = opcode::push_variable;
-  step.operand = found->second;
+  step.argument = found->second;
   change_depth(+1);
   operand made;
   made.type = operand_type::field;
@@ -101,7 +103,7 @@ operand program_builder::fold(const instruction& step, const operand& first) {
   value stack[2];
   const std::size_t count = made_.code.size() - first.start;
   for (std::size_t i = 0; i < count; ++i) {
-    stack[i] = made_.constants[made_.code[first.start + i].operand];
+    stack[i] = made_.constants[made_.code[first.start + i].argument];
   }
   const value result = *apply(step, made_, &stack[count - 1]);
   made_.code.resize(first.start);
@@ -152,7 +154,7 @@ operand program_builder::compare_variable(relation asked, const operand& variabl
   instruction step;
   step.code = opcode::compare_variable;
   step.asked = asked;
-  step.operand = made_.code[variable.start].operand;
+  step.argument = made_.code[variable.start].argument;
   step.number = number;
   made_.code.resize(variable.start);
   emit(step);
@@ -171,14 +173,23 @@ operand program_builder::compare_last(relation asked, const operand& left, const
   return computed(operand_type::number, left);
 }
 
-operand program_builder::like(const operand& of, wide_view pattern, bool wanted) {
-  // Not as a constant text of the expression: a pattern of blanks is one, no absent value.
-  const wide& kept = made_.texts.emplace_back(without_end_blanks(pattern));
-  made_.constants.push_back({not_a_number, kept.data(), kept.size()});
+operand program_builder::between(const operand& of, const operand& low, const operand& high, bool wanted) {
+  instruction step;
+  step.code = opcode::between;
+  step.as = manner_of(relation::greater_or_equal, of, low, low.position);
+  step.as_high = manner_of(relation::less_or_equal, of, high, high.position);
+  step.wanted = wanted;
+  emit(step);
+  change_depth(-2);
+  return computed(operand_type::number, of);
+}
+
+operand program_builder::like(const operand& of, pattern asked, bool wanted) {
+  made_.patterns.push_back(std::move(asked));
   instruction step;
   step.code = opcode::like;
   step.wanted = wanted;
-  step.operand = static_cast<std::uint32_t>(made_.constants.size() - 1);
+  step.argument = static_cast<std::uint32_t>(made_.patterns.size() - 1);
   return apply_to(step, of);
 }
 
@@ -203,13 +214,12 @@ operand program_builder::opposite(const operand& of) {
 }
 
 std::size_t program_builder::compare_keep(relation asked, const operand& left, const operand& right,
-                                          bool wanted, bool outcome, std::size_t position) {
+                                          bool wanted, std::size_t position) {
   instruction step;
   step.code = opcode::compare_keep;
   step.asked = asked;
   step.as = manner_of(asked, left, right, position);
   step.wanted = wanted;
-  step.outcome = outcome;
   change_depth(-1);
   return emit(step);
 }
@@ -259,7 +269,7 @@ std::size_t program_builder::jump() {
 }
 
 program program_builder::finish(const operand& result) {
-  made_.never_passes = result.type == operand_type::text;
+  require_condition(result);
   return std::move(made_);
 }
 

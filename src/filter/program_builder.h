@@ -34,23 +34,25 @@ class program_builder {
   operand compare(relation asked, const operand& left, const operand& right, std::size_t position);
   /// The same, never calculated beforehand: for the last of several, to whose result others jump.
   operand compare_last(relation asked, const operand& left, const operand& right, std::size_t position);
-  operand like(const operand& of, wide_view pattern, bool wanted);
+  operand between(const operand& of, const operand& low, const operand& high, bool wanted);
+  operand like(const operand& of, pattern asked, bool wanted);
   operand is_absent(const operand& of, bool wanted);
   operand opposite(const operand& of);
 
   /// An instruction that may go elsewhere; where to is told to `land` later. The first one keeps the left
   /// operand when it does not.
   std::size_t compare_keep(relation asked, const operand& left, const operand& right, bool wanted,
-                           bool outcome, std::size_t position);
+                           std::size_t position);
   /// The left side of OR (`wanted`) or AND (not), then, with the right side made, the whole.
   std::size_t short_cut(const operand& left, bool wanted);
   operand joined(const operand& left, const operand& right, std::size_t short_cut);
   std::size_t jump_if(const operand& condition, bool wanted);
   std::size_t jump();
   /// The jump lands on the next instruction to come.
-  void land(std::size_t jump) { made_.code[jump].operand = static_cast<std::uint32_t>(made_.code.size()); }
+  void land(std::size_t jump) { made_.code[jump].argument = static_cast<std::uint32_t>(made_.code.size()); }
 
-  /// The second of two branches comes next: the value of the first is not there then.
+  /// The second of two branches comes next. One of them runs, so it begins with the stack that the first
+  /// one began with.
   void begin_other_branch() noexcept { --depth_; }
   operand either_branch(const operand& condition, const operand& first, const operand& second) const;
 
@@ -64,7 +66,7 @@ class program_builder {
   operand truth(const operand& of);
   operand compare_variable(relation asked, const operand& variable, double number);
   void change_depth(int by) noexcept;
-  value constant_of(const operand& of) const { return made_.constants[made_.code[of.start].operand]; }
+  value constant_of(const operand& of) const { return made_.constants[made_.code[of.start].argument]; }
 
   program made_;
   std::unordered_map<wide, std::uint32_t> numbers_of_variables_;

@@ -1,18 +1,17 @@
 #include "table/column_ranges.h"
-#include "table/column_values.h"
 
 #include <algorithm>
 
+#include "schema/special_values.h"
 #include "storage/file_error.h"
+#include "table/column_values.h"
 
 namespace ovf {
 namespace {
 
-constexpr double absent = -1e30;
-constexpr double top = 1e30;
-constexpr double trace = 1e-30;
-
-bool is_special(double value) noexcept { return value <= absent || value >= top || value == trace; }
+bool is_special(double value) noexcept {
+  return value <= absent_value || value >= top_value || value == trace_value;
+}
 
 /// A column that the schema calls numeric.
 struct numeric_column {
@@ -23,8 +22,7 @@ struct numeric_column {
 
 LONG column_count(IOvSchema& schema) {
   LONG count = 0;
-  const HRESULT status = schema.get_FieldCount(&count);
-  if (FAILED(status)) throw com_error(status);
+  throw_on_failure(schema.get_FieldCount(&count));
   return std::max<LONG>(count, 0);
 }
 
@@ -32,8 +30,7 @@ std::vector<numeric_column> numeric_columns(IOvSchema& schema, LONG count) {
   std::vector<numeric_column> found;
   for (LONG column = 1; column <= count; ++column) {
     OvColumnType type{};
-    const HRESULT status = schema.GetFieldType(column, &type);
-    if (FAILED(status)) throw com_error(status);
+    throw_on_failure(schema.GetFieldType(column, &type));
     if (type != ovColumnString) found.push_back({field_index(column), column, type == ovColumnSingle});
   }
   return found;
@@ -92,7 +89,7 @@ void column_ranges::find(table_core& core) {
   }
   core.row_at(long_of(row));
   for (range& each : ranges_) {
-    if (each.low == top) each.low = absent;
+    if (each.low == top_value) each.low = absent_value;
   }
   known_ = true;
 }
@@ -103,7 +100,7 @@ void column_ranges::walk(table_core& core) {
   core.first_row();
   const std::uint64_t rows = core.opened().getRowCount();
   if (rows == 0) return;
-  ranges_.assign(static_cast<std::size_t>(count), {top, absent});
+  ranges_.assign(static_cast<std::size_t>(count), {top_value, absent_value});
   const bool ends_in_text = columns.empty() || columns.back().number != count;
   for (std::uint64_t row = 1; row <= rows; ++row) {
     for (const numeric_column& column : columns) {

@@ -105,6 +105,10 @@ class COvTable final : public component_class<COvTable, table_face, zu_table_fac
   HRESULT changing_fields(Body body);
   template <class Body>
   HRESULT changing_field(LONG column, Body body);
+  /// Adds a field of the open table to the schema.
+  void take_field(std::uint64_t index);
+  HRESULT range_end(wide_view refusal, std::optional<double> (column_ranges::*end)(LONG) const noexcept,
+                    LONG index, double* out);
   /// Widens the range of a numeric column by a value that it was given.
   void take_stored(LONG column, const VARIANT& value);
   HRESULT make_from(IOvSchema& definition);

@@ -2,17 +2,16 @@
 
 #include "table/column_values.h"
 #include "table/ov_table.h"
+#include "table/ov_table_messages.h"
 #include "table/shared_methods.h"
 
 namespace ovf {
 namespace {
 
-constexpr wide_view get_refused = OLESTR("GetColumn failed, current row is not valid");
 constexpr wide_view get_double_refused = OLESTR("GetColumnAsDouble failed, current row is not valid");
 constexpr wide_view get_float_refused = OLESTR("GetColumnAsFloat failed, current row is not valid");
 constexpr wide_view get_string_refused = OLESTR("GetColumnAsString failed, current row is not valid");
 constexpr wide_view set_refused = OLESTR("SetColumn failed, current row is not valid");
-constexpr wide_view set_read_only = OLESTR("SetColumn failed, file is open in read-only mode");
 constexpr wide_view read_record_refused = OLESTR("ReadOVRecord failed, current row is not valid");
 constexpr wide_view write_record_refused = OLESTR("WriteOVRecord failed, current row is not valid");
 
@@ -25,7 +24,7 @@ HRESULT COvTable::on_a_row(wide_view refusal, Body body) {
 
 template <class Body>
 HRESULT COvTable::changing_a_row(Body body) {
-  if (core_.is_read_only()) return report(*this, set_read_only);
+  if (core_.is_read_only()) return report(*this, message_id::read_only_file);
   return on_a_row(set_refused, [&] { return body() ? S_FALSE : S_OK; });
 }
 
@@ -57,7 +56,7 @@ HRESULT COvTable::GetColumnAsString(LONG lIndex, BSTR* pVal) {
 }
 
 HRESULT COvTable::GetColumn(LONG lIndex, VARIANT* pVal) {
-  return shared::get_column(*this, core_, get_refused, lIndex, pVal);
+  return shared::get_column(*this, core_, get_column_refused, lIndex, pVal);
 }
 
 HRESULT COvTable::SetColumn(LONG lIndex, VARIANT newVal) {

@@ -1,10 +1,13 @@
 #include "table/column_values.h"
 #include "table/ov_table.h"
+#include "table/schema_transfer.h"
 
 namespace ovf {
 namespace {
 
-/// The engine's default as the file now has it, for the schema.
+/// The engine's default as the file now has it, for the schema. `SetFieldDefault` widens a float tidily,
+/// so that a schema of floats says 0.1 here until the table is opened anew and its fields are widened
+/// plainly: hosts have always been shown both.
 HRESULT take_default(IOvSchema* schema, LONG column, table& from) {
   if (schema == nullptr) return S_OK;
   return schema->SetFieldDefault(column, from.getDefaultValue(field_index(column)).get());
@@ -57,24 +60,25 @@ HRESULT COvTable::SetColumnDefaultString(LONG lIndex, BSTR newVal) {
   });
 }
 
+/// What the file made of it, not what was asked for: widths are rounded, texts cut, numbers narrowed.
+void COvTable::take_field(std::uint64_t index) {
+  if (core_.schema) (void)add_field(*core_.schema.get(), core_.opened(), index);
+}
+
 HRESULT COvTable::AddImplicitNumericColumnFloat(BSTR bstrName, float defaultValue) {
-  return changing_fields([&] {
-    core_.opened().addNumericField(wide(view_of(bstrName)), defaultValue);
-    if (core_.schema) (void)core_.schema->AddNumericColumn(bstrName, static_cast<double>(defaultValue), 1);
-  });
+  return changing_fields(
+      [&] { take_field(core_.opened().addNumericField(wide(view_of(bstrName)), defaultValue)); });
 }
 
 HRESULT COvTable::AddImplicitNumericColumnDouble(BSTR bstrName, double defaultValue) {
-  return changing_fields([&] {
-    core_.opened().addNumericField(wide(view_of(bstrName)), defaultValue);
-    if (core_.schema) (void)core_.schema->AddNumericColumn(bstrName, defaultValue, 1);
-  });
+  return changing_fields(
+      [&] { take_field(core_.opened().addNumericField(wide(view_of(bstrName)), defaultValue)); });
 }
 
 HRESULT COvTable::AddImplicitStringColumn(BSTR bstrName, LONG length, BSTR bstrDefaultValue) {
   return changing_fields([&] {
-    core_.opened().addAlphaField(wide(view_of(bstrName)), length, wide(view_of(bstrDefaultValue)));
-    if (core_.schema) (void)core_.schema->AddStringColumn(bstrName, length, bstrDefaultValue, 1);
+    const wide text(view_of(bstrDefaultValue));
+    take_field(core_.opened().addAlphaField(wide(view_of(bstrName)), length, text));
   });
 }
 

@@ -1,10 +1,8 @@
 #include "table/ov_table.h"
-#include "table/shared_methods.h"
+#include "table/ov_table_messages.h"
 
 namespace ovf {
 namespace {
-
-constexpr wide_view get_refused = OLESTR("GetColumn failed, current row is not valid");
 
 /// Without an evaluator nothing is reported.
 template <class Body>
@@ -40,11 +38,10 @@ HRESULT COvTable::IsFilteredIn(LONG, LONG, VARIANT_BOOL* pbVal) {
   if (pbVal == nullptr) return E_POINTER;
   *pbVal = 0;
   return guarded(*this, [&]() -> HRESULT {
-    if (filter_.expression().empty() || core_.on_a_row()) {
-      *pbVal = filter_.passes(core_);
-      return S_OK;
-    }
-    return report(*this, get_refused);
+    const bool needs_row = !filter_.expression().empty() && core_.is_open();
+    if (needs_row && !core_.on_a_row()) return report(*this, get_column_refused);
+    *pbVal = filter_.passes(core_);
+    return S_OK;
   });
 }
 

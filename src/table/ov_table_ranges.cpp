@@ -8,28 +8,26 @@ constexpr wide_view max_refused = OLESTR("GetColumnMax failed, index is not vali
 
 }  // namespace
 
-HRESULT COvTable::GetColumnMin(LONG index, double* pVal) {
-  if (pVal == nullptr) return E_POINTER;
-  *pVal = 0;
+HRESULT COvTable::range_end(wide_view refusal,
+                            std::optional<double> (column_ranges::*end)(LONG) const noexcept, LONG index,
+                            double* out) {
+  if (out == nullptr) return E_POINTER;
+  *out = 0;
   return guard(*this, [&]() -> HRESULT {
     ranges_.find(core_);
-    const std::optional<double> found = ranges_.minimum(index);
-    if (!found) return report(*this, min_refused);
-    *pVal = *found;
+    const std::optional<double> found = (ranges_.*end)(index);
+    if (!found) return report(*this, refusal);
+    *out = *found;
     return S_OK;
   });
 }
 
+HRESULT COvTable::GetColumnMin(LONG index, double* pVal) {
+  return range_end(min_refused, &column_ranges::minimum, index, pVal);
+}
+
 HRESULT COvTable::GetColumnMax(LONG index, double* pVal) {
-  if (pVal == nullptr) return E_POINTER;
-  *pVal = 0;
-  return guard(*this, [&]() -> HRESULT {
-    ranges_.find(core_);
-    const std::optional<double> found = ranges_.maximum(index);
-    if (!found) return report(*this, max_refused);
-    *pVal = *found;
-    return S_OK;
-  });
+  return range_end(max_refused, &column_ranges::maximum, index, pVal);
 }
 
 }  // namespace ovf

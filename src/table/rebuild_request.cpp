@@ -1,5 +1,6 @@
 #include "table/rebuild_request.h"
 
+#include <algorithm>
 #include <optional>
 
 #include "platform/system_error.h"
@@ -37,6 +38,7 @@ std::vector<std::uint32_t> rows_of(table_core& core, const rebuild_request& requ
   if (request.rows < 0) fail(bad_count, static_cast<long long>(request.rows));
   std::vector<bool> named(all.size() + 1);
   std::vector<std::uint32_t> rows;
+  rows.reserve(std::min(all.size(), static_cast<std::size_t>(request.rows)));
   for (LONG i = 0; i < request.rows; ++i) {
     const LONG row = request.row_of[i];
     if (row < 1 || static_cast<std::size_t>(row) >= named.size()) fail(bad_row, static_cast<long long>(row));
@@ -77,12 +79,20 @@ std::vector<column_origin> origins_of(table& from, IOvSchema& schema, const rebu
   return origins;
 }
 
+/// A schema without a description leaves the table's own as it is, to the last character.
+bool describes(IOvSchema& schema, const rebuild_request& request) {
+  if (request.schema == nullptr) return false;
+  ovfile::text description;
+  require(schema.get_Description(description.out()));
+  return !description.view().empty();
+}
+
 void run(table_core& core, const rebuild_request& request) {
   const std::vector<std::uint32_t> rows = rows_of(core, request);
   const auto schema = request.schema != nullptr ? copy_of(*request.schema) : schema_of(core.opened());
   if (request.schema == nullptr && request.column_of == nullptr) return keep_rows(core, *schema.get(), rows);
   const std::vector<column_origin> origins = origins_of(core.opened(), *schema.get(), request);
-  rebuild_table(core, *schema.get(), origins, rows, request.schema == nullptr);
+  rebuild_table(core, *schema.get(), origins, rows, !describes(*schema.get(), request));
 }
 
 }  // namespace

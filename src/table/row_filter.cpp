@@ -1,16 +1,15 @@
 #include "table/row_filter.h"
-#include "table/column_values.h"
 
 #include "platform/printed_float.h"
 #include "schema/schema_filling.h"
+#include "schema/special_values.h"
+#include "table/column_values.h"
 
 namespace ovf {
 namespace {
 
-constexpr double absent = -1e30;
-
-bool is_absent(double value) noexcept { return value == absent; }
-bool is_absent(float value) noexcept { return value == static_cast<float>(absent); }
+bool is_absent(double value) noexcept { return value == absent_value; }
+bool is_absent(float value) noexcept { return value == static_cast<float>(absent_value); }
 
 bool is_absent(const variant& value) noexcept {
   if (value.type() == VT_R4) return is_absent(value.get().fltVal);
@@ -44,14 +43,16 @@ const wide& row_filter::expression() {
 }
 
 void row_filter::set_expression(wide_view text) {
+  // Error information that is there afterwards is the evaluator's.
+  SetErrorInfo(0, nullptr);
   need_evaluator();
   text_ = text;
   columns_stamp_ = 0;
   (void)evaluator_->SetExpression(ovfile::text(text).get());
 }
 
-void row_filter::find_columns(IOvSchema* schema) {
-  const auto own = schema != nullptr ? own_schema(*schema) : ovfile::pointer<schema_filling>();
+void row_filter::find_columns(IOvSchema& schema) {
+  const auto own = own_schema(schema);
   const std::uint64_t stamp = own ? own->field_stamp() : 0;
   // A foreign schema does not tell when it changes.
   if (stamp != 0 && stamp == columns_stamp_) return;
@@ -59,7 +60,7 @@ void row_filter::find_columns(IOvSchema* schema) {
   if (FAILED(evaluator_->GetVariableCount(&count))) count = 0;
   columns_.clear();
   for (LONG variable = 0; variable < count; ++variable) {
-    columns_.push_back(schema != nullptr ? column_of(*schema, *evaluator_.get(), variable) : 0);
+    columns_.push_back(column_of(schema, *evaluator_.get(), variable));
   }
   columns_stamp_ = stamp;
 }
@@ -67,7 +68,8 @@ void row_filter::find_columns(IOvSchema* schema) {
 VARIANT_BOOL row_filter::passes(const table_core& core) {
   need_evaluator();
   if (text_.empty()) return VARIANT_TRUE;
-  find_columns(core.schema.get());
+  if (!core.is_open() || !core.schema) throw table_core::not_open();
+  find_columns(*core.schema.get());
   // True is 1 here, not VARIANT_TRUE: that is what hosts have always got.
   return (values_ ? test_values(core) : test_text(core)) ? 1 : 0;
 }

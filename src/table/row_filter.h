@@ -17,16 +17,18 @@ class row_filter {
  public:
   /// All of them throw no_evaluator, also where nothing needs to be evaluated.
   const wide& expression();
-  /// A bad expression is kept like any other; the evaluator has said what is wrong with it.
+  /// A bad expression is kept like any other; what is wrong with it the evaluator says by the thread's
+  /// error information, which a good one leaves empty.
   void set_expression(wide_view text);
   /// VARIANT_TRUE without an expression, else 1 or 0. The current row is read as a host's `GetColumn`
-  /// reads it, and throws what that throws.
+  /// reads it, and throws what that throws; not_open without a table or its schema, for then every
+  /// variable would be absent.
   VARIANT_BOOL passes(const table_core& core);
 
  private:
   void need_evaluator();
   /// Brings `columns_` up to the expression and the schema.
-  void find_columns(IOvSchema* schema);
+  void find_columns(IOvSchema& schema);
   bool test_values(const table_core& core);
   bool test_text(const table_core& core);
   void give(const table_core& core, std::size_t variable);

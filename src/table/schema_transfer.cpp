@@ -12,17 +12,6 @@ namespace {
 
 constexpr wide_view bad_field = OLESTR("The schema's field %s cannot be copied");
 
-HRESULT add_field(IOvSchema& schema, table& from, std::uint64_t index) {
-  const ovfile::text name(wide_view(from.getFieldName(index)));
-  const LONG implicit = from.isImplicit(index) ? 1 : 0;
-  if (from.getFieldType(index) == field_kind::numeric) {
-    return schema.AddNumericColumn(name.get(), to_double(from.getDefaultValue(index)), implicit);
-  }
-  const ovfile::text text(wide_view(from.getDefaultString(index)));
-  return schema.AddStringColumn(name.get(), static_cast<LONG>(from.getFieldWidth(index)), text.get(),
-                                implicit);
-}
-
 wide without_trailing_blanks(wide text) {
   text.erase(text.find_last_not_of(OLESTR(' ')) + 1);
   return text;
@@ -87,6 +76,17 @@ void copy_field(IOvSchema& from, LONG index, bool is_double, IOvSchema& to) {
 }
 
 }  // namespace
+
+HRESULT add_field(IOvSchema& schema, table& from, std::uint64_t index) {
+  const ovfile::text name(wide_view(from.getFieldName(index)));
+  const LONG implicit = from.isImplicit(index) ? 1 : 0;
+  if (from.getFieldType(index) == field_kind::numeric) {
+    return schema.AddNumericColumn(name.get(), to_double(from.getDefaultValue(index)), implicit);
+  }
+  const ovfile::text text(wide_view(from.getDefaultString(index)));
+  return schema.AddStringColumn(name.get(), static_cast<LONG>(from.getFieldWidth(index)), text.get(),
+                                implicit);
+}
 
 HRESULT fill_schema(IOvSchema& schema, table& from) {
   if (!begin_filling(schema)) return S_OK;

@@ -10,6 +10,8 @@ namespace ovf {
 /// Fills a schema of this library from the table: fields, description, precision. A foreign one stays as
 /// it is. The result is the first failed status of the schema's methods.
 HRESULT fill_schema(IOvSchema& schema, table& from);
+/// Adds the table's field of that index (from 0) to the schema as the file has it: name, width, default.
+HRESULT add_field(IOvSchema& schema, table& from, std::uint64_t index);
 
 /// Reads a schema, of whatever making, as the definition of a new table. Throws com_error with the
 /// status of a method that fails.

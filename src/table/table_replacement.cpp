@@ -19,8 +19,11 @@ table& table_replacement::begin(const table_definition& definition, bool keep_de
 }
 
 void table_replacement::make_copy(const table_definition& definition, bool keep_description) {
-  new_table made(definition);
-  made.carry_over(core_.opened(), keep_description);
+  table& old = core_.opened();
+  table_definition copied = definition;
+  for (std::uint64_t i = 0; i < old.getFieldCount(); ++i) copied.known_names.insert(old.getFieldName(i));
+  new_table made(copied);
+  made.carry_over(old, keep_description);
   if (!file_.begin()) throw file_error(with_system_error(OLESTR("cannot create file (%x: %s)")));
   file_.close();
   copy_ = create_table(file_.copy_name(), made);

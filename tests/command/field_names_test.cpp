@@ -96,6 +96,10 @@ TEST(field_names, problems_are_told_in_words) {
   EXPECT_EQ(command::name_problem(".A", 8), "a name may not begin with . or @");
   EXPECT_EQ(command::name_problem("A B", 8),
             "a name may not hold blanks, control characters or any of ,!:*&=()?");
+  EXPECT_EQ(command::name_problem("A\tB", 8),
+            "a name may not hold blanks, control characters or any of ,!:*&=()?");
+  EXPECT_EQ(command::name_problem("\xCE\xA9", 8), "the character U+03A9 is not in Windows-1252");
+  EXPECT_EQ(command::name_problem("A\xF0\x9F\x98\x80", 8), "the character U+1F600 is not in Windows-1252");
 }
 
 TEST(field_names, names_near_another_are_the_nearest_ones) {

@@ -18,13 +18,13 @@ TEST_F(info_test, tells_a_table_in_words) {
             "record       3 words, 169 in a page\n"
             "pages        2, 1 of them header\n"
             "file size    8192 bytes\n"
-            "fields       4\n"
+            "columns      4\n"
             "\n"
-            "   #  field  type    width  kept      default\n"
-            "   1  BHID   text        4  stored\n"
-            "   2  FROM   number         stored    absent\n"
-            "   3  CU     number         stored    absent\n"
-            "   4  ZONE   text        8  implicit  north\n");
+            "   #  column  type    width  kept      default\n"
+            "   1  BHID    text        4  stored\n"
+            "   2  FROM    number         stored    absent\n"
+            "   3  CU      number         stored    absent\n"
+            "   4  ZONE    text        8  implicit  north\n");
 }
 
 TEST_F(info_test, tells_a_table_in_json) {

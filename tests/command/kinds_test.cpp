@@ -20,7 +20,7 @@ std::vector<std::string> lines_of(const std::string& text) {
 TEST_F(kinds_test, lists_the_kinds_in_the_order_of_the_search) {
   const std::vector<std::string> lines = lines_of(run_quietly({"kinds"}));
   ASSERT_EQ(lines.size(), 35u);
-  EXPECT_EQ(lines[0], "   #  kind                                   value       fields");
+  EXPECT_EQ(lines[0], "   #  kind                                   value       columns");
   EXPECT_EQ(lines[1], "   1  strings                                0x2         XP YP ZP PTN PVALUE");
   EXPECT_EQ(lines[5],
             "   5  kind 0x4000                            0x4000      XINC YINC ZINC XMORIG YMORIG ZMORIG NX "

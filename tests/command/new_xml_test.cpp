@@ -35,6 +35,18 @@ class new_xml_test : public ovtest::command_test {
     EXPECT_EQ(files(), names{"s.xml"});
   }
 
+  /// Expects a table of A and what else can be taken over, and a warning of these fields.
+  void expect_not_taken(const std::string& fields, const std::string& missing) const {
+    write("s.xml", xml(number("A") + fields));
+    const ovtest::process_result result = run({"new", "t.ovt", "--xml", "s.xml"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.error,
+              "ovfile: warning: s.xml: not taken over: " + missing +
+                  " (a field is <OvField and a blank, on a line of its own, with values in double "
+                  "quotes, a name of at most 8 characters, a type numeric or alphanumeric, and in "
+                  "the latter case a length of 0 to 1048576)\n");
+  }
+
   /// A text as UTF-16 with its byte order mark; ASCII alone.
   static std::string utf16(const std::string& ascii, bool big_endian) {
     std::string bytes = big_endian ? "\xFE\xFF" : "\xFF\xFE";
@@ -44,10 +56,10 @@ class new_xml_test : public ovtest::command_test {
 };
 
 constexpr const char* three_fields =
-    "   #  field  type    width  kept      default\n"
-    "   1  A      number         stored    0\n"
-    "   2  T      text        8  stored    north\n"
-    "   3  NX     number         implicit  12.5\n";
+    "   #  column  type    width  kept      default\n"
+    "   1  A       number         stored    0\n"
+    "   2  T       text        8  stored    north\n"
+    "   3  NX      number         implicit  12.5\n";
 
 const std::string implicit_number =
     "\t\t<OvField name=\"NX\" type=\"numeric\" default=\"12.5\" implicit=\"true\"/>\r\n";
@@ -75,19 +87,19 @@ TEST_F(new_xml_test, special_values_are_defaults) {
   write("s.xml", xml(number("A", "-") + number("B", "+") + number("C", "TR")));
   run_quietly({"new", "t.ovt", "--xml", "s.xml"});
   EXPECT_EQ(listing(),
-            "   #  field  type    width  kept      default\n"
-            "   1  A      number         stored    absent\n"
-            "   2  B      number         stored    1e+30\n"
-            "   3  C      number         stored    1e-30\n");
+            "   #  column  type    width  kept      default\n"
+            "   1  A       number         stored    absent\n"
+            "   2  B       number         stored    1e+30\n"
+            "   3  C       number         stored    1e-30\n");
 }
 
 TEST_F(new_xml_test, a_text_without_a_width_takes_one_word) {
   write("s.xml", xml(number("A") + text("T", "0", "x")));
   run_quietly({"new", "t.ovt", "--xml", "s.xml"});
   EXPECT_EQ(listing(),
-            "   #  field  type    width  kept      default\n"
-            "   1  A      number         stored    0\n"
-            "   2  T      text        4  stored\n");
+            "   #  column  type    width  kept      default\n"
+            "   1  A       number         stored    0\n"
+            "   2  T       text        4  stored\n");
   std::string fields = text("T", "0", "x");
   for (int i = 1; i <= 64; ++i) fields += number("C" + std::to_string(i));
   expect_failure({"new", "t.ovt", "--xml", "-"},
@@ -110,20 +122,42 @@ TEST_F(new_xml_test, encodings_are_told_apart) {
 }
 
 TEST_F(new_xml_test, fields_that_are_not_taken_over_are_told) {
-  write("s.xml", xml(number("A") + number("LONGFIELDNAME") + text("E", "-9", "x") +
-                     "<OvField name=\"F\" type=\"date\" default=\"1\"/>\n" +
-                     "<OvField name=\"B\" type=\"numeric\" default=\"1\"/>" + number("C")));
-  const ovtest::process_result result = run({"new", "t.ovt", "--xml", "s.xml"});
-  EXPECT_EQ(result.status, 0);
-  EXPECT_EQ(
-      result.error,
-      "ovfile: warning: s.xml: not taken over: LONGFIELDNAME, E, F, C (a field has a line of its own, a "
-      "name of at most 8 characters, a type numeric or alphanumeric, and in the latter case a "
-      "length)\n");
+  expect_not_taken(number("LONGFIELDNAME") + "<OvField name=\"F\" type=\"date\" default=\"1\"/>\n" +
+                       "<OvField name=\"B\" type=\"numeric\" default=\"1\"/>" + number("C"),
+                   "LONGFIELDNAME, F, C");
   EXPECT_EQ(listing(),
-            "   #  field  type    width  kept      default\n"
-            "   1  A      number         stored    0\n"
-            "   2  B      number         stored    1\n");
+            "   #  column  type    width  kept      default\n"
+            "   1  A       number         stored    0\n"
+            "   2  B       number         stored    1\n");
+}
+
+TEST_F(new_xml_test, lengths_that_no_text_has_are_told) {
+  expect_not_taken(text("D", "-9", "x") + text("E", "99999999", "x") + text("F", "2000000", "x") +
+                       "<OvField name=\"G\" type=\"alphanumeric\" default=\"x\"/>\n",
+                   "D, E, F, G");
+}
+
+TEST_F(new_xml_test, every_element_of_a_field_is_looked_at) {
+  expect_not_taken(
+      "\t\t<OvField\tname=\"B\" type=\"numeric\" default=\"0\"/>\n<OvField\n<OvFields2/>\n"
+      "<OvField/>\n<OvField>name=\"C\"</OvField>\n",
+      "B, C, 2 without a name");
+}
+
+TEST_F(new_xml_test, fields_without_names_are_counted) {
+  std::string fields;
+  for (int i = 0; i < 8; ++i) fields += "<OvField name=B type=numeric default=0/>\n";
+  expect_not_taken(fields, "8 without a name");
+  expect_not_taken("<OvField name='B' type='numeric'/>\n" + number("LONGFIELDNAME"),
+                   "LONGFIELDNAME, 1 without a name");
+}
+
+TEST_F(new_xml_test, blanks_around_the_equals_sign_do_not_matter) {
+  write("s.xml", xml("<OvField name = \"A\" type = \"numeric\" default = \"1\"/>\n"));
+  run_quietly({"new", "t.ovt", "--xml", "s.xml"});
+  EXPECT_EQ(listing(),
+            "   #  column  type    width  kept      default\n"
+            "   1  A       number         stored    1\n");
 }
 
 TEST_F(new_xml_test, what_a_table_cannot_have_is_told_by_field) {

@@ -21,11 +21,11 @@ constexpr const char* lossy =
 TEST_F(schema_test, lists_the_fields) {
   make("BHID,FROM", {"--text", "BHID:8", "--implicit", "ZONE=north", "--implicit", "NX=0.1"});
   EXPECT_EQ(run_quietly({"schema", "t.ovt"}),
-            "   #  field  type    width  kept      default\n"
-            "   1  BHID   text        8  stored\n"
-            "   2  FROM   number         stored    absent\n"
-            "   3  ZONE   text        8  implicit  north\n"
-            "   4  NX     number         implicit  0.1\n");
+            "   #  column  type    width  kept      default\n"
+            "   1  BHID    text        8  stored\n"
+            "   2  FROM    number         stored    absent\n"
+            "   3  ZONE    text        8  implicit  north\n"
+            "   4  NX      number         implicit  0.1\n");
 }
 
 TEST_F(schema_test, lists_the_fields_in_json) {

@@ -59,10 +59,15 @@ TEST_F(settings_test, xml_does_not_hold_long_names) {
             "characters, quotes, blank texts, digits of defaults); --json does\n");
 }
 
-TEST_F(settings_test, showing_them_marks_the_session) {
+TEST_F(settings_test, showing_them_does_not_mark_the_session) {
   keeper_.unmark();
-  EXPECT_EQ(shown(), settings("off", "off", "8"));
-  EXPECT_TRUE(keeper_.is_marked());
+  EXPECT_EQ(shown(), "long-field-names  off\nthis session      decided when first needed\n");
+  EXPECT_FALSE(keeper_.is_marked());
+  expect_told({"long-field-names", "on"}, "long field names are on, in this session too");
+  EXPECT_EQ(shown(), "long-field-names  on\nthis session      decided when first needed\n");
+  EXPECT_FALSE(keeper_.is_marked());
+  EXPECT_EQ(round_trip("A_NAME_OF_24_CHARACTERS_\n1\n"), "A_NAME_OF_24_CHARACTERS_\n1\n");
+  EXPECT_EQ(shown(), settings("on", "on", "24"));
 }
 
 TEST_F(settings_test, wrong_usage_is_told) {

@@ -54,14 +54,17 @@ TEST_F(settings_linux_test, a_mark_that_cannot_be_removed_stops) {
   const ovtest::process_result result = run({"settings", "long-field-names", "on", "--now"});
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.error, "ovfile: cannot remove " + mark.string() + ": Is a directory\n");
+  EXPECT_FALSE(fs::exists(std::getenv("OVFILE_REGISTRY")));
 }
 
 TEST_F(settings_linux_test, settings_that_cannot_be_written_are_told) {
+  const ovtest::settings_keeper keeper;
   ovtest::set_environment("OVFILE_REGISTRY", "/dev/null/registry.reg");
   for (const std::vector<std::string>& arguments :
        {std::vector<std::string>{"settings", "long-field-names", "on"},
         {"settings", "long-field-names", "on", "--now"}}) {
     expect_failure(arguments, "the user's settings cannot be written");
+    EXPECT_TRUE(ovtest::settings_keeper::is_marked());
   }
 }
 

@@ -49,8 +49,30 @@ TEST(filter_absent, no_comparison_with_it_holds) {
          {"A <> B", "-,1", false},
          {"A NOT IN (B, 2)", "1,-", false},
          {"A IN (B, 1)", "1,-", true},
-         {"A NOT BETWEEN B AND 2", "3,-", true},
-         {"A BETWEEN B AND 2", "1,-", false}});
+         {"A BETWEEN B AND 2", "1,-", false},
+         {"A BETWEEN 0 AND B", "1,-", false}});
+}
+
+TEST(filter_absent, bounds_put_nothing_outside_them) {
+  check({{"A NOT BETWEEN B AND 2", "3,-", false},
+         {"A NOT BETWEEN 2 AND B", "1,-", false},
+         {"A NOT BETWEEN B AND 2", "3,1", true},
+         {"A NOT BETWEEN 2 AND B", "1,3", true},
+         {"A NOT BETWEEN B AND B", "1,-", false},
+         {"A NOT BETWEEN 'B' AND B", "A,-", false},
+         {"A NOT BETWEEN 'B' AND B", "A,C", true},
+         {"A NOT BETWEEN 2 AND 3", "X", false},
+         {"A NOT BETWEEN 1 / 0 AND 3", "5", false},
+         {"NOT (A BETWEEN B AND 2)", "3,-", true}});
+}
+
+TEST(filter_absent, texts_in_quotes_are_so_when_they_are_blank) {
+  check({{"'' IS ABSENT", "", true},
+         {"' \t' IS ABSENT", "", true},
+         {"'' IS NOT ABSENT", "", false},
+         {"'X' IS ABSENT", "", false},
+         {"if(A, '', 'X') IS ABSENT", "1", true},
+         {"if(A, '', 'X') IS ABSENT", "0", false}});
 }
 
 TEST(filter_absent, arithmetic_hands_it_on) {

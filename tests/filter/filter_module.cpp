@@ -5,6 +5,20 @@
 
 namespace ovtest {
 
+ovfile::pointer<IOvTable> make_table() {
+  using get_class_object = HRESULT STDAPICALLTYPE(REFCLSID, REFIID, void**);
+  const auto entry = reinterpret_cast<get_class_object*>(find_library_entry("DllGetClassObject"));
+  void* found = nullptr;
+  ovfile::pointer<IOvTable> table;
+  EXPECT_EQ(S_OK, entry(CLSID_OvTable, IID_IClassFactory, &found));
+  if (found == nullptr) return table;
+  auto* classes = static_cast<IClassFactory*>(found);
+  EXPECT_EQ(S_OK, classes->CreateInstance(nullptr, IID_IOvTable, &found));
+  classes->Release();
+  *table.out() = static_cast<IOvTable*>(found);
+  return table;
+}
+
 void expect_found_by_class_identifier() {
   ASSERT_GE(CoInitialize(nullptr), 0);
   void* made = nullptr;

@@ -31,11 +31,20 @@ TEST(filter_names, of_any_characters_stand_in_brackets) {
             names_in("[A-B] + [AND] + [1ST] + [odd]]name] + [A+B] > [']"));
   EXPECT_EQ(names{"AU"}, names_in("[AU] > 1 AND AU < 5"));
   EXPECT_TRUE(passes("[abs] = 1", "1"));
+  EXPECT_EQ((names{"NULL", "true", "A\u2265", "X\u00B2"}),
+            names_in("[NULL] + [true] + [A\u2265] > [X\u00B2]"));
+}
+
+TEST(filter_names, stand_behind_a_byte_order_mark) {
+  EXPECT_EQ(names{"AU"}, names_in("\uFEFFAU > 1"));
+  EXPECT_EQ("a value is missing at position 6", complaint_about("\uFEFFAU >"));
 }
 
 TEST(filter_names, that_begin_like_words) {
   EXPECT_EQ((names{"ANDY", "ORE", "NOTE", "INN", "ISO", "LIKELY"}),
             names_in("ANDY AND ORE AND NOTE AND INN AND ISO AND LIKELY"));
+  EXPECT_EQ((names{"NULLS", "TRUEST", "ESCAPE"}),
+            names_in("NULLS > TRUEST AND ESCAPE LIKE 'x!%' ESCAPE '!'"));
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "table_host.h"
 
+#include <limits>
+
 #include "recording_filter.h"
 
 namespace {
@@ -222,6 +224,129 @@ TEST_F(Filters, WithoutARowTheyFailLikeAColumn) {
   EXPECT_EQ(value, 0);
   filter("", {});
   EXPECT_EQ(in(), -1);
+}
+
+TEST_F(Filters, WithoutATableTheyFailSilently) {
+  VARIANT_BOOL value = 99;
+  const auto refuses = [&] {
+    value = 99;
+    EXPECT_REPORT(table_->IsFilteredIn(0, 1, &value), "(none)");
+    EXPECT_EQ(value, 0);
+    value = 99;
+    EXPECT_REPORT(table_->IsFilteredOut(0, 1, &value), "(none)");
+    EXPECT_EQ(value, 0);
+  };
+  for (const bool takes_values : {false, true}) {
+    record_.takes_values = takes_values;
+    table_ = ovfile::create_table();
+    filter("x", {"DEPTH", "NOSUCH"});
+    refuses();
+    open_rows(1);
+    EXPECT_EQ(in(), 1);
+    ASSERT_EQ(table_->Close(), S_OK);
+    refuses();
+    ASSERT_EQ(open(), S_OK);
+    ASSERT_EQ(table_->put_Schema(nullptr), S_OK);
+    refuses();
+    filter("", {});
+    EXPECT_EQ(in(), -1);
+  }
+}
+
+TEST_F(Filters, AGoodExpressionLeavesNoErrorInformation) {
+  open_rows(1);
+  filter("x", {"DEPTH"});
+  ASSERT_EQ(table_->GetRowAt(0), S_FALSE);
+  VARIANT_BOOL value = 0;
+  ASSERT_EQ(table_->IsFilteredIn(0, 1, &value), E_FAIL);  // leaves its report to the thread
+  filter("y", {"DEPTH"});
+  EXPECT_EQ(ovtest::reported(), "(none)");
+}
+
+TEST_F(Filters, EveryByteOrderReadsTheSame) {
+  for (const int order : {0, 256, 1024, 1280}) {
+    const ovtest::word_format format{4, order};
+    ovtest::header_words words;
+    words.pages = 2;
+    words.records_in_last_page = 2;
+    auto atoms = std::vector<ovtest::atom>{ovtest::number_atom("AU", 1)};
+    ovtest::add_text_atoms(atoms, "ROCK", 1, 2);
+    ovtest::bytes file = ovtest::make_header(words, atoms, format);
+    ovtest::add_page(file, format);
+    ovtest::put_number(file, ovtest::record_word(1, 0, 2, 1), 0.1, format);
+    ovtest::put_text(file, ovtest::record_word(1, 0, 2, 2), 1, "ORE", format);
+    ovtest::put_number(file, ovtest::record_word(1, 1, 2, 1), -1e30, format);
+    // The second row's text has nothing but NULs.
+    ovtest::write_bytes(path(), file);
+    for (const bool takes_values : {false, true}) {
+      const auto handed_on = [&] {
+        return takes_values ? record_.values[0] + ',' + record_.values[1] : record_.evaluated_texts.back();
+      };
+      record_.takes_values = takes_values;
+      table_ = ovfile::create_table();
+      ASSERT_EQ(open(1), S_OK);
+      filter("x", {"AU", "ROCK"});
+      EXPECT_EQ(in(), 1);
+      EXPECT_EQ(handed_on(), takes_values ? "n:0.10000000000000001,t:ORE " : "0.1,ORE ");
+      ASSERT_EQ(table_->GetNextRow(), S_OK);
+      EXPECT_EQ(in(), 1);
+      EXPECT_EQ(handed_on(), takes_values ? "absent,t:" : "-,");
+    }
+  }
+}
+
+TEST_F(Filters, ATextOfNulsAsTheOnlyValueIsNone) {
+  ovtest::header_words words;
+  words.pages = 2;
+  words.records_in_last_page = 1;
+  std::vector<ovtest::atom> atoms;
+  ovtest::add_text_atoms(atoms, "ROCK", 2, 1);
+  ovtest::bytes file = ovtest::make_header(words, atoms, ovtest::double_words);
+  ovtest::add_page(file, ovtest::double_words);
+  ovtest::write_bytes(path(), file);
+  for (const bool takes_values : {false, true}) {
+    record_.takes_values = takes_values;
+    table_ = ovfile::create_table();
+    ASSERT_EQ(open(1), S_OK);
+    filter("x", {"ROCK"});
+    EXPECT_EQ(in(), 0);
+    EXPECT_EQ(out(), 1);
+    EXPECT_EQ(record_.tests, 0);
+    EXPECT_TRUE(record_.evaluated_texts.empty());
+  }
+}
+
+TEST_F(Filters, WhatIsNoNumberIsHandedOnAsSuch) {
+  for (const bool is_double : {false, true}) {
+    record_.takes_values = false;
+    table_ = ovfile::create_table();
+    open_rows(1, is_double);
+    ASSERT_EQ(table_->SetColumnDouble(2, std::numeric_limits<double>::quiet_NaN()), S_OK);
+    filter("x", {"DEPTH"});
+    EXPECT_EQ(in(), 1);
+    EXPECT_EQ(record_.evaluated_texts.back(), "NAN");
+    ASSERT_EQ(table_->Close(), S_OK);
+    record_.takes_values = true;
+    table_ = ovfile::create_table();
+    ASSERT_EQ(open(), S_OK);
+    filter("x", {"DEPTH"});
+    EXPECT_EQ(in(), 1);
+    EXPECT_EQ(record_.values[0], "n:nan");
+  }
+}
+
+TEST_F(Filters, ALinksTargetIsFiltered) {
+  make_rows(2);
+  auto link = ovfile::create_schema();
+  link->put_Description(name("LINKtable.ovt .").get());
+  link->AddNumericColumn(name("DEPTH").get(), 0, 0);
+  ASSERT_EQ(create(link, "link.ovt"), S_OK);
+  ASSERT_EQ(table_->Close(), S_OK);
+  ASSERT_EQ(open(0, "link.ovt"), S_OK);
+  filter("x", {"DEPTH", "BHID"});
+  ASSERT_EQ(table_->GetRowAt(2), S_OK);
+  EXPECT_EQ(in(), 1);
+  EXPECT_EQ(record_.evaluated_texts.back(), "2,none    ");
 }
 
 TEST_F(Filters, WithoutAnEvaluatorEveryMethodFailsSilently) {

@@ -204,6 +204,57 @@ TEST_F(Ranges, WithoutATableThereAreNone) {
   EXPECT_EQ(value, 0);
 }
 
+TEST_F(Ranges, OfEveryByteOrderAreTheSame) {
+  for (const int order : {0, 256, 1024, 1280}) {
+    const ovtest::word_format format{4, order};
+    ovtest::header_words words;
+    words.pages = 2;
+    words.records_in_last_page = 4;
+    ovtest::bytes file =
+        ovtest::make_header(words, {ovtest::number_atom("A", 1), ovtest::number_atom("B", 2)}, format);
+    ovtest::add_page(file, format);
+    const double values[][2] = {{0.1, -5}, {-1e30, 1e30}, {123456.75, 1e-3}, {-2.5, 7}};
+    for (std::size_t row = 0; row < 4; ++row) {
+      for (std::size_t field = 0; field < 2; ++field) {
+        ovtest::put_number(file, ovtest::record_word(1, row, 2, field + 1), values[row][field], format);
+      }
+    }
+    ovtest::write_bytes(path(), file);
+    table_ = ovfile::create_table();
+    ASSERT_EQ(open(1), S_OK);
+    EXPECT_EQ(minimum(1), -2.5) << order;
+    EXPECT_EQ(maximum(1), 123456.75) << order;
+    EXPECT_EQ(minimum(2), -5) << order;
+    EXPECT_EQ(maximum(2), 7) << order;
+  }
+}
+
+TEST_F(Ranges, OfNumbersThatAreNoneAreThoseOfTheOthers) {
+  make("NN", true);
+  const double none = std::numeric_limits<double>::quiet_NaN();
+  add_row({3, none});
+  add_row({none, 4});
+  add_row({5, none});
+  EXPECT_EQ(minimum(1), 3);
+  EXPECT_EQ(maximum(1), 5);
+  // One in the first row begins the range and stays: no number is less, none is more.
+  EXPECT_TRUE(std::isnan(minimum(2)));
+  EXPECT_TRUE(std::isnan(maximum(2)));
+}
+
+TEST_F(Ranges, OfALinkAreThoseOfItsTarget) {
+  make_rows(3);
+  auto link = ovfile::create_schema();
+  link->put_Description(text_of(std::string("LINKtable.ovt .")).get());
+  link->AddNumericColumn(text_of(std::string("X")).get(), 0, 0);
+  ASSERT_EQ(create(link, "link.ovt"), S_OK);
+  ASSERT_EQ(table_->Close(), S_OK);
+  ASSERT_EQ(open(0, "link.ovt"), S_OK);
+  EXPECT_EQ(minimum(2), 1);
+  EXPECT_EQ(maximum(2), 3);
+  EXPECT_EQ(maximum(3), 2.75);
+}
+
 TEST_F(Ranges, ARowThatCannotBeReadIsReported) {
   make("N", true);
   for (int i = 0; i < 60000; ++i) add_row({1.0 * i});

@@ -119,6 +119,39 @@ TEST_F(Signatures, AreTheSameForATableMadeAndTheSameTableOpened) {
   EXPECT_EQ(tight(), made);
 }
 
+TEST_F(Signatures, OfATableWithAddedColumnsAreThoseOfTheSameTableOpened) {
+  for (const bool is_double : {false, true}) {
+    table_ = ovfile::create_table();
+    open_two(is_double);
+    const auto name = [](const char* text) { return text_of(std::string(text)); };
+    ASSERT_EQ(table_->AddImplicitStringColumn(name("NONE").get(), 0, name("abcdef").get()), S_OK);
+    ASSERT_EQ(table_->AddImplicitStringColumn(name("ZONE").get(), 6, name("N").get()), S_OK);
+    ASSERT_EQ(table_->AddImplicitNumericColumnDouble(name("TENTH").get(), 0.1), S_OK);
+    ASSERT_EQ(table_->AddImplicitNumericColumnFloat(name("FIFTH").get(), 0.2F), S_OK);
+    const std::string before = tight();
+    const std::string digits = signature(false, true, false, 9);
+    ASSERT_EQ(table_->Close(), S_OK);
+    ASSERT_EQ(open(), S_OK);
+    EXPECT_EQ(tight(), before);
+    EXPECT_EQ(signature(false, true, false, 9), digits);
+    ASSERT_EQ(table_->Close(), S_OK);
+  }
+}
+
+TEST_F(Signatures, OfALinkAreThoseOfItsTarget) {
+  open_two();
+  const std::string target = tight();
+  ASSERT_EQ(table_->Close(), S_OK);
+  auto link = ovfile::create_schema();
+  link->put_Description(text_of(std::string("LINKtable.ovt .")).get());
+  link->AddNumericColumn(text_of(std::string("X")).get(), 0, 0);
+  ASSERT_EQ(create(link, "link.ovt"), S_OK);
+  ASSERT_EQ(table_->Close(), S_OK);
+  ASSERT_EQ(open(0, "link.ovt"), S_OK);
+  EXPECT_EQ(target, "4400d1bc8f0e6a7c29a210b0e57cb0db85f231a0");
+  EXPECT_EQ(tight(), target);
+}
+
 TEST_F(Signatures, LeaveTheCursorOnTheLastRow) {
   open_two();
   ASSERT_EQ(table_->GetRowAt(0), S_FALSE);

@@ -1,0 +1,10 @@
+// Messages of the scriptable table object that several of its methods report.
+#pragma once
+
+#include "platform/text.h"
+
+namespace ovf {
+
+inline constexpr wide_view get_column_refused = OLESTR("GetColumn failed, current row is not valid");
+
+}  // namespace ovf
