@@ -18,8 +18,8 @@ fail() {
 }
 package=$(echo "$scratch"/made/libovfile_*.deb)
 dpkg-deb --field "$package" Depends | grep -q libstdc++ || fail "the package names no dependencies"
-dpkg-deb --extract "$package" "$scratch/root"
-root=$scratch/root/usr
+dpkg-deb --extract "$package" "$scratch/unpacked"
+root=$scratch/unpacked/usr
 
 for file in bin/ovfile lib/libovfile.so lib/libovfilter.so lib/ovfile-components.reg include/ovfile/ovfile.h \
   lib/pkgconfig/ovfile.pc share/man/man1/ovfile.1 share/bash-completion/completions/ovfile; do

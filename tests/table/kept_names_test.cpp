@@ -1,4 +1,6 @@
 // A table's own names and description survive being made anew, also those that a new table could not have.
+#include <algorithm>
+
 #include "table_host.h"
 
 #include "support/table_cases.h"
@@ -37,7 +39,7 @@ class KeptNames : public TableHost {
 TEST_F(KeptNames, LongOnesWhereNewOnesMayNotBeLong) {
   write_case("double_long_names");
   const auto before = names();
-  ASSERT_GT(before.front().size(), 8U);
+  ASSERT_TRUE(std::ranges::any_of(before, [](const std::string& name) { return name.size() > 8; }));
   const ovtest::bytes file = content();
   EXPECT_EQ(rebuild(), S_OK);
   EXPECT_EQ(names(), before);

@@ -124,11 +124,13 @@ class SortedBytes : public EditsHost {
     const bool readable = static_cast<LONG>(found_keys.size()) == rows();
     const std::vector<LONG> order = order_of(found_keys, ascending);
     const OvTableFacts facts = facts_of(table_);
-    const bool possible = readable && copy_rows(order, "model.ovt");
+    const bool modelled = readable && copy_rows(order, "model.ovt");
     const HRESULT status = table_->Sort(column, ascending ? VARIANT_TRUE : VARIANT_FALSE);
-    EXPECT_EQ(status, possible ? S_OK : E_FAIL) << ovtest::reported();
-    if (!possible) {
-      EXPECT_TRUE(content() == file) << "a refused sort changed the file";
+    EXPECT_EQ(status, readable ? S_OK : E_FAIL) << ovtest::reported();
+    if (!readable) EXPECT_TRUE(content() == file) << "a refused sort changed the file";
+    if (!modelled) {
+      // Names that no new table may have: the rows stand in order, and there are no bytes to compare.
+      if (readable) EXPECT_EQ(keys(column).size(), found_keys.size());
       ASSERT_EQ(table_->Close(), S_OK);
       return;
     }
