@@ -84,6 +84,7 @@ TEST_F(RecordSet, FollowsALink) {
   ASSERT_EQ(table_->Close(), S_OK);
   ASSERT_EQ(open_set(0, "link.ovt"), S_OK);
   EXPECT_EQ(rows(), 2);
+  ASSERT_EQ(set_->Close(), S_OK);
   std::filesystem::remove(path("target.ovt"));
   auto another = ovfile::create_record_set();
   SetErrorInfo(0, nullptr);
