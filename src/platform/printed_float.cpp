@@ -59,7 +59,7 @@ double printed_value(float value) {
   if (rest == half) return value_of_text(value);
   std::uint32_t digits = static_cast<std::uint32_t>(text[0] - '0');
   for (int i = 1; i < digits_read; ++i) {
-    digits = digits * 10 + static_cast<std::uint32_t>(text[static_cast<std::size_t>(1 + i)] - '0');
+    digits = digits * 10 + static_cast<std::uint32_t>(text[static_cast<std::size_t>(i) + 1] - '0');
   }
   if (rest > half) ++digits;
   const char* mark = std::find(static_cast<const char*>(text.data()), end, 'e') + 1;
