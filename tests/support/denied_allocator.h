@@ -22,6 +22,13 @@ void* operator new(std::size_t bytes) {
   return block;
 }
 void* operator new[](std::size_t bytes) { return operator new(bytes); }
+// The forms that answer null have to be of the same allocator as the ones that release.
+void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept {
+  return denied != 0 && bytes == denied ? nullptr : std::malloc(bytes != 0 ? bytes : 1);
+}
+void* operator new[](std::size_t bytes, const std::nothrow_t& tag) noexcept {
+  return operator new(bytes, tag);
+}
 void operator delete(void* block) noexcept { std::free(block); }
 void operator delete[](void* block) noexcept { std::free(block); }
 void operator delete(void* block, std::size_t) noexcept { std::free(block); }
