@@ -28,10 +28,6 @@ template <class... Values>
   throw MyExceptionClass(message.text());
 }
 
-void require(HRESULT status) {
-  if (FAILED(status)) throw com_error(status);
-}
-
 std::vector<std::uint32_t> rows_of(table_core& core, const rebuild_request& request) {
   std::vector<std::uint32_t> all = all_rows(core);
   if (request.row_of == nullptr) return all;
@@ -52,7 +48,7 @@ std::vector<std::uint32_t> rows_of(table_core& core, const rebuild_request& requ
 /// By name, the default for a name that the table lacks.
 LONG column_named(table& from, IOvSchema& schema, LONG column) {
   ovfile::text name;
-  require(schema.GetFieldName(column, name.out()));
+  throw_on_failure(schema.GetFieldName(column, name.out()));
   for (std::uint64_t i = 0; i < from.getFieldCount(); ++i) {
     if (from.getFieldName(i) == name.view()) return static_cast<LONG>(i + 1);
   }
@@ -61,14 +57,14 @@ LONG column_named(table& from, IOvSchema& schema, LONG column) {
 
 std::vector<column_origin> origins_of(table& from, IOvSchema& schema, const rebuild_request& request) {
   LONG count = 0;
-  require(schema.get_FieldCount(&count));
+  throw_on_failure(schema.get_FieldCount(&count));
   if (request.column_of != nullptr && request.columns != count) {
     fail(wrong_columns, static_cast<long long>(count), static_cast<long long>(request.columns));
   }
   std::vector<column_origin> origins;
   for (LONG column = 1; column <= count; ++column) {
     column_origin origin;
-    require(schema.GetFieldType(column, &origin.type));
+    throw_on_failure(schema.GetFieldType(column, &origin.type));
     origin.column =
         request.column_of != nullptr ? request.column_of[column - 1] : column_named(from, schema, column);
     if (origin.column < 0 || static_cast<std::uint64_t>(origin.column) > from.getFieldCount()) {
@@ -83,7 +79,7 @@ std::vector<column_origin> origins_of(table& from, IOvSchema& schema, const rebu
 bool describes(IOvSchema& schema, const rebuild_request& request) {
   if (request.schema == nullptr) return false;
   ovfile::text description;
-  require(schema.get_Description(description.out()));
+  throw_on_failure(schema.get_Description(description.out()));
   return !description.view().empty();
 }
 

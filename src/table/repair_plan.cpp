@@ -10,25 +10,21 @@ namespace {
 
 constexpr wide_view mismatched_types = OLESTR("Repair failed, mismatched field types");
 
-void require(HRESULT status) {
-  if (FAILED(status)) throw com_error(status);
-}
-
 LONG field_count(IOvSchema& schema) {
   LONG count = 0;
-  require(schema.get_FieldCount(&count));
+  throw_on_failure(schema.get_FieldCount(&count));
   return count;
 }
 
 OvColumnType type_of(IOvSchema& schema, LONG column) {
   OvColumnType type{};
-  require(schema.GetFieldType(column, &type));
+  throw_on_failure(schema.GetFieldType(column, &type));
   return type;
 }
 
 column_origin origin_of(IOvSchema& held, IOvSchema& wanted, LONG column) {
   ovfile::text name;
-  require(wanted.GetFieldName(column, name.out()));
+  throw_on_failure(wanted.GetFieldName(column, name.out()));
   LONG found = 0;
   if (FAILED(held.GetFieldIndex(name.get(), &found)) || found < 1) found = 0;
   const column_origin origin{found, type_of(wanted, column)};

@@ -17,14 +17,10 @@ wide without_trailing_blanks(wide text) {
   return text;
 }
 
-void require(HRESULT status) {
-  if (FAILED(status)) throw com_error(status);
-}
-
 /// A text default fills the field's width, so that its words can be counted.
 std::string padded_default(IOvSchema& schema, LONG index, const VARIANT& value) {
   LONG width = 0;
-  require(schema.GetFieldSizeChars(index, &width));
+  throw_on_failure(schema.GetFieldSizeChars(index, &width));
   std::string text = ansi_from_wide(to_text(value));
   const auto characters = static_cast<std::size_t>(std::clamp<LONG>(width, 0, 4096));
   if (text.size() < characters) text.resize(characters, ' ');
@@ -36,10 +32,10 @@ field_definition field_of(IOvSchema& schema, LONG index) {
   OvColumnType type{};
   LONG offset = 0;
   variant value;
-  require(schema.GetFieldName(index, name.out()));
-  require(schema.GetFieldType(index, &type));
-  require(schema.GetFieldOffset(index, &offset));
-  require(schema.GetFieldDefault(index, value.out()));
+  throw_on_failure(schema.GetFieldName(index, name.out()));
+  throw_on_failure(schema.GetFieldType(index, &type));
+  throw_on_failure(schema.GetFieldOffset(index, &offset));
+  throw_on_failure(schema.GetFieldDefault(index, value.out()));
   field_definition field;
   field.name = name.view();
   field.implicit = offset == implicit_offset;
@@ -58,16 +54,16 @@ void copy_field(IOvSchema& from, LONG index, bool is_double, IOvSchema& to) {
   VARIANT_BOOL implicit = VARIANT_FALSE;
   LONG bytes = 0;
   variant value;
-  require(from.GetFieldName(index, name.out()));
-  require(from.IsFieldImplicit(index, &implicit));
-  require(from.GetFieldType(index, &type));
-  require(from.GetFieldDefault(index, value.out()));
+  throw_on_failure(from.GetFieldName(index, name.out()));
+  throw_on_failure(from.IsFieldImplicit(index, &implicit));
+  throw_on_failure(from.GetFieldType(index, &type));
+  throw_on_failure(from.GetFieldDefault(index, value.out()));
   const LONG is_implicit = implicit != VARIANT_FALSE ? 1 : 0;
   HRESULT status = S_OK;
   if (type != ovColumnString) {
     status = to.AddNumericColumn(name.get(), to_double(value), is_implicit);
   } else {
-    require(from.GetFieldSize(index, &bytes));
+    throw_on_failure(from.GetFieldSize(index, &bytes));
     const ovfile::text text{wide_view(to_text(value))};
     status = to.AddStringColumn(name.get(), is_double ? bytes / 2 : bytes, text.get(), is_implicit);
   }
@@ -103,9 +99,9 @@ table_definition definition_of(IOvSchema& schema) {
   VARIANT_BOOL is_double = VARIANT_FALSE;
   ovfile::text description;
   LONG count = 0;
-  require(schema.get_DoublePrecisionFlag(&is_double));
-  require(schema.get_Description(description.out()));
-  require(schema.get_FieldCount(&count));
+  throw_on_failure(schema.get_DoublePrecisionFlag(&is_double));
+  throw_on_failure(schema.get_Description(description.out()));
+  throw_on_failure(schema.get_FieldCount(&count));
   definition.is_double = is_double != VARIANT_FALSE;
   definition.description = description.view();
   for (LONG i = 1; i <= count; ++i) definition.fields.push_back(field_of(schema, i));
@@ -114,7 +110,7 @@ table_definition definition_of(IOvSchema& schema) {
 
 ovfile::pointer<IOvSchema> new_schema() {
   void* made = nullptr;
-  require(COvSchema::create(nullptr, IID_IOvSchema, &made));
+  throw_on_failure(COvSchema::create(nullptr, IID_IOvSchema, &made));
   ovfile::pointer<IOvSchema> schema;
   *schema.out() = static_cast<IOvSchema*>(made);
   return schema;
@@ -122,7 +118,7 @@ ovfile::pointer<IOvSchema> new_schema() {
 
 ovfile::pointer<IOvSchema> schema_of(table& from) {
   auto schema = new_schema();
-  require(fill_schema(*schema.get(), from));
+  throw_on_failure(fill_schema(*schema.get(), from));
   return schema;
 }
 
@@ -132,15 +128,15 @@ ovfile::pointer<IOvSchema> copy_of(IOvSchema& schema) {
   VARIANT_BOOL latched = VARIANT_FALSE;
   VARIANT_BOOL is_double = VARIANT_FALSE;
   LONG count = 0;
-  require(schema.get_Description(description.out()));
-  require(schema.get_ReadOnly(&latched));
-  require(schema.get_DoublePrecisionFlag(&is_double));
-  require(schema.get_FieldCount(&count));
-  require(copy->put_Description(description.get()));
-  require(copy->put_DoublePrecisionFlag(is_double != VARIANT_FALSE ? 1 : 0));
+  throw_on_failure(schema.get_Description(description.out()));
+  throw_on_failure(schema.get_ReadOnly(&latched));
+  throw_on_failure(schema.get_DoublePrecisionFlag(&is_double));
+  throw_on_failure(schema.get_FieldCount(&count));
+  throw_on_failure(copy->put_Description(description.get()));
+  throw_on_failure(copy->put_DoublePrecisionFlag(is_double != VARIANT_FALSE ? 1 : 0));
   for (LONG i = 1; i <= count; ++i) copy_field(schema, i, is_double != VARIANT_FALSE, *copy.get());
   // Last, since a latched schema takes no fields.
-  if (latched != VARIANT_FALSE) require(copy->put_ReadOnly(VARIANT_TRUE));
+  if (latched != VARIANT_FALSE) throw_on_failure(copy->put_ReadOnly(VARIANT_TRUE));
   return copy;
 }
 

@@ -55,24 +55,20 @@ struct signed_field {
   variant default_value;
 };
 
-void require(HRESULT status) {
-  if (FAILED(status)) throw com_error(status);
-}
-
 signed_field field_of(IOvSchema& schema, LONG column) {
   ovfile::text name;
   signed_field field{column, {}, {}, 0, {}};
-  require(schema.GetFieldName(column, name.out()));
-  require(schema.GetFieldType(column, &field.type));
-  require(schema.GetFieldSizeChars(column, &field.characters));
-  require(schema.GetFieldDefault(column, field.default_value.out()));
+  throw_on_failure(schema.GetFieldName(column, name.out()));
+  throw_on_failure(schema.GetFieldType(column, &field.type));
+  throw_on_failure(schema.GetFieldSizeChars(column, &field.characters));
+  throw_on_failure(schema.GetFieldDefault(column, field.default_value.out()));
   field.name = name.view();
   return field;
 }
 
 std::vector<signed_field> fields_of(IOvSchema& schema, bool sorted) {
   LONG count = 0;
-  require(schema.get_FieldCount(&count));
+  throw_on_failure(schema.get_FieldCount(&count));
   std::vector<signed_field> fields;
   for (LONG column = 1; column <= count; ++column) fields.push_back(field_of(schema, column));
   if (sorted) std::ranges::stable_sort(fields, {}, &signed_field::name);
@@ -83,13 +79,13 @@ void add_header(text_digest& digest, table_core& core, const signature_choice& c
   IOvSchema& schema = *core.schema.get();
   if (!choice.ignore_description) {
     ovfile::text description;
-    require(schema.get_Description(description.out()));
+    throw_on_failure(schema.get_Description(description.out()));
     digest.add(description.view());
     digest.add(OLESTR("-"));
   }
   if (!choice.ignore_precision) {
     VARIANT_BOOL is_double = VARIANT_FALSE;
-    require(schema.get_DoublePrecision(&is_double));
+    throw_on_failure(schema.get_DoublePrecision(&is_double));
     digest.add_integer(is_double);
     digest.add(OLESTR("-"));
   }
