@@ -65,7 +65,7 @@ include(CPack)
 
 if(NOT WIN32 AND OVFILE_TESTS AND NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")
   add_test(NAME package.debian
-           COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/tests/consumer/check_package.sh" "${CMAKE_COMMAND}"
+           COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/packaging/consumer/check_package.sh" "${CMAKE_COMMAND}"
                    "${CMAKE_BINARY_DIR}" "${CMAKE_CXX_COMPILER}")
   set_tests_properties(package.debian PROPERTIES TIMEOUT 300)
 endif()
