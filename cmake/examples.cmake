@@ -32,3 +32,18 @@ endif()
 if(TARGET example_load_library)
   add_test(NAME example.load_library COMMAND example_load_library "Z:${table}")
 endif()
+if(TARGET example_own_evaluator)
+  add_dependencies(example_own_evaluator ovfilter)
+  add_test(NAME example.own_evaluator COMMAND example_own_evaluator "Z:${table}" "FROM > 10")
+  set_tests_properties(example.own_evaluator PROPERTIES PASS_REGULAR_EXPRESSION "^[1-9][0-9]*[\r\n]+$")
+endif()
+if(TARGET example_register)
+  # Into a registry of its own.
+  foreach(step registers unregisters)
+    add_test(NAME example.${step} COMMAND example_register "$<TARGET_FILE:ovfile>" $<$<STREQUAL:${step},unregisters>:u>
+             COMMAND_EXPAND_LISTS)
+    set_tests_properties(example.${step} PROPERTIES RESOURCE_LOCK example_registry
+                         ENVIRONMENT "OVFILE_REGISTRY=${CMAKE_BINARY_DIR}/run/example.reg")
+  endforeach()
+  set_tests_properties(example.unregisters PROPERTIES DEPENDS example.registers)
+endif()

@@ -3,6 +3,15 @@
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
+# Named as the package is, unless whoever builds says otherwise.
+if(NOT "$CACHE{CMAKE_INSTALL_DOCDIR}" STREQUAL "")
+  set(CMAKE_INSTALL_DOCDIR "$CACHE{CMAKE_INSTALL_DOCDIR}")
+elseif(WIN32)
+  set(CMAKE_INSTALL_DOCDIR "docs")
+else()
+  set(CMAKE_INSTALL_DOCDIR "${CMAKE_INSTALL_DATAROOTDIR}/doc/libovfile")
+endif()
+
 if(NOT TARGET ovfile OR NOT TARGET ovfile_command)
   return()
 endif()
@@ -30,7 +39,8 @@ write_basic_package_version_file("${CMAKE_CURRENT_BINARY_DIR}/OvFileConfigVersio
                                  COMPATIBILITY SameMinorVersion)
 install(FILES "${CMAKE_CURRENT_BINARY_DIR}/OvFileConfig.cmake"
               "${CMAKE_CURRENT_BINARY_DIR}/OvFileConfigVersion.cmake" DESTINATION "${package_folder}")
-install(FILES LICENSE CHANGELOG.md docs/command.md docs/filters.md TYPE DOC)
+install(FILES CHANGELOG.md docs/command.md docs/filters.md docs/hosts.md DESTINATION "${CMAKE_INSTALL_DOCDIR}")
+install(DIRECTORY docs/examples DESTINATION "${CMAKE_INSTALL_DOCDIR}")
 
 set(CPACK_PACKAGE_NAME "libovfile")
 set(CPACK_PACKAGE_VENDOR "OvFile")
@@ -41,12 +51,30 @@ set(CPACK_PACKAGE_DIRECTORY "${CMAKE_BINARY_DIR}/packages")
 set(CPACK_STRIP_FILES ON)
 
 if(WIN32)
-  # One flat folder: programs find the library beside themselves.
+  # The library lies beside the programs. The 64-bit package has the 32-bit modules too, when they are
+  # there: 32-bit hosts, a 32-bit Excel among them, load no others.
   set(CPACK_GENERATOR ZIP)
-  set(CPACK_PACKAGE_FILE_NAME "ovfile-${PROJECT_VERSION}-windows-x64")
-  install(FILES "${packaging}/HOWTO-windows.txt" DESTINATION ".")
+  set(OVFILE_32_BIT_FOLDER "" CACHE PATH "Where OvFile.dll and OvFilter.dll for 32-bit hosts lie")
+  install(FILES LICENSE RENAME LICENSE.txt DESTINATION ".")
+  install(FILES "${OVF_TYPE_LIBRARY_FOLDER}/OvFileLib.tlb" "${OVF_TYPE_LIBRARY_FOLDER}/OvFileLib.h"
+          DESTINATION "type_library")
+  if(CMAKE_SIZEOF_VOID_P EQUAL 8)
+    set(CPACK_PACKAGE_FILE_NAME "ovfile-${PROJECT_VERSION}-windows-x64")
+    install(FILES "${packaging}/HOWTO-windows.txt" DESTINATION ".")
+    if(OVFILE_32_BIT_FOLDER)
+      install(PROGRAMS "${OVFILE_32_BIT_FOLDER}/OvFile.dll" "${OVFILE_32_BIT_FOLDER}/OvFilter.dll"
+              DESTINATION "bin32" OPTIONAL)
+    endif()
+  else()
+    set(CPACK_PACKAGE_FILE_NAME "ovfile-${PROJECT_VERSION}-windows-x86")
+  endif()
 else()
   set_target_properties(ovfile_command PROPERTIES INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
+  # The package's description of itself lies in the library folder, wherever that is.
+  set(described "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig")
+  file(RELATIVE_PATH to_prefix "${described}" "${CMAKE_INSTALL_PREFIX}")
+  file(RELATIVE_PATH to_includes "${described}" "${CMAKE_INSTALL_FULL_INCLUDEDIR}")
+  install(FILES LICENSE RENAME copyright DESTINATION "${CMAKE_INSTALL_DOCDIR}")
   configure_file("${packaging}/ovfile.pc.in" "${CMAKE_CURRENT_BINARY_DIR}/ovfile.pc" @ONLY)
   install(FILES "${CMAKE_CURRENT_BINARY_DIR}/ovfile.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
   configure_file("${packaging}/ovfile.1.in" "${CMAKE_CURRENT_BINARY_DIR}/ovfile.1" @ONLY)
@@ -63,6 +91,12 @@ else()
 endif()
 include(CPack)
 
+if(WIN32 AND OVFILE_TESTS AND CMAKE_CROSSCOMPILING_EMULATOR)
+  add_test(NAME package.zip
+           COMMAND "${packaging}/consumer/check_zip.sh" "${CMAKE_COMMAND}" "${CMAKE_BINARY_DIR}"
+                   "${CMAKE_TOOLCHAIN_FILE}" ${CMAKE_CROSSCOMPILING_EMULATOR})
+  set_tests_properties(package.zip PROPERTIES TIMEOUT 300)
+endif()
 if(NOT WIN32 AND OVFILE_TESTS AND NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")
   add_test(NAME package.debian
            COMMAND "${CMAKE_CURRENT_SOURCE_DIR}/packaging/consumer/check_package.sh" "${CMAKE_COMMAND}"

@@ -25,10 +25,20 @@ add_custom_command(OUTPUT "${tlb}" "${header}" DEPENDS "${idl}" VERBATIM
                    COMMAND ${widl} -h -o "${header}" "${idl}")
 add_custom_target(ovf_type_library DEPENDS "${tlb}" "${header}")
 
+# The version that both modules carry.
+string(REPLACE "." "," numbers "${PROJECT_VERSION}.0")
+file(CONFIGURE OUTPUT "${OVF_TYPE_LIBRARY_FOLDER}/module_version.h" @ONLY NEWLINE_STYLE UNIX CONTENT
+"#define OVFILE_VERSION_NUMBERS @numbers@
+#define OVFILE_VERSION_TEXT \"@PROJECT_VERSION@\\0\"
+")
+set_source_files_properties("${CMAKE_CURRENT_SOURCE_DIR}/src/filter/ovfilter.rc" PROPERTIES
+                            INCLUDE_DIRECTORIES "${OVF_TYPE_LIBRARY_FOLDER}"
+                            OBJECT_DEPENDS "${OVF_TYPE_LIBRARY_FOLDER}/module_version.h")
+
 set(OVF_RESOURCES "${CMAKE_CURRENT_SOURCE_DIR}/src/server/ovfile.rc")
 set_source_files_properties("${OVF_RESOURCES}" PROPERTIES
                             INCLUDE_DIRECTORIES "${CMAKE_CURRENT_SOURCE_DIR}/src;${OVF_TYPE_LIBRARY_FOLDER}"
-                            OBJECT_DEPENDS "${tlb}")
+                            OBJECT_DEPENDS "${tlb};${OVF_TYPE_LIBRARY_FOLDER}/module_version.h")
 
 # The library's resources: messages, type library, version.
 function(ovf_add_resources target)

@@ -13,8 +13,8 @@ ALLOWED = {
     "storage": {"platform", "storage"},
     "engine": {"platform", "storage", "engine"},
     "schema": {"platform", "storage", "engine", "schema"},
-    "table": {"platform", "storage", "engine", "schema", "table"},
     "stream": {"platform", "storage", "engine", "stream"},
+    "table": {"platform", "storage", "engine", "schema", "stream", "table"},
     "server": {"platform", "storage", "engine", "schema", "table", "stream", "server"},
     "command": set(),  # hosts: they see what every host sees
     "filter": set(),

@@ -10,7 +10,7 @@ import tempfile
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 PAGES = [ROOT / "README.md", ROOT / "docs" / "hosts.md"]
-LANGUAGES = ("cpp", "vbscript", "js", "python")
+LANGUAGES = ("cpp", "vba", "vbscript", "js", "python")
 # Commands that write a file have nothing to show.
 WRITING = re.compile(r"\./ovfile (import|export|new|rename|sort) ")
 EXAMPLES = [path.read_text(encoding="utf-8") for path in (ROOT / "docs" / "examples").iterdir()]

@@ -32,6 +32,7 @@ def main(library_path, table_path, column):
     library = ctypes.CDLL(library_path)
     library.SysAllocString.restype = ctypes.c_void_p
     library.SysAllocString.argtypes = [ctypes.c_char_p]
+    library.SysFreeString.argtypes = [ctypes.c_void_p]
 
     factory, table = ctypes.c_void_p(), ctypes.c_void_p()
     library.DllGetClassObject(OV_TABLE, CLASS_FACTORY, ctypes.byref(factory))
@@ -40,6 +41,7 @@ def main(library_path, table_path, column):
     # Texts are UTF-16 with a zero unit behind them.
     name = library.SysAllocString((table_path + "\0").encode("utf-16-le"))
     call(table, 27, ctypes.c_void_p(name), ctypes.c_int32(OPEN_FOR_READING))  # Open
+    library.SysFreeString(name)
     value = ctypes.c_double()
     moved = call(table, 22)  # GetFirstRow
     while moved == S_OK:

@@ -184,7 +184,8 @@ struct IOvTable : IDispatch {
   OVFILE_METHOD GetNextRow() = 0;
   OVFILE_METHOD GetColumn(LONG lIndex, VARIANT* pVal) = 0;
   OVFILE_METHOD get_Schema(IOvSchema** pVal) = 0;
-  // Takes over the caller's reference.
+  // Takes over the caller's reference: who keeps the schema adds one before. (Put through Invoke, the
+  // schema stays the caller's.)
   OVFILE_METHOD put_Schema(IOvSchema* newVal) = 0;
   OVFILE_METHOD get_Name(BSTR* pVal) = 0;
   OVFILE_METHOD put_Name(BSTR newVal) = 0;
@@ -291,6 +292,7 @@ struct IZuCommonDataTable : IDispatch {
 /// The same table seen as a record set.
 struct IOvTableADO : IDispatch {
   OVFILE_METHOD get_Schema(IOvSchema** pVal) = 0;
+  // Takes over the caller's reference, as that of IOvTable does.
   OVFILE_METHOD put_Schema(IOvSchema* newVal) = 0;
   OVFILE_METHOD get_Name(BSTR* pVal) = 0;
   OVFILE_METHOD put_Name(BSTR newVal) = 0;

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "ovfile/ovfile.h"
+#include "ovfile/progress.h"
 
 namespace ovfile {
 
@@ -205,6 +206,10 @@ template <>
 inline constexpr IID iid_of<IZuCommonDataSchema> = IID_IZuCommonDataSchema;
 template <>
 inline constexpr IID iid_of<IOvTableMaintenance> = IID_IOvTableMaintenance;
+template <>
+inline constexpr IID iid_of<IOvProgress> = IID_IOvProgress;
+template <>
+inline constexpr IID iid_of<IOvProgressSource> = IID_IOvProgressSource;
 
 /// Owns one reference to an object's interface, or nothing.
 template <class Interface>

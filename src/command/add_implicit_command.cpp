@@ -28,7 +28,7 @@ struct add_implicit_request {
 void check_room(const table_view& view, const planned_field& field) {
   std::size_t words = field.is_text ? words_of_text(field.width) : 1;
   for (const field_view& there : view.fields()) words += words_of(there);
-  check_words(words, view.is_single());
+  check_words(view.file(), words, view.is_single());
 }
 
 HRESULT add_text(IOvTable& table, const planned_field& field) {
@@ -53,7 +53,8 @@ void run_add_implicit(const add_implicit_request& request) {
   const table_view view(request.table, table_access::change);
   const implicit_field& wanted = request.field;
   view.check_new_name(wanted.name);
-  const planned_field field = plan_implicit("", wanted, view.is_single(), request.text_width);
+  const planned_field field =
+      plan_implicit(view.file() + ", column ", wanted, view.is_single(), request.text_width);
   check_room(view, field);
   view.check_copied(field.is_text ? add_text(view.table(), field) : add_number(view, field, wanted.value));
   view.close();

@@ -36,7 +36,7 @@ field_view new_field(const table_view& view, const added_column& wanted) {
   field_view field{0, wanted.name, is_text, static_cast<LONG>(width), false, 0, {}};
   // No wider than what was asked for, although the column is.
   if (is_text) field.width = static_cast<LONG>(*wanted.text_width);
-  const cell_value value = plan_value(field, wanted.value, view.is_single());
+  const cell_value value = plan_value(view.file(), field, wanted.value, view.is_single());
   field.width = static_cast<LONG>(width);
   field.number_default = view.is_single() ? static_cast<double>(value.narrow) : value.number;
   field.text_default = value.text.utf8();
@@ -46,9 +46,11 @@ field_view new_field(const table_view& view, const added_column& wanted) {
 
 void add_column(std::vector<altered_column>& columns, const table_view& view, const added_column& wanted) {
   const std::string problem = name_problem(wanted.name, longest_name(view.is_single()));
-  if (!problem.empty()) throw failure(fmt::format("{}{}: {}", add_flag, wanted.name, problem));
+  if (!problem.empty())
+    throw failure(fmt::format("{}: {}{}: {}", view.file(), add_flag, wanted.name, problem));
   if (std::any_of(columns.begin(), columns.end(), named(wanted.name))) {
-    throw failure(fmt::format("{}{}: there is a column of that name", add_flag, wanted.name));
+    throw failure(
+        fmt::format("{}: {}{}: there is a column of that name", view.file(), add_flag, wanted.name));
   }
   columns.push_back({0, new_field(view, wanted)});
 }
@@ -58,12 +60,12 @@ void put_in_order(std::vector<altered_column>& columns, const table_view& view,
   auto place = columns.begin();
   for (const std::string& name : order) {
     if (std::any_of(columns.begin(), place, named(name))) {
-      throw failure(fmt::format("--order {}: the column is named twice", name));
+      throw failure(fmt::format("{}: --order {}: the column is named twice", view.file(), name));
     }
     const auto found = std::find_if(place, columns.end(), named(name));
     if (found == columns.end()) {
       if (find_field(view.fields(), name) != nullptr) {
-        throw failure(fmt::format("--order {}: the column is dropped", name));
+        throw failure(fmt::format("{}: --order {}: the column is dropped", view.file(), name));
       }
       (void)view.field(name);
     }
@@ -79,7 +81,7 @@ void check_result(const std::vector<altered_column>& columns, const table_view& 
     words += words_of(column.field);
     stored = stored || !column.field.implicit;
   }
-  check_words(words, view.is_single());
+  check_words(view.file(), words, view.is_single());
   if (!stored && view.rows() > 0)
     throw failure(view.file() + ": no column with values in the rows would be left");
 }
@@ -119,14 +121,6 @@ void add_to_schema(IOvSchema& schema, const altered_column& column, const table_
   } else {
     view.check(schema.AddNumericColumn(name.get(), field.number_default, implicit));
   }
-  LONG count = 0;
-  ovfile::text taken;
-  view.check(schema.get_FieldCount(&count));
-  view.check(schema.GetFieldName(count, taken.out()));
-  // The library shortens names that are longer than it lets new ones be.
-  if (taken.view() == name.view()) return;
-  throw failure(fmt::format("{}: the column {} would be named {}; see `ovfile settings`", view.file(),
-                            field.name, taken.utf8()));
 }
 
 }  // namespace command

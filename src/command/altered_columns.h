@@ -34,7 +34,7 @@ added_column parse_added_column(const std::string& argument);
 /// possible.
 std::vector<altered_column> altered_columns(const table_view& view, const alteration& wanted);
 
-/// Throws `failure` when the schema does not take the column as it is.
+/// Throws `failure`.
 void add_to_schema(IOvSchema& schema, const altered_column& column, const table_view& view);
 
 }  // namespace command

@@ -18,7 +18,8 @@ std::string count_flag(std::size_t axis) { return fmt::format("--n{}", letters[a
 
 double read_value(const std::string& flag, const std::string& words) {
   const number_cell number = read_number(words);
-  if (!number.is_number) throw wrong_usage(fmt::format("{} {}: expected a number", flag, words));
+  if (!number.is_number)
+    throw wrong_usage(fmt::format("{} {}: expected a number; it {}", flag, words, number_problem(words)));
   return number.value;
 }
 

@@ -19,9 +19,10 @@ struct cell_value {
   ovfile::text text{};  ///< of a column of texts
 };
 
-/// The value that `words` stand for: a number for a column of numbers (`-`, `absent` and nothing are the
-/// absent one), for one of texts the text without blanks at its end. Throws `failure`, whose words begin
-/// with the column's name, for what the column cannot hold.
-cell_value plan_value(const field_view& field, const std::string& words, bool single);
+/// The value for a column of the table `file` that `words` stand for: a number for a column of numbers (`-`,
+/// `absent` and nothing are the absent one), for one of texts the text without blanks at its end. Throws
+/// `failure`, whose words begin with the file and the column, for what the column cannot hold.
+cell_value plan_value(const std::string& file, const field_view& field, const std::string& words,
+                      bool single);
 
 }  // namespace command

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "failure.h"
+
 namespace command {
 
 /// Standard streams that may be a terminal.
@@ -25,8 +27,13 @@ class interrupt_guard {
   interrupt_guard& operator=(const interrupt_guard&) = delete;
 };
 
+/// Whether a stop was asked for while there was a guard.
+bool is_stop_asked() noexcept;
+
 /// Throws `interrupted` when a stop was asked for.
-void throw_if_interrupted();
+inline void throw_if_interrupted() {
+  if (is_stop_asked()) throw interrupted();
+}
 
 /// Ends the process the way the signal would have done. For after everything is cleaned up.
 [[noreturn]] void end_as_interrupted();

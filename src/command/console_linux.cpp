@@ -6,7 +6,6 @@
 
 #include "console.h"
 #include "encoding.h"
-#include "failure.h"
 
 namespace command {
 namespace {
@@ -53,9 +52,7 @@ interrupt_guard::~interrupt_guard() {
   }
 }
 
-void throw_if_interrupted() {
-  if (stop_signal != 0) throw interrupted();
-}
+bool is_stop_asked() noexcept { return stop_signal != 0; }
 
 void end_as_interrupted() {
   const int signal = stop_signal != 0 ? stop_signal : SIGINT;

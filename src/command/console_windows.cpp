@@ -9,7 +9,6 @@
 
 #include "console.h"
 #include "encoding.h"
-#include "failure.h"
 #include "ovfile/smart.h"
 
 namespace command {
@@ -53,9 +52,7 @@ interrupt_guard::interrupt_guard() { SetConsoleCtrlHandler(remember_stop, TRUE);
 
 interrupt_guard::~interrupt_guard() { SetConsoleCtrlHandler(remember_stop, FALSE); }
 
-void throw_if_interrupted() {
-  if (stop_asked) throw interrupted();
-}
+bool is_stop_asked() noexcept { return stop_asked; }
 
 void end_as_interrupted() { std::exit(static_cast<int>(STATUS_CONTROL_C_EXIT)); }
 

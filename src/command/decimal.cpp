@@ -122,6 +122,14 @@ number_cell read_number(std::string_view text) noexcept {
   return cell;
 }
 
+const char* number_problem(std::string_view text) noexcept {
+  text = without_blanks(text);
+  double value = 0;
+  if (!take_apart(text).valid) return "is not a number";
+  return parse(text, value) == std::errc() ? "has more digits than a number can hold"
+                                           : "is beyond what a number can hold";
+}
+
 float read_float(std::string_view text, bool& kept) noexcept {
   text = without_blanks(text);
   const decimal number = take_apart(text);

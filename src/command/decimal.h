@@ -21,6 +21,9 @@ struct number_cell {
 /// holds, which is when the double, written with as many digits, reads otherwise.
 number_cell read_number(std::string_view text) noexcept;
 
+/// Why a text is no number, in words that follow it.
+const char* number_problem(std::string_view text) noexcept;
+
 /// The float nearest to the text of a number. `kept`: the float, written with as many digits as the text
 /// has, reads the same. Infinite where the value is beyond a float's range.
 float read_float(std::string_view text, bool& kept) noexcept;

@@ -34,7 +34,7 @@ void run_default(const default_request& request) {
   const interrupt_guard guard;
   const table_view view(request.table, table_access::change);
   const field_view& field = view.field(request.column.name);
-  const cell_value value = plan_value(field, request.column.value, view.is_single());
+  const cell_value value = plan_value(view.file(), field, request.column.value, view.is_single());
   view.check(store(view, value));
   view.close();
   if (!value.kept) say("warning: single precision loses digits of " + field.name);

@@ -36,7 +36,7 @@ void run_delete_rows(const deletion_request& request) {
     }
     rebuild(view, &kept);
   }
-  say(fmt::format("{} of {} rows deleted", doomed.count(), view.rows()));
+  say(fmt::format("{} of {} deleted", doomed.count(), counted(view.rows(), "row")));
 }
 
 }  // namespace

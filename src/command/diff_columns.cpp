@@ -9,12 +9,6 @@
 namespace command {
 namespace {
 
-std::string description_of(const table_view& view) {
-  ovfile::text description;
-  view.check(view.schema()->get_Description(description.out()));
-  return description.utf8();
-}
-
 std::string line_of(const field_view& field, bool single) {
   const std::string value = default_words(field, single);
   return fmt::format("{} {} {}{}{}", field.name,
@@ -92,11 +86,13 @@ std::vector<column_pair> key_columns(const table_view& before, const table_view&
                                      const std::vector<std::string>& names) {
   std::vector<column_pair> key;
   for (const std::string& name : names) {
-    (void)before.field(name);
-    (void)after.field(name);
+    const auto kind = [&](const table_view& view) { return view.field(name).is_text ? "texts" : "numbers"; };
+    (void)kind(before);
+    (void)kind(after);
     const column_pair* const pair = find_pair(common, name);
     if (pair == nullptr)
-      throw failure(fmt::format("--key {}: numbers in one table, texts in the other", name));
+      throw failure(fmt::format("--key {}: {} in {}, {} in {}", name, kind(before), before.file(),
+                                kind(after), after.file()));
     key.push_back(*pair);
   }
   return key;
@@ -106,7 +102,7 @@ void compare_definitions(const table_view& before, const table_view& after, bool
                          diff_output& out) {
   const auto precision = [](const table_view& view) { return view.is_single() ? "single" : "double"; };
   compare_texts("precision", precision(before), precision(after), out);
-  if (!ignore_description) compare_texts("description", description_of(before), description_of(after), out);
+  if (!ignore_description) compare_texts("description", before.description(), after.description(), out);
   compare_columns(before, after, out);
 }
 

@@ -31,7 +31,9 @@ struct diff_request {
 double read_tolerance(const std::string& words) {
   const number_cell number = read_number(words);
   if (number.is_number && number.value >= 0) return number.value;
-  throw wrong_usage(fmt::format("--tolerance {}: expected a number of 0 or more", words));
+  throw wrong_usage(fmt::format("--tolerance {}: expected a number of 0 or more{}{}", words,
+                                number.is_number ? "" : "; it ",
+                                number.is_number ? "" : number_problem(words)));
 }
 
 bool differ(const diff_request& request, text_output& output) {

@@ -73,11 +73,21 @@ class csv_exporter {
   std::string text_;
 };
 
-void run_export(const export_request& request) {
-  if (request.csv != "-" && same_file(request.options.table, request.csv)) {
-    throw wrong_usage("the table and the CSV are one file: " + request.csv);
+/// A table must not get lost under the text that is made of it. `table` may be a link's target.
+void check_target(const std::string& table, const std::string& csv) {
+  if (csv == "-") return;
+  if (same_file(table, csv)) throw wrong_usage("the table and the CSV are one file: " + csv);
+  if (is_named_as_table(csv)) {
+    throw wrong_usage(csv + ": export writes a CSV, and the name is a table's; nothing is written");
   }
+}
+
+void run_export(const export_request& request) {
+  check_target(request.options.table, request.csv);
   table_view view(request.options.table);
+  ovfile::text opened;
+  view.check(view.table().get_Name(opened.out()));
+  check_target(opened.utf8(), request.csv);
   const std::optional<row_condition> condition = make_condition(view, request.options.where);
   text_output output(request.csv);
   const bool to_terminal = request.csv == "-" && is_terminal(standard_stream::output);

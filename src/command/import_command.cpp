@@ -51,6 +51,10 @@ void run_import(const import_request& request) {
   if (request.description) check_description("--description", *request.description);
   if (same_file(request.csv, request.table))
     throw wrong_usage("the CSV and the table are one file: " + request.csv);
+  if (is_named_as_table(request.csv))
+    throw wrong_usage(request.csv + ": import reads a CSV, and the name is a table's; nothing is written");
+  if (is_named_as_csv(request.table))
+    throw wrong_usage(request.table + ": import makes a table, and the name is a CSV's; nothing is written");
   csv_input input(request.csv);
   const import_plan plan = scan_csv(input, request);
   input.start_again();

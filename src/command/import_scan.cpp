@@ -155,7 +155,7 @@ import_plan scan_csv(csv_input& input, const import_request& request) {
     plan.stored[i].is_text = types.columns()[i].is_text;
     if (plan.stored[i].is_text) plan.stored[i].width = types.width(i);
   }
-  check_words(words_of(plan), plan.single);
+  check_words(request.table, words_of(plan), plan.single);
   if (plan.single) note_lost_digits(plan, types);
   return plan;
 }

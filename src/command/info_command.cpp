@@ -29,11 +29,8 @@ struct table_facts {
 
 table_facts read_facts(const table_view& view) {
   table_facts facts;
-  const auto maintenance = ovfile::pointer<IOvTable>(&view.table()).query<IOvTableMaintenance>();
-  facts.file.cbSize = sizeof facts.file;
-  view.check(maintenance ? maintenance->GetFacts(&facts.file) : E_NOINTERFACE);
-  facts.description = ovfile::to_utf8(facts.file.description);
-  facts.description.erase(facts.description.find_last_not_of(' ') + 1);
+  facts.file = view.facts();
+  facts.description = view.description();
   view.check(view.schema()->get_TypeHint(&facts.hint));
   VARIANT_BOOL linked = VARIANT_FALSE;
   view.check(view.table().get_IsLinked(&linked));

@@ -120,7 +120,7 @@ void check_fields(const std::vector<field_view>& fields, bool single, const std:
     }
     words += words_of(field);
   }
-  check_words(words, single);
+  check_words(file, words, single);
 }
 
 ovfile::pointer<IOvSchema> make_from_xml(const new_request& request) {

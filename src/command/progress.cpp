@@ -27,6 +27,7 @@ progress::~progress() {
 }
 
 void progress::look(std::uint64_t done, std::uint64_t total) {
+  if (!shown_) return;
   const auto now = std::chrono::steady_clock::now();
   if (now < next_) return;
   next_ = now + between_looks;

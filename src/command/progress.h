@@ -18,13 +18,13 @@ class progress {
 
   /// Cheap enough for every row. A `total` of 0 is unknown: then only the bar's title stands there.
   void at(std::uint64_t done, std::uint64_t total) {
-    if (shown_ && ++calls_ % calls_per_look == 0) look(done, total);
+    if (++calls_ % calls_per_look == 0) look(done, total);
   }
+  /// The same for steps that are large, or of which there may be few.
+  void look(std::uint64_t done, std::uint64_t total);
 
  private:
   static constexpr unsigned calls_per_look = 1024;
-
-  void look(std::uint64_t done, std::uint64_t total);
 
   std::string title_;
   bool shown_;

@@ -15,10 +15,11 @@ class raw_file {
   static raw_file standard_output();
   /// An existing file or pipe, for reading.
   static raw_file open(const std::string& name);
-  /// An existing file, for writing from its beginning.
-  static raw_file open_to_write(const std::string& name);
-  /// A new file for writing and reading; fails when there is one already, with `taken()` true.
-  static raw_file make_new(const std::string& name, bool& taken);
+  /// An existing file, for writing from its beginning; messages name `shown`.
+  static raw_file open_to_write(const std::string& name, const std::string& shown);
+  /// A new file for writing and reading, with the rights that new files have or, when it is `secret`, for its
+  /// owner alone where the system knows owners; fails when there is one already, with `taken` true.
+  static raw_file make_new(const std::string& name, bool secret, bool& taken);
   /// A new file in the system's temporary folder that has gone when it is closed.
   static raw_file make_scratch();
 
@@ -50,11 +51,12 @@ class raw_file {
 /// The last error of a C function, in words.
 std::string last_reason();
 
-/// Waits until what was written to a file stands on the disk. Throws `failure`.
-void sync_file(const std::string& name);
-/// Puts `from` in the place of `to` in one step and waits until that stands on the disk; permissions of a
-/// file that was there are carried over. Throws `failure`.
-void replace_file(const std::string& from, const std::string& to);
+/// Waits until what was written to a file stands on the disk. Throws `failure`, which names `shown`.
+void sync_file(const std::string& name, const std::string& shown);
+/// Puts `from` in the place of `to` in one step and waits until that stands on the disk. Who may do what with
+/// a file that was there is carried over as far as the system lets us, and never more. Throws `failure`,
+/// which names `shown`.
+void replace_file(const std::string& from, const std::string& to, const std::string& shown);
 /// Whether a program has the table open, this one included; false where that cannot be told.
 bool is_in_use(const std::string& name) noexcept;
 void remove_file(const std::string& name) noexcept;

@@ -10,6 +10,7 @@
 
 #include "console.h"
 #include "failure.h"
+#include "file_rights_linux.h"
 #include "raw_file.h"
 
 namespace command {
@@ -34,14 +35,15 @@ raw_file raw_file::open(const std::string& name) {
   return {handle, name};
 }
 
-raw_file raw_file::open_to_write(const std::string& name) {
+raw_file raw_file::open_to_write(const std::string& name, const std::string& shown) {
   const int handle = ::open(name.c_str(), O_WRONLY | O_CLOEXEC);
-  if (handle < 0) throw failure("cannot write " + name + ": " + last_reason());
-  return {handle, name};
+  if (handle < 0) throw failure("cannot write " + shown + ": " + last_reason());
+  return {handle, shown};
 }
 
-raw_file raw_file::make_new(const std::string& name, bool& taken) {
-  const int handle = ::open(name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+raw_file raw_file::make_new(const std::string& name, bool secret, bool& taken) {
+  const mode_t mode = secret ? 0600 : 0666;
+  const int handle = ::open(name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, mode);
   taken = handle < 0 && errno == EEXIST;
   if (handle < 0) throw failure("cannot create " + name + ": " + last_reason());
   return {handle, name};
@@ -101,24 +103,20 @@ void raw_file::rewind() {
   if (::lseek(handle_, 0, SEEK_SET) != 0) throw failure("cannot read " + name_ + ": " + last_reason());
 }
 
-void sync_file(const std::string& name) {
+void sync_file(const std::string& name, const std::string& shown) {
   const int handle = ::open(name.c_str(), O_RDONLY | O_CLOEXEC);
   const bool done = handle >= 0 && ::fsync(handle) == 0;
   const std::string reason = done ? std::string() : last_reason();
   if (handle >= 0) ::close(handle);
-  if (!done) throw failure("cannot write " + name + ": " + reason);
+  if (!done) throw failure("cannot write " + shown + ": " + reason);
 }
 
-void replace_file(const std::string& from, const std::string& to) {
-  struct stat old {};
-  if (::stat(to.c_str(), &old) == 0) {
-    // Until the table's own objects let go: a program that has the file open may still write to it.
-    if (is_in_use(to)) throw failure("cannot replace " + to + ": it is open in another program");
-    if (::chmod(from.c_str(), old.st_mode & 07777) != 0) {
-      throw failure("cannot replace " + to + ": " + last_reason());
-    }
-  }
-  if (::rename(from.c_str(), to.c_str()) != 0) throw failure("cannot replace " + to + ": " + last_reason());
+void replace_file(const std::string& from, const std::string& to, const std::string& shown) {
+  // Until the table's own objects let go: a program that has the file open may still write to it.
+  if (is_in_use(to)) throw failure("cannot replace " + shown + ": it is open in another program");
+  if (!carry_rights(to, from)) throw failure("cannot replace " + shown + ": " + last_reason());
+  if (::rename(from.c_str(), to.c_str()) != 0)
+    throw failure("cannot replace " + shown + ": " + last_reason());
   sync_folder(to);
 }
 

@@ -55,13 +55,13 @@ raw_file raw_file::open(const std::string& name) {
   return {handle, name};
 }
 
-raw_file raw_file::open_to_write(const std::string& name) {
+raw_file raw_file::open_to_write(const std::string& name, const std::string& shown) {
   const int handle = open_handle(name, _O_WRONLY, _SH_DENYNO);
-  if (handle < 0) throw failure("cannot write " + name + ": " + last_reason());
-  return {handle, name};
+  if (handle < 0) throw failure("cannot write " + shown + ": " + last_reason());
+  return {handle, shown};
 }
 
-raw_file raw_file::make_new(const std::string& name, bool& taken) {
+raw_file raw_file::make_new(const std::string& name, bool, bool& taken) {
   const int handle = open_handle(name, _O_RDWR | _O_CREAT | _O_EXCL, _SH_DENYNO);
   taken = handle < 0 && errno == EEXIST;
   if (handle < 0) throw failure("cannot create " + name + ": " + last_reason());
@@ -128,18 +128,20 @@ void raw_file::rewind() {
   if (_lseeki64(handle_, 0, SEEK_SET) != 0) throw failure("cannot read " + name_ + ": " + last_reason());
 }
 
-void sync_file(const std::string& name) {
+void sync_file(const std::string& name, const std::string& shown) {
   const int handle = open_handle(name, _O_RDWR, _SH_DENYNO);
   const bool done = handle >= 0 && _commit(handle) == 0;
   const std::string reason = done ? std::string() : last_reason();
   if (handle >= 0) _close(handle);
-  if (!done) throw failure("cannot write " + name + ": " + reason);
+  if (!done) throw failure("cannot write " + shown + ": " + reason);
 }
 
-void replace_file(const std::string& from, const std::string& to) {
+void replace_file(const std::string& from, const std::string& to, const std::string& shown) {
   if (!MoveFileExW(ovfile::to_wide(from).c_str(), ovfile::to_wide(to).c_str(),
                    MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {
-    throw failure("cannot replace " + to + ": " + system_reason(GetLastError()));
+    const DWORD code = GetLastError();
+    if (is_in_use(to)) throw failure("cannot replace " + shown + ": it is open in another program");
+    throw failure("cannot replace " + shown + ": " + system_reason(code));
   }
 }
 

@@ -9,7 +9,7 @@ namespace command {
 void refuse_unopenable_file(const std::string& name, bool to_change) {
   // The library has looked that it is a file: opening anything else could wait for ever.
   raw_file::open(name);
-  if (to_change) raw_file::open_to_write(name);
+  if (to_change) raw_file::open_to_write(name, name);
   if (is_in_use(name)) throw failure("cannot open " + name + ": it is open in another program");
 }
 

@@ -1,6 +1,8 @@
 #include "replacement.h"
 
+#include <algorithm>
 #include <filesystem>
+#include <string_view>
 #include <system_error>
 
 #include "failure.h"
@@ -33,25 +35,39 @@ std::string resolve(const std::string& target) {
   return utf8_of(end);
 }
 
-/// Makes the file under the first name that is free.
-std::string make_beside(const std::string& target) {
+/// Whether the name ends so; case does not count.
+bool ends_in(const std::string& name, std::string_view suffix) {
+  if (name.size() < suffix.size()) return false;
+  return std::equal(suffix.rbegin(), suffix.rend(), name.rbegin(), [](char want, char have) {
+    return want == (have >= 'A' && have <= 'Z' ? static_cast<char>(have - 'A' + 'a') : have);
+  });
+}
+
+/// Makes the file under the first name that is free. What takes another file's place may hold what few
+/// shall read, so nobody else reads it before it has that file's rights.
+std::string make_beside(const std::string& target, const std::string& shown) {
+  // Told at once, not when the work is done.
+  if (is_in_use(target)) throw failure("cannot replace " + shown + ": it is open in another program");
+  std::error_code error;
+  const bool secret = fs::exists(path_of(target), error);
   const fs::path folder = path_of(target).parent_path();
   for (int number = 0;; ++number) {
     const std::string leaf = ".NEW" + std::to_string(process_number()) + "-" + std::to_string(number);
     std::string name = utf8_of(folder / path_of(leaf));
     bool taken = false;
     try {
-      raw_file::make_new(name, taken).close();
+      raw_file::make_new(name, secret, taken).close();
       return name;
     } catch (const failure&) {
-      if (!taken) throw failure("cannot create " + target + ": " + last_reason());
+      if (!taken) throw failure("cannot create " + shown + ": " + last_reason());
     }
   }
 }
 
 }  // namespace
 
-replacement::replacement(const std::string& target) : target_(resolve(target)), name_(make_beside(target_)) {}
+replacement::replacement(const std::string& target)
+    : shown_(target), target_(resolve(target)), name_(make_beside(target_, shown_)) {}
 
 replacement::~replacement() {
   if (!committed_) remove_file(name_);
@@ -59,10 +75,14 @@ replacement::~replacement() {
 
 void replacement::commit() {
   throw_if_interrupted();
-  sync_file(name_);
-  replace_file(name_, target_);
+  sync_file(name_, shown_);
+  replace_file(name_, target_, shown_);
   committed_ = true;
 }
+
+bool is_named_as_table(const std::string& name) { return ends_in(name, ".ovt"); }
+
+bool is_named_as_csv(const std::string& name) { return ends_in(name, ".csv"); }
 
 bool same_file(const std::string& left, const std::string& right) {
   std::error_code error;

@@ -24,10 +24,15 @@ class replacement {
 
  private:
   interrupt_guard guard_;
+  std::string shown_;
   std::string target_;
   std::string name_;
   bool committed_ = false;
 };
+
+/// Whether a file's name says that it holds a table, or a CSV.
+bool is_named_as_table(const std::string& name);
+bool is_named_as_csv(const std::string& name);
 
 /// Whether two names mean one existing file.
 bool same_file(const std::string& left, const std::string& right);

@@ -16,22 +16,29 @@ struct row_range {
   LONG last = 0;
 };
 
-/// The number that makes up the whole text; 0 for anything else.
-LONG row_in(std::string_view text) {
-  LONG row = 0;
-  const auto read = std::from_chars(text.data(), text.data() + text.size(), row);
-  const bool whole = read.ec == std::errc() && read.ptr == text.data() + text.size();
-  return whole && row > 0 ? row : 0;
+[[noreturn]] void refuse(const std::string& list, std::string_view piece, std::string_view problem) {
+  throw wrong_usage(fmt::format("--rows {}: \"{}\": {}", list, piece, problem));
 }
 
-row_range range_in(std::string_view item, const std::string& list) {
-  const std::size_t dash = item.find('-');
+/// The row that a piece or one end of it names.
+LONG row_in(std::string_view text, std::string_view piece, const std::string& list) {
+  LONG row = 0;
+  const auto read = std::from_chars(text.data(), text.data() + text.size(), row);
+  const bool whole = !text.empty() && text.front() != '-' && read.ptr == text.data() + text.size();
+  if (!whole || read.ec == std::errc::invalid_argument)
+    refuse(list, piece, "expected a row or a range like 10-20");
+  if (read.ec != std::errc()) refuse(list, piece, "no table has so many rows");
+  if (row == 0) refuse(list, piece, "rows count from 1");
+  return row;
+}
+
+row_range range_in(std::string_view piece, const std::string& list) {
+  const std::size_t dash = piece.find('-');
+  if (piece.empty()) refuse(list, piece, "a row or a range is missing");
   row_range range;
-  range.first = row_in(item.substr(0, dash));
-  range.last = dash == item.npos ? range.first : row_in(item.substr(dash + 1));
-  if (range.first == 0 || range.last < range.first) {
-    throw wrong_usage(fmt::format("--rows {}: expected rows and ranges like 3,10-20", list));
-  }
+  range.first = row_in(piece.substr(0, dash), piece, list);
+  range.last = dash == piece.npos ? range.first : row_in(piece.substr(dash + 1), piece, list);
+  if (range.last < range.first) refuse(list, piece, "the range ends before it begins");
   return range;
 }
 

@@ -1,103 +1,115 @@
 #include "row_order.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstdint>
-#include <unordered_map>
+#include <limits>
 
+#include "distinct_texts.h"
 #include "progress.h"
 #include "row_condition.h"
 
 namespace command {
 namespace {
 
-/// A column's keys, one for each row: its numbers, or for each text its place among the different ones.
+/// A whole number that compares as the number does; what is none comes last, and -0 is 0.
+std::uint64_t key_of(double number) noexcept {
+  if (std::isnan(number)) return std::numeric_limits<std::uint64_t>::max();
+  constexpr std::uint64_t sign = std::uint64_t{1} << 63;
+  const auto bits = std::bit_cast<std::uint64_t>(number == 0 ? 0.0 : number);
+  return (bits & sign) != 0 ? ~bits : bits | sign;
+}
+
+/// A column's keys, one for each row, the smallest for the row that comes first: of its numbers, or for each
+/// text its place among the different ones.
 class key_column {
  public:
-  explicit key_column(const field_view& field) : field_(field) {}
+  key_column(const field_view& field, LONG rows) : field_(field) {
+    keys_.reserve(static_cast<std::size_t>(rows));
+  }
 
   void add(const table_view& view) {
     if (!field_.is_text) {
-      keys_.push_back(view.number(field_));
+      keys_.push_back(key_of(view.number(field_)));
       return;
     }
-    text_.clear();
-    view.append_text(text_, field_);
-    const auto place = numbers_.emplace(ovfile::to_wide(text_), numbers_.size()).first;
-    keys_.push_back(static_cast<double>(place->second));
+    view.read_text(text_, field_);
+    keys_.push_back(texts_.number_of(without_end_blanks(text_.view())));
   }
 
-  /// After the last row: from the order of appearance to the order of the texts.
-  void rank_texts() {
-    if (!field_.is_text) return;
-    using entry = std::unordered_map<ovfile::wide_string, std::size_t>::value_type;
-    std::vector<const entry*> texts;
-    for (const entry& text : numbers_) texts.push_back(&text);
-    std::sort(texts.begin(), texts.end(),
-              [](const entry* left, const entry* right) { return left->first < right->first; });
-    std::vector<double> ranks(texts.size());
-    for (std::size_t i = 0; i < texts.size(); ++i) ranks[texts[i]->second] = static_cast<double>(i);
-    for (double& key : keys_) key = ranks[static_cast<std::size_t>(key)];
-    numbers_.clear();
+  /// After the last row.
+  void finish(bool descending) {
+    if (field_.is_text) {
+      const std::vector<std::uint32_t> places = texts_.places();
+      for (std::uint64_t& key : keys_) key = places[static_cast<std::size_t>(key)];
+      texts_ = {};
+    }
+    if (!descending) return;
+    for (std::uint64_t& key : keys_) key = ~key;
   }
 
-  double of(LONG row) const noexcept { return keys_[static_cast<std::size_t>(row) - 1]; }
+  std::uint64_t of(LONG row) const noexcept { return keys_[static_cast<std::size_t>(row) - 1]; }
 
  private:
   field_view field_;
-  std::vector<double> keys_;
-  std::unordered_map<ovfile::wide_string, std::size_t> numbers_;
-  std::string text_;
+  std::vector<std::uint64_t> keys_;
+  distinct_texts texts_;
+  ovfile::text text_;
 };
-
-bool goes_before(double left, double right) noexcept {
-  if (std::isnan(left)) return false;
-  return std::isnan(right) || left < right;
-}
 
 /// The first column's key stands beside the row: most comparisons need no more.
 struct keyed_row {
-  double key;
+  std::uint64_t key;
   LONG row;
 };
 
 /// Whether `left` stands before `right` by the keys; rows of equal keys keep their order.
 class comparison {
  public:
-  comparison(const std::vector<key_column>& columns, bool descending)
-      : columns_(columns), descending_(descending) {}
+  explicit comparison(const std::vector<key_column>& columns) : columns_(columns) {}
 
   bool operator()(const keyed_row& left, const keyed_row& right) const noexcept {
-    if (goes_before(left.key, right.key)) return !descending_;
-    if (goes_before(right.key, left.key)) return descending_;
+    if (left.key != right.key) return left.key < right.key;
     for (std::size_t i = 1; i < columns_.size(); ++i) {
-      const double one = columns_[i].of(left.row);
-      const double other = columns_[i].of(right.row);
-      if (goes_before(one, other)) return !descending_;
-      if (goes_before(other, one)) return descending_;
+      const std::uint64_t one = columns_[i].of(left.row);
+      const std::uint64_t other = columns_[i].of(right.row);
+      if (one != other) return one < other;
     }
     return left.row < right.row;
   }
 
  private:
   const std::vector<key_column>& columns_;
-  bool descending_;
 };
 
-}  // namespace
-
-std::vector<LONG> sorted_rows(table_view& view, const std::vector<field_view>& columns, bool descending) {
-  std::vector<key_column> keys(columns.begin(), columns.end());
+std::vector<key_column> read_keys(table_view& view, const std::vector<field_view>& columns, bool descending) {
+  std::vector<key_column> keys;
+  keys.reserve(columns.size());
+  for (const field_view& column : columns) keys.emplace_back(column, view.rows());
   progress bar("sorting");
   for (row_walk walk(view); walk.next();) {
     for (key_column& column : keys) column.add(view);
     bar.at(static_cast<std::uint64_t>(walk.row()), static_cast<std::uint64_t>(view.rows()));
   }
-  for (key_column& column : keys) column.rank_texts();
+  for (key_column& column : keys) column.finish(descending);
+  return keys;
+}
+
+/// The keys go away with the end of this, before the table is written anew.
+std::vector<keyed_row> ordered(table_view& view, const std::vector<field_view>& columns, bool descending) {
+  const std::vector<key_column> keys = read_keys(view, columns, descending);
   std::vector<keyed_row> order;
   order.reserve(static_cast<std::size_t>(view.rows()));
   for (LONG row = 1; row <= view.rows(); ++row) order.push_back({keys.front().of(row), row});
-  std::sort(order.begin(), order.end(), comparison(keys, descending));
+  std::sort(order.begin(), order.end(), comparison(keys));
+  return order;
+}
+
+}  // namespace
+
+std::vector<LONG> sorted_rows(table_view& view, const std::vector<field_view>& columns, bool descending) {
+  const std::vector<keyed_row> order = ordered(view, columns, descending);
   std::vector<LONG> rows;
   rows.reserve(order.size());
   for (const keyed_row& entry : order) rows.push_back(entry.row);

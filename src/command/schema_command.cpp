@@ -27,21 +27,19 @@ struct schema_request {
 std::string json_of(const table_view& view) {
   const auto schema = view.schema();
   OvFileType hint{};
-  ovfile::text description;
   view.check(schema->get_TypeHint(&hint));
-  view.check(schema->get_Description(description.out()));
   std::string out = fmt::format("{{\n  \"file\": {},\n  \"kind\": {},\n", json_text(view.file()),
                                 json_text(kind_words(hint)));
   out += fmt::format("  \"precision\": \"{}\",\n  \"description\": {},\n  \"fields\": ",
-                     view.is_single() ? "single" : "double", json_text(description.utf8()));
+                     view.is_single() ? "single" : "double", json_text(view.description()));
   append_json_fields(out, view.fields(), view.is_single());
   return out + "\n}\n";
 }
 
 std::string xml_of(const table_view& view) {
   const auto schema = view.schema();
-  std::string xml = schema_to_xml(*schema.get(), view.file());
-  if (!reads_back(xml, *schema.get(), view.fields())) {
+  std::string xml = schema_to_xml(*schema.get(), view.description(), view.file());
+  if (!reads_back(xml, *schema.get(), view.description(), view.fields())) {
     say(
         fmt::format("warning: {}: the XML form does not hold all of this schema (names of more than 8 "
                     "characters, quotes, blank texts, digits of defaults); --json does",

@@ -90,26 +90,31 @@ bool is_taken(std::string_view element, const std::string& name, const std::vect
 
 }  // namespace
 
-std::string schema_to_xml(IOvSchema& schema, const std::string& file) {
+std::string schema_to_xml(IOvSchema& schema, const std::string& description, const std::string& file) {
   ovfile::text xml;
   if (FAILED(schema.GetSchemaAsXML(xml.out()))) {
     throw failure(
         file + ": the schema is too large for its XML form, which has at most 2046 characters; use --json");
   }
-  return xml.utf8();
+  ovfile::text known;
+  ovfile::check(schema.get_Description(known.out()));
+  std::string out = xml.utf8();
+  const std::string attribute = " desc=\"";
+  const std::size_t at = out.find(attribute + known.utf8() + '"');
+  if (at != out.npos) out.replace(at + attribute.size(), known.utf8().size(), description);
+  return out;
 }
 
-bool reads_back(const std::string& xml, IOvSchema& schema, const std::vector<field_view>& fields) {
+bool reads_back(const std::string& xml, IOvSchema& schema, const std::string& description,
+                const std::vector<field_view>& fields) {
   const auto again = schema_from_xml(xml, "XML");
   VARIANT_BOOL precision = VARIANT_FALSE;
   VARIANT_BOOL precision_again = VARIANT_FALSE;
-  ovfile::text description;
   ovfile::text description_again;
   ovfile::check(schema.get_DoublePrecision(&precision));
   ovfile::check(again->get_DoublePrecision(&precision_again));
-  ovfile::check(schema.get_Description(description.out()));
   ovfile::check(again->get_Description(description_again.out()));
-  return precision == precision_again && description.view() == description_again.view() &&
+  return precision == precision_again && description == description_again.utf8() &&
          read_fields(*again.get(), "XML") == fields;
 }
 

@@ -10,11 +10,13 @@
 
 namespace command {
 
-/// A schema's XML as UTF-8. Throws `failure` with `file` when it is too large for that form.
-std::string schema_to_xml(IOvSchema& schema, const std::string& file);
+/// A schema's XML as UTF-8, with all characters of the table's description, of which the schema lacks the
+/// last. Throws `failure` with `file` when it is too large for that form.
+std::string schema_to_xml(IOvSchema& schema, const std::string& description, const std::string& file);
 
 /// Whether the XML would give these fields, precision and description again.
-bool reads_back(const std::string& xml, IOvSchema& schema, const std::vector<field_view>& fields);
+bool reads_back(const std::string& xml, IOvSchema& schema, const std::string& description,
+                const std::vector<field_view>& fields);
 
 /// What a file says, as UTF-8: UTF-8 or UTF-16 with a byte order mark, UTF-8 without one, else
 /// Windows-1252; `-` is standard input. Throws `failure`, also for what no table can keep.

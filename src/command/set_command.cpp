@@ -46,7 +46,7 @@ cell_value plan(const table_view& view, const implicit_field& wanted) {
     throw failure(fmt::format("{}: {} is implicit, one value for all rows; `ovfile default` changes it",
                               view.file(), field.name));
   }
-  cell_value value = plan_value(field, wanted.value, view.is_single());
+  cell_value value = plan_value(view.file(), field, wanted.value, view.is_single());
   if (!value.kept) say("warning: single precision loses digits of " + field.name);
   return value;
 }
@@ -88,7 +88,7 @@ void run_set(const set_request& request) {
   for (const implicit_field& assignment : wanted) values.push_back(plan(view, assignment));
   const row_choice rows = rows_that_pass(view, request.where);
   change(view, values, rows);
-  say(fmt::format("{} of {} rows set", rows.count(), view.rows()));
+  say(fmt::format("{} of {} set", rows.count(), counted(view.rows(), "row")));
 }
 
 }  // namespace

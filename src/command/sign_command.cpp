@@ -1,7 +1,10 @@
 // ovfile sign: a digest of what a table holds.
 #include <memory>
+#include <optional>
 
 #include "commands.h"
+#include "console.h"
+#include "long_call.h"
 #include "table_options.h"
 #include "table_view.h"
 #include "text_output.h"
@@ -22,13 +25,23 @@ struct signature_request {
   std::optional<LONG> decimals;
 };
 
-void run_sign(const signature_request& request) {
-  const table_view view(request.table);
+std::string signature(const table_view& view, const signature_request& request) {
+  const long_call call(view, "signing");
+  std::optional<interrupt_guard> guard;  // where nobody asks for the flag a signal shall end the work
+  if (call.can_be_stopped()) guard.emplace();
   const VARIANT_BOOL ignore = request.loose ? VARIANT_TRUE : VARIANT_FALSE;
   ovfile::text digits;
-  view.check(view.table().GetSignature(ignore, ignore, ignore, request.decimals.value_or(-1), digits.out()));
+  const HRESULT status =
+      view.table().GetSignature(ignore, ignore, ignore, request.decimals.value_or(-1), digits.out());
+  long_call::throw_if_stopped(status);
+  view.check(status);
+  return digits.utf8();
+}
+
+void run_sign(const signature_request& request) {
+  const table_view view(request.table);
   text_output output;
-  output.text() = digits.utf8() + "  " + view.file() + "\n";
+  output.text() = signature(view, request) + "  " + view.file() + "\n";
   output.finish();
 }
 
@@ -42,7 +55,8 @@ void define_sign(CLI::App& program) {
   CLI::Option* const loose =
       app->add_flag("--loose", request->loose, "whatever description, order of columns and precision");
   app->add_flag("--tight", request->tight, "with all of them (the default)")->excludes(loose);
-  app->add_option("--decimals", request->decimals, "numbers rounded to so many decimals")
+  app->add_option("--decimals", request->decimals,
+                  "numbers with exactly so many decimals; by default six at most, without zeros at the end")
       ->type_name("N")
       ->check(CLI::Range(LONG{0}, LONG{1000}));
   app->callback([request] { run_sign(*request); });

@@ -12,8 +12,11 @@ namespace {
 
 constexpr const char* help =
     "Sorts the rows of a table by a column, by the next one where those are equal, and so on; rows that are\n"
-    "equal in all keep their order. An absent number is -1e30 and stands first, texts go a, ab, b; capitals\n"
-    "stand before small letters. The table is written anew and takes the old one's place in one step.";
+    "equal in all keep their order. --by A,B is --by A --by B. An absent number is -1e30 and stands first, "
+    "what\n"
+    "is no number (nan) last; texts go a, ab, b, capitals before small letters. With --descending all is "
+    "the\n"
+    "other way round. The table is written anew and takes the old one's place in one step.";
 
 struct sort_request {
   std::string table;
@@ -37,8 +40,8 @@ void define_sort(CLI::App& program) {
   CLI::App* const app = program.add_subcommand("sort", "Sort the rows of a table");
   app->footer(help);
   add_table_argument(*app, request->table);
-  app->add_option("--by", request->by, "the column to sort by; may be repeated")
-      ->type_name("COLUMN")
+  app->add_option("--by", request->by, "the columns to sort by; may be repeated")
+      ->type_name("A,B,...")
       ->delimiter(',')
       ->expected(1)
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)

@@ -121,7 +121,7 @@ void append_stats_words(std::string& out, const table_view& view, const table_st
     column.field.is_text ? texts.push_back(text_line(column))
                          : numbers.push_back(number_line(column, view.is_single()));
   }
-  out += fmt::format("{} of {} rows\n", stats.rows, view.rows());
+  out += fmt::format("{} of {}\n", stats.rows, counted(view.rows(), "row"));
   for (const auto* lines : {&numbers, &texts}) {
     if (lines->size() == 1) continue;
     out += '\n';

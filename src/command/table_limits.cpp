@@ -16,13 +16,13 @@ constexpr std::size_t short_name = 8;
 
 }  // namespace
 
-void check_words(std::size_t words, bool single) {
+void check_words(const std::string& file, std::size_t words, bool single) {
   const std::size_t limit = single ? single_words : double_words;
   if (words <= limit) return;
   throw failure(
-      fmt::format("the table would need {} words; a {}-precision one holds {} (a number takes one, a "
+      fmt::format("{}: the table would need {} words; a {}-precision one holds {} (a number takes one, a "
                   "text one for every 4 characters)",
-                  words, single ? "single" : "double", limit));
+                  file, words, single ? "single" : "double", limit));
 }
 
 void check_description(const std::string& where, const std::string& description) {

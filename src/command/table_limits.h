@@ -16,8 +16,8 @@ constexpr std::size_t words_of_text(std::size_t characters) noexcept {
 }
 
 /// Throws `failure` when a table of this precision has no room for so many words, implicit fields
-/// included.
-void check_words(std::size_t words, bool single);
+/// included; the message begins with `file`.
+void check_words(const std::string& file, std::size_t words, bool single);
 
 /// Throws `failure` when a table cannot keep the description (UTF-8) as it stands; messages begin with
 /// `where`.

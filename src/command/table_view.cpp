@@ -61,6 +61,18 @@ ovfile::pointer<IOvSchema> table_view::schema() const {
   return held;
 }
 
+OvTableFacts table_view::facts() const {
+  const auto maintenance = table_.query<IOvTableMaintenance>();
+  OvTableFacts facts{};
+  facts.cbSize = sizeof facts;
+  check(maintenance ? maintenance->GetFacts(&facts) : E_NOINTERFACE);
+  return facts;
+}
+
+std::string table_view::description() const {
+  return ovfile::to_utf8(without_end_blanks(facts().description));
+}
+
 void table_view::fail_at(const field_view* field, HRESULT status) const {
   throw failure(fmt::format("{}, row {}{}{}: {}", file_, row_, field == nullptr ? "" : ", column ",
                             field == nullptr ? "" : field->name, ovfile::error::take(status).what()));
@@ -69,11 +81,7 @@ void table_view::fail_at(const field_view* field, HRESULT status) const {
 std::vector<field_view> table_view::choose(const std::vector<std::string>& names) const {
   if (names.empty()) return fields_;
   std::vector<field_view> chosen;
-  for (const std::string& name : names) {
-    const field_view* const field = find_field(fields_, name);
-    if (field == nullptr) throw failure(fmt::format("{} has no column {}", file_, name));
-    chosen.push_back(*field);
-  }
+  for (const std::string& name : names) chosen.push_back(field(name));
   return chosen;
 }
 
@@ -130,7 +138,7 @@ double table_view::number(const field_view& field) const {
 
 void table_view::append_text(std::string& out, const field_view& field) const {
   ovfile::text text;
-  check_at(&field, table_->GetColumnAsString(field.column, text.out()));
+  read_text(text, field);
   ovfile::append_utf8(out, without_end_blanks(text.view()));
 }
 

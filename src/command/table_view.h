@@ -25,6 +25,10 @@ class table_view {
   IOvTable& table() const noexcept { return *table_.get(); }
   /// The table's own schema.
   ovfile::pointer<IOvSchema> schema() const;
+  /// What the file looks like.
+  OvTableFacts facts() const;
+  /// All that the file has of it (a schema lacks the last characters), without blanks at the end.
+  std::string description() const;
   /// The fields of these names in this order; all where there are none.
   std::vector<field_view> choose(const std::vector<std::string>& names) const;
 
@@ -44,6 +48,10 @@ class table_view {
   double number(const field_view& field) const;
   /// The current row's text without blanks at its end, appended as UTF-8.
   void append_text(std::string& out, const field_view& field) const;
+  /// The same as the table keeps it, filled up with blanks.
+  void read_text(ovfile::text& out, const field_view& field) const {
+    check_at(&field, table_->GetColumnAsString(field.column, out.out()));
+  }
   /// Throws what a failed call says, with the file's name.
   void check(HRESULT status) const { check_call(file_, status); }
   /// The same for a call that may have to put a copy in the file's place, with the system's reason where it

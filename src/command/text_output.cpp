@@ -8,7 +8,7 @@ namespace {
 raw_file open_end(const std::string& name, std::optional<replacement>& file) {
   if (name == "-") return raw_file::standard_output();
   file.emplace(name);
-  return raw_file::open_to_write(file->name());
+  return raw_file::open_to_write(file->name(), name);
 }
 
 }  // namespace

@@ -23,7 +23,8 @@ void run_truncate(const truncation_request& request) {
   const interrupt_guard guard;
   const table_view view(request.table, table_access::change);
   if (request.rows > view.rows()) {
-    throw failure(fmt::format("{} has {} rows, fewer than {}", view.file(), view.rows(), request.rows));
+    throw failure(
+        fmt::format("{} has {}, fewer than {}", view.file(), counted(view.rows(), "row"), request.rows));
   }
   view.check(view.table().ReduceRowCountTo(request.rows));
   view.close();

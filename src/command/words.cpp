@@ -14,6 +14,10 @@ void say(std::string_view words, std::string_view lines) {
   std::fflush(stderr);
 }
 
+std::string counted(long long count, std::string_view thing) {
+  return fmt::format("{} {}{}", count, thing, count == 1 ? "" : "s");
+}
+
 std::string json_text(std::string_view utf8) {
   std::string out = "\"";
   for (const char c : utf8) {

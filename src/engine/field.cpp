@@ -45,9 +45,8 @@ void table_fields::rename(std::size_t index, wide name) {
   for (std::size_t i = 0; i < fields_.size(); ++i) by_name_.try_emplace(fields_[i].name, i);
 }
 
-const field& table_fields::at(std::uint64_t index) const {
-  if (index >= fields_.size()) throw MyExceptionClass(OLESTR("index out of range, field not found."));
-  return fields_[static_cast<std::size_t>(index)];
+void table_fields::fail_not_found() {
+  throw MyExceptionClass(OLESTR("index out of range, field not found."));
 }
 
 field& table_fields::at(std::uint64_t index) { return const_cast<field&>(std::as_const(*this).at(index)); }

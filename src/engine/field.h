@@ -37,7 +37,10 @@ class table_fields {
   void rename(std::size_t index, wide name);
   std::size_t size() const noexcept { return fields_.size(); }
   /// Throws MyExceptionClass "index out of range, field not found.".
-  const field& at(std::uint64_t index) const;
+  const field& at(std::uint64_t index) const {
+    if (index >= fields_.size()) fail_not_found();
+    return fields_[static_cast<std::size_t>(index)];
+  }
   field& at(std::uint64_t index);
   /// Throws MyExceptionClass "unknown field name...".
   std::size_t index_of(const wide& name) const;
@@ -51,6 +54,8 @@ class table_fields {
   auto end() const noexcept { return fields_.end(); }
 
  private:
+  [[noreturn]] static void fail_not_found();
+
   std::vector<field> fields_;
   std::unordered_map<wide, std::size_t> by_name_;
   std::size_t atoms_ = 0;

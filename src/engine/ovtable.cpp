@@ -166,7 +166,11 @@ template <class Precision>
 void basic_ovtable<Precision>::set_native_number(std::uint64_t index, number value) {
   const field& to = field_of(index, field_kind::numeric, string_expected);
   std::byte* words = record();
-  if (to.is_implicit()) return;
+  if (!to.is_implicit()) put_native_number(to, words, value);
+}
+
+template <class Precision>
+void basic_ovtable<Precision>::put_native_number(const field& to, std::byte* words, number value) {
   // Stored as given also in a file of another byte order; `setValue` is the road that rearranges.
   store_number<Precision>(place_of(to.atoms.front(), words, Precision::word_bytes), value,
                           byte_order::native);
@@ -198,7 +202,10 @@ void basic_ovtable<Precision>::setDouble(std::uint64_t index, double value) {
   if constexpr (Precision::is_double) {
     set_native_number(index, value);
   } else {
-    if (!field_of(index, field_kind::numeric, string_expected).is_implicit()) table::setDouble(index, value);
+    const field& to = field_of(index, field_kind::numeric, string_expected);
+    if (to.is_implicit()) return;
+    const float narrow = to_float(value);
+    put_native_number(to, record(), narrow);
   }
 }
 

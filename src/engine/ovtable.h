@@ -3,6 +3,7 @@
 //   ovtable.cpp           the cursor, rows, values
 //   ovtable_defaults.cpp  default values of fields, facts of the header
 //   ovtable_fields.cpp    new fields and new names
+//   ovtable_blocks.cpp    blocks of rows
 #pragma once
 
 #include "engine/row_store.h"
@@ -63,11 +64,24 @@ class basic_ovtable final : public table {
   }
   void readFreshRecord(std::byte* buffer) override;
 
+  const table_fields& fields() const noexcept override { return rows_.fields(); }
+  byte_order order() const noexcept override { return rows_.order(); }
+  void readRows(std::uint64_t first, std::uint64_t rows, block_buffer& buffer,
+                const record_reader& take) override;
+  added_rows beginRows() override;
+  void putRows(added_rows& added, std::uint64_t rows, const record_writer& fill) override;
+  void commitRows(added_rows& added) override;
+  void giveUpRows(added_rows& added) noexcept override;
+  table_version version() const noexcept override { return rows_.version(); }
+
  protected:
   void locate(std::uint64_t row) override;
 
  private:
   void resolve_columns();
+  /// Runs a body that may bring other pages into memory; the current row's record stays in reach.
+  template <class Body>
+  auto keeping_record(Body body);
   /// Changes the field list; the current row and its record stay.
   template <class Change>
   void change_fields(Change change);
@@ -82,6 +96,7 @@ class basic_ovtable final : public table {
   const field& field_of(std::uint64_t index, field_kind kind, wide_view message) const;
   number native_number(std::uint64_t index);
   void set_native_number(std::uint64_t index, number value);
+  void put_native_number(const field& to, std::byte* words, number value);
   void set_native_default(std::uint64_t index, number value);
 
   wide name_;

@@ -46,6 +46,7 @@ void basic_ovtable<Precision>::set_native_default(std::uint64_t index, number va
   std::byte* place = entry_word<Precision>(rows_.header().entry(to.first_entry), format::entry_default);
   store_number<Precision>(place, value, rows_.order());
   std::memcpy(to.atoms.front().default_word.data(), place, Precision::word_bytes);
+  rows_.note_change();
   rows_.header().mark_changed();
 }
 
@@ -70,6 +71,7 @@ void basic_ovtable<Precision>::setDefaultString(std::uint64_t index, const wide&
   if (to.kind != field_kind::alphanumeric) throw MyExceptionClass(wide(default_not_text));
   std::string text = ansi_from_wide(value);
   text.resize(to.atoms.size() * format::text_word_chars, ' ');
+  rows_.note_change();
   for (std::size_t i = 0; i < to.atoms.size(); ++i) {
     std::byte* place = entry_word<Precision>(rows_.header().entry(to.first_entry + i), format::entry_default);
     std::memset(place, 0, Precision::word_bytes);

@@ -84,6 +84,7 @@ row_place row_store<Precision>::locate(std::uint64_t row) {
 template <class Precision>
 row_place row_store<Precision>::append() {
   require_room_for_a_row();
+  note_change();
   count_the_uncounted_page();
   const bool has_room =
       counts_.pages > counts_.header_pages && counts_.records_in_last_page != records_per_page_;
@@ -154,6 +155,7 @@ template <class Precision>
 void row_store<Precision>::cut_to(std::uint64_t rows) {
   const std::uint64_t pages = counts_.header_pages + rows / records_per_page_ + 1;
   const bool pages_change = pages != counts_.pages;
+  note_change();
   records_.flush();
   // What the segment holds beyond the new end must never be written again.
   records_.forget();

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "engine/field.h"
+#include "engine/row_blocks.h"
 #include "storage/header_image.h"
 #include "storage/record_pages.h"
 
@@ -56,7 +57,24 @@ class row_store {
   void append_field(field added);
   void rename_field(std::size_t index, const wide& name);
 
-  void mark_changed() noexcept { records_.mark_changed(); }
+  // Blocks of rows, as the table has them.
+
+  void read_rows(std::uint64_t first, std::uint64_t rows, block_buffer& buffer, const record_reader& take);
+  added_rows begin_rows();
+  void put_rows(added_rows& added, std::uint64_t rows, const record_writer& fill);
+  void commit_rows(added_rows& added);
+  void give_up_rows(added_rows& added) noexcept;
+  /// Which part of the file is in memory: located records are where they were as long as it stays.
+  std::uint64_t held_segment() const noexcept { return records_.segment(); }
+  table_version version() const noexcept { return version_; }
+
+  /// A record in memory was changed.
+  void mark_changed() noexcept {
+    note_change();
+    records_.mark_changed();
+  }
+  /// Anything else was.
+  void note_change() noexcept { ++version_.changes; }
   void flush_records() { records_.flush(); }
   /// Rows first: the header never promises rows that are not in the file.
   void flush();
@@ -69,6 +87,16 @@ class row_store {
   void count_the_uncounted_page();
   void append_page();
   void set_records_in_last_page(std::uint64_t records);
+  /// Pages that stand in the file as one piece from `page` on, up to page `last`.
+  struct page_run {
+    const std::byte* bytes;
+    std::size_t pages;
+  };
+  page_run pages_from(std::uint64_t page, std::uint64_t last, block_buffer& buffer);
+  void require_room_for(std::uint64_t rows) const;
+  std::byte* page_being_filled(added_rows& added) const;
+  void write_pages(added_rows& added, std::size_t pages);
+  void cut_spare_bytes(std::uint64_t page);
   void fill_with_defaults(std::byte* record) const;
 
   /// Without a mark the count of atoms alone tells the byte order: throws MyExceptionClass for one that
@@ -96,6 +124,7 @@ class row_store {
   page_counts counts_{};
   std::size_t records_per_page_ = 0;
   std::uint64_t row_count_ = 0;
+  table_version version_{new_table_number(), 0};
 };
 
 }  // namespace ovf

@@ -53,6 +53,7 @@ void row_store<Precision>::append_field(field added) {
   require_readable_count(atoms);
   table_fields grown = fields_;
   grown.add(added);
+  note_change();
   flush();
   if (format::header_pages(atoms) > counts_.header_pages) {
     append_field_in_copy(added);
@@ -128,6 +129,7 @@ void row_store<Precision>::rename_field(std::size_t index, const wide& name) {
   renamed.rename(index, name);
   const std::string text = ansi_from_wide(name);
   const field& old = fields_.at(index);
+  note_change();
   flush();
   if (on_one_page(old)) {
     rename_field_in_place(old, text);

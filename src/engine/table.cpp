@@ -15,7 +15,7 @@ double table::getDouble(std::uint64_t index) { return to_double(getValue(index))
 
 wide table::getString(std::uint64_t index) { return to_text(getValue(index)); }
 
-void table::setDouble(std::uint64_t index, double value) { setFloat(index, to_float(variant(value))); }
+void table::setDouble(std::uint64_t index, double value) { setFloat(index, to_float(value)); }
 
 void table::setFloat(std::uint64_t index, float value) { setDouble(index, static_cast<double>(value)); }
 
@@ -86,8 +86,7 @@ void table::restore_record() noexcept {
   }
 }
 
-std::byte* table::record() const {
-  if (record_ != nullptr) return record_;
+void table::fail_without_record() const {
   if (load_failure_ != nullptr) std::rethrow_exception(load_failure_);
   throw MyExceptionClass(wide(out_of_bounds));
 }

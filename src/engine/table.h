@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "engine/field.h"
+#include "engine/row_blocks.h"
 #include "ovfile/exception.h"
 #include "platform/variant.h"
 
@@ -126,6 +127,24 @@ class table {
   virtual void readFreshRecord(std::byte* buffer) = 0;
   std::size_t recordBytes() const noexcept { return record_bytes_; }
 
+  // Blocks of rows (row_blocks.h). The cursor stays.
+  virtual const table_fields& fields() const noexcept = 0;
+  /// Of the numbers in records.
+  virtual byte_order order() const noexcept = 0;
+  /// Hands the records of rows `first` to `first + rows - 1`, which exist, to `take` in their order. A row
+  /// that cannot be read throws what a move to it would.
+  virtual void readRows(std::uint64_t first, std::uint64_t rows, block_buffer& buffer,
+                        const record_reader& take) = 0;
+  /// Begins to append. The three calls below want the table unchanged since: the same `version`.
+  virtual added_rows beginRows() = 0;
+  /// Puts rows behind those put so far; `fill` is given each of them once.
+  virtual void putRows(added_rows& added, std::uint64_t rows, const record_writer& fill) = 0;
+  /// Makes them count; a failure throws and leaves them to be given up.
+  virtual void commitRows(added_rows& added) = 0;
+  /// Makes the file what it was.
+  virtual void giveUpRows(added_rows& added) noexcept = 0;
+  virtual table_version version() const noexcept = 0;
+
   /// The place of a stored number of the current row, native byte order, for callers in a hurry; null
   /// when the long road has to be taken (text, implicit, other byte order, no row, bad index).
   const std::byte* storedNumber(std::uint64_t index) const noexcept {
@@ -150,7 +169,11 @@ class table {
   /// Puts the current row's record into reach again if that is possible.
   void restore_record() noexcept;
   /// The record of the current row; throws when none is held.
-  std::byte* record() const;
+  std::byte* record() const {
+    if (record_ == nullptr) fail_without_record();
+    return record_;
+  }
+  [[noreturn]] void fail_without_record() const;
 
   bool is_double_ = false;
   bool is_read_only_ = false;

@@ -9,6 +9,12 @@ namespace ovf::filter {
 
 namespace {
 
+void unlock_server() noexcept {
+  LONG held = server_locks();
+  while (held > 0 && !server_locks().compare_exchange_weak(held, held - 1)) {
+  }
+}
+
 class evaluator_class final : public IClassFactory {
  public:
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
@@ -33,7 +39,11 @@ class evaluator_class final : public IClassFactory {
     return outer != nullptr ? CLASS_E_NOAGGREGATION : filter_object::create(iid, out);
   }
   HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) override {
-    module_count() += lock != 0 ? 1 : -1;
+    if (lock != 0) {
+      ++server_locks();
+    } else {
+      unlock_server();
+    }
     return S_OK;
   }
 

@@ -86,7 +86,10 @@ class error_info final : public ICreateErrorInfo, public IErrorInfo {
   DWORD help_context_ = 0;
 };
 
-/// What a thread holds, let go when the thread ends.
+/// What a thread holds, let go when the thread ends. Until then the loader keeps the library in memory,
+/// whoever unloads it: the destructor is part of it. An object that a host has taken is not counted as one of
+/// the module's, as it is not where the system brings error information along; the host releases it before
+/// it unloads the library.
 struct held_error {
   IErrorInfo* info = nullptr;
 

@@ -9,17 +9,25 @@
 #include <type_traits>
 
 #include "ovfile/ovfile.h"
+#include "ovfile/progress.h"
 #include "platform/dispatch.h"
 #include "platform/type_library.h"
 
 namespace ovf {
 
-/// Live objects plus server locks; the module may be unloaded at 0.
+/// What the module's callers hold of it, apart from server locks: live objects, and references to class
+/// objects.
 std::atomic<long>& module_lock_count() noexcept;
 
-/// The identifier of an interface type.
 template <class Interface>
-inline constexpr IID iid_of = IID{};
+constexpr IID missing_identifier() noexcept {
+  static_assert(sizeof(Interface) == 0, "an interface says its identifier by a specialisation of iid_of");
+  return {};
+}
+
+/// The identifier of an interface type. One without a specialisation does not compile.
+template <class Interface>
+inline constexpr IID iid_of = missing_identifier<Interface>();
 template <>
 inline constexpr IID iid_of<IOvTable> = IID_IOvTable;
 template <>
@@ -32,6 +40,8 @@ template <>
 inline constexpr IID iid_of<IZuCommonDataSchema> = IID_IZuCommonDataSchema;
 template <>
 inline constexpr IID iid_of<IOvTableMaintenance> = IID_IOvTableMaintenance;
+template <>
+inline constexpr IID iid_of<IOvProgressSource> = IID_IOvProgressSource;
 
 /// A dual interface whose late-bound half runs through the interface's own table of methods.
 template <class Interface>
@@ -97,7 +107,7 @@ class component_class : public implemented<Default>,
     return iid == iid_of<Default> || (... || (iid == iid_of<Others>)) ? S_OK : S_FALSE;
   }
   HRESULT STDMETHODCALLTYPE GetClassInfo(ITypeInfo** info) final {
-    return find_type_info(class_identifier(), info);
+    return find_type_info(Class::class_id, info);
   }
 
  protected:
@@ -135,14 +145,6 @@ class component_class : public implemented<Default>,
     component_class& owner_;
     std::atomic<ULONG> references_{1};
   };
-
-  static constexpr CLSID class_identifier() noexcept {
-    if constexpr (requires { Class::class_id; }) {
-      return Class::class_id;
-    } else {
-      return CLSID{};
-    }
-  }
 
   void* find(REFIID iid) noexcept {
     if (iid == iid_of<Default> || iid == IID_IDispatch) return static_cast<Default*>(this);

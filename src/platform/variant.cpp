@@ -16,6 +16,9 @@ variant changed(const VARIANT& value, VARTYPE type) {
   return result;
 }
 
+/// Such values are worth no detour: this happens for every cell.
+bool is_surely_within_float(double value) noexcept { return value < 1e38 && value > -1e38; }
+
 }  // namespace
 
 com_error::com_error(HRESULT status) : MyExceptionClass(status_message(status)), status_(status) {}
@@ -27,13 +30,13 @@ double to_double(const VARIANT& value) {
 }
 
 float to_float(const VARIANT& value) {
-  // Values that are surely within the type are worth no detour: this happens for every cell.
-  constexpr double surely_within = 1e38;
   if (value.vt == VT_R4) return value.fltVal;
-  if (value.vt == VT_R8 && value.dblVal < surely_within && value.dblVal > -surely_within) {
-    return static_cast<float>(value.dblVal);
-  }
+  if (value.vt == VT_R8 && is_surely_within_float(value.dblVal)) return static_cast<float>(value.dblVal);
   return changed(value, VT_R4).get().fltVal;
+}
+
+float to_float(double value) {
+  return is_surely_within_float(value) ? static_cast<float>(value) : to_float(variant(value));
 }
 
 wide to_text(const VARIANT& value) {

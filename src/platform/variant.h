@@ -30,6 +30,7 @@ HRESULT change_type(VARIANT& dest, const VARIANT& source, VARTYPE type) noexcept
 /// The value as a number, by the ordinary change of type. Throws com_error.
 double to_double(const VARIANT& value);
 float to_float(const VARIANT& value);
+float to_float(double value);
 /// The value as text, by the ordinary change of type. Throws com_error.
 wide to_text(const VARIANT& value);
 

@@ -1,4 +1,6 @@
 // The class objects, through which hosts make the library's objects, and when the module may go.
+#include <atomic>
+
 #include "platform/object.h"
 #include "schema/ov_schema.h"
 #include "table/ov_table.h"
@@ -7,6 +9,15 @@
 namespace ovf {
 
 namespace {
+
+/// Counted apart from the objects, so that a host that unlocks once too often cannot hide one of them.
+std::atomic<long> server_locks{0};
+
+void unlock_server() noexcept {
+  long held = server_locks;
+  while (held > 0 && !server_locks.compare_exchange_weak(held, held - 1)) {
+  }
+}
 
 using create_function = HRESULT (*)(IUnknown* outer, REFIID iid, void** out) noexcept;
 
@@ -38,7 +49,11 @@ class class_object final : public IClassFactory {
     return create_(outer, iid, out);
   }
   HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) override {
-    module_lock_count() += lock != 0 ? 1 : -1;
+    if (lock != 0) {
+      ++server_locks;
+    } else {
+      unlock_server();
+    }
     return S_OK;
   }
 
@@ -67,4 +82,6 @@ extern "C" HRESULT STDAPICALLTYPE DllGetClassObject(REFCLSID clsid, REFIID iid, 
   return CLASS_E_CLASSNOTAVAILABLE;
 }
 
-extern "C" HRESULT STDAPICALLTYPE DllCanUnloadNow() { return ovf::module_lock_count() == 0 ? S_OK : S_FALSE; }
+extern "C" HRESULT STDAPICALLTYPE DllCanUnloadNow() {
+  return ovf::module_lock_count() == 0 && ovf::server_locks == 0 ? S_OK : S_FALSE;
+}

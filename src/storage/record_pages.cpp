@@ -78,7 +78,9 @@ void record_pages<Precision>::append(const page_counts& counts) {
   if (!target.write(empty_page<Precision>, done) || done != Precision::page_bytes) {
     fail_with_system_error(Precision::add_page_write_failed);
   }
-  if (map_->valid() && map_->segment() == counts.pages / Precision::segment_pages) {
+  if constexpr (Precision::segment_pages == 1) {
+    map_->begin_empty(counts.pages, Precision::page_bytes, 0);
+  } else if (map_->valid() && map_->segment() == counts.pages / Precision::segment_pages) {
     const std::uint64_t within = counts.pages % Precision::segment_pages;
     std::memset(map_->data() + within * Precision::page_bytes, 0, Precision::page_bytes);
   }

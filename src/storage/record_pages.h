@@ -28,6 +28,9 @@ class record_pages {
   /// Appends an empty page to the file behind the counted ones.
   void append(const page_counts& counts);
 
+  /// The segment in memory; fileSegmentMap's `none` without one.
+  std::uint64_t segment() const noexcept { return map_->valid() ? map_->segment() : map::none; }
+
   void mark_changed() noexcept { map_->mark_changed(); }
   void flush() { map_->flush(); }
   void forget() noexcept { map_->forget(); }

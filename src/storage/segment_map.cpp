@@ -53,6 +53,19 @@ void fileSegmentMap<N>::load(std::uint64_t segment, segment_need need, std::uint
 }
 
 template <std::size_t N>
+void fileSegmentMap<N>::begin_empty(std::uint64_t segment, std::uint64_t extent, std::uint64_t write_start) {
+  if (file_ == nullptr) return;
+  flush();
+  std::memset(buffer_.get(), 0, N);
+  segment_ = segment;
+  extent_ = extent;
+  write_start_ = write_start;
+  held_ = N;
+  required_ = N;
+  valid_ = true;
+}
+
+template <std::size_t N>
 void fileSegmentMap<N>::read(std::uint64_t segment, segment_need need) {
   forget();
   seek(segment * N);

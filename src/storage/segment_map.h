@@ -33,6 +33,9 @@ class fileSegmentMap {
   /// is the number of bytes in use, from the segment's beginning, that a flush writes back, beginning at
   /// `write_start`; for the current segment it only grows.
   void load(std::uint64_t segment, segment_need need, std::uint64_t extent, std::uint64_t write_start);
+  /// Makes a segment current whose bytes are zero in the file too, because its caller has just written them:
+  /// flushes the one before and reads nothing. Otherwise as `load`.
+  void begin_empty(std::uint64_t segment, std::uint64_t extent, std::uint64_t write_start);
   /// Writes the bytes in use back when they have changed.
   void flush();
   /// Drops the segment with whatever was not flushed.

@@ -12,6 +12,15 @@ struct column_origin {
   OvColumnType type = ovColumnDouble;  ///< the getter and setter that a value goes through
 };
 
+/// What becomes of a text, or of a number as text, that is longer than its new column. Trailing blanks
+/// never count.
+enum class long_texts { cut, refused };
+
+struct cell_plan {
+  std::span<const column_origin> origins;  ///< of the new columns, in their order
+  long_texts longer = long_texts::cut;
+};
+
 /// A value that the other column cannot take, and where it stands.
 class cell_error : public MyExceptionClass {
  public:
@@ -24,10 +33,10 @@ class cell_error : public MyExceptionClass {
   LONG column_;
 };
 
-/// Appends the rows of `from` in the order of their numbers to `to`, column i of which has its values from
-/// `origins[i - 1]`. Reads in the order of the file, `memory` as for `copy_rows` (row_copy.h). Throws
-/// cell_error, and what reading and writing throw.
-void copy_cells(table& from, table& to, std::span<const column_origin> origins,
-                std::span<const std::uint32_t> rows, std::size_t memory = waiting_memory);
+/// Appends the rows of `from` in the order of their numbers to `to`, whose columns the plan describes.
+/// Reads in the order of the file, `memory` and steps of the work as for `copy_rows` (row_copy.h). Throws
+/// cell_error, work_stopped, and what reading and writing throw.
+void copy_cells(table& from, table& to, const cell_plan& plan, std::span<const std::uint32_t> rows,
+                work_progress& work, std::size_t memory = waiting_memory);
 
 }  // namespace ovf

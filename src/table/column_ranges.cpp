@@ -56,7 +56,7 @@ double value_of(const table_core& core, const numeric_column& column) {
 
 }  // namespace
 
-void column_ranges::take(LONG column, double value) noexcept {
+void column_ranges::widen(LONG column, double value) noexcept {
   if (of(column) == nullptr || is_special(value)) return;
   range& widened = ranges_[static_cast<std::size_t>(column - 1)];
   widened.high = std::max(widened.high, value);

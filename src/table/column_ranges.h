@@ -23,7 +23,9 @@ class column_ranges {
   std::optional<double> maximum(LONG column) const noexcept;
 
   /// Widens a column's range by a value, unless it is a special one or the ranges are not known yet.
-  void take(LONG column, double value) noexcept;
+  void take(LONG column, double value) noexcept {
+    if (!ranges_.empty()) widen(column, value);
+  }
 
  private:
   struct range {
@@ -32,6 +34,7 @@ class column_ranges {
   };
 
   void walk(table_core& core);
+  void widen(LONG column, double value) noexcept;
   const range* of(LONG column) const noexcept;
 
   std::vector<range> ranges_;

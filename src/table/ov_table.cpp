@@ -66,13 +66,17 @@ HRESULT COvTable::get_IsLinked(VARIANT_BOOL* pVal) {
   return S_OK;
 }
 
+HRESULT COvTable::SetProgress(IOvProgress* pProgress) { return shared::set_progress(core_, pProgress); }
+
 HRESULT COvTable::GetFacts(OvTableFacts* pFacts) {
   return guard(*this, [&] { return shared::get_facts(core_, pFacts); });
 }
 
 HRESULT COvTable::Rebuild(IOvSchema* pSchema, LONG nColumns, const LONG* pColumnOf, LONG nRows,
                           const LONG* pRowOf) {
-  return guard(*this, [&] { rebuild(core_, {pSchema, nColumns, pColumnOf, nRows, pRowOf}); });
+  return run_edit(*this, rebuild_words, [&] {
+    rebuild(core_, {pSchema, nColumns, pColumnOf, nRows, pRowOf});
+  });
 }
 
 }  // namespace ovf

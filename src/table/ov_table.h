@@ -11,8 +11,10 @@
 //   ov_table_signature.cpp   digests of shape and content
 //   ov_table_sort.cpp        rows in the order of a column
 //   ov_table_repair.cpp      other columns
+//   ov_table_stream.cpp      whole columns by batches
 #pragma once
 
+#include "ovfile/stream.h"
 #include "server/report_error.h"
 #include "table/column_ranges.h"
 #include "table/row_filter.h"
@@ -21,7 +23,11 @@
 
 namespace ovf {
 
-class COvTable final : public component_class<COvTable, table_face, zu_table_face, IOvTableMaintenance> {
+template <>
+inline constexpr IID iid_of<IOvTableStream> = IID_IOvTableStream;
+
+class COvTable final : public component_class<COvTable, table_face, zu_table_face, IOvTableMaintenance,
+                                              IOvProgressSource, IOvTableStream> {
  public:
   static constexpr CLSID class_id = CLSID_OvTable;
   static constexpr IID interface_id = IID_IOvTable;
@@ -89,7 +95,14 @@ class COvTable final : public component_class<COvTable, table_face, zu_table_fac
   HRESULT STDMETHODCALLTYPE Rebuild(IOvSchema* pSchema, LONG nColumns, const LONG* pColumnOf, LONG nRows,
                                     const LONG* pRowOf) override;
 
+  HRESULT STDMETHODCALLTYPE SetProgress(IOvProgress* pProgress) override;
+
+  HRESULT STDMETHODCALLTYPE Read(const OvStreamRequest* pRequest, ArrowArrayStream* pStream) override;
+  HRESULT STDMETHODCALLTYPE Append(ArrowArrayStream* pStream, LONG* pRows) override;
+
  private:
+  class stream_owner;
+
   friend component_class;
   COvTable() = default;
   ~COvTable() = default;
@@ -107,6 +120,7 @@ class COvTable final : public component_class<COvTable, table_face, zu_table_fac
   HRESULT changing_field(LONG column, Body body);
   /// Adds a field of the open table to the schema.
   void take_field(std::uint64_t index);
+  LONG append_rows(ArrowArrayStream& from);
   HRESULT range_end(wide_view refusal, std::optional<double> (column_ranges::*end)(LONG) const noexcept,
                     LONG index, double* out);
   /// Widens the range of a numeric column by a value that it was given.

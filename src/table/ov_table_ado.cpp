@@ -63,13 +63,17 @@ HRESULT COvTableADO::get_Name(BSTR* pVal) { return shared::get_name(*this, core_
 
 HRESULT COvTableADO::put_Name(BSTR newVal) { return shared::put_name(*this, core_, newVal); }
 
+HRESULT COvTableADO::SetProgress(IOvProgress* pProgress) { return shared::set_progress(core_, pProgress); }
+
 HRESULT COvTableADO::GetFacts(OvTableFacts* pFacts) {
   return guard(*this, [&] { return shared::get_facts(core_, pFacts); });
 }
 
 HRESULT COvTableADO::Rebuild(IOvSchema* pSchema, LONG nColumns, const LONG* pColumnOf, LONG nRows,
                              const LONG* pRowOf) {
-  return guard(*this, [&] { rebuild(core_, {pSchema, nColumns, pColumnOf, nRows, pRowOf}); });
+  return run_edit(*this, rebuild_words, [&] {
+    rebuild(core_, {pSchema, nColumns, pColumnOf, nRows, pRowOf});
+  });
 }
 
 }  // namespace ovf

@@ -8,7 +8,8 @@
 
 namespace ovf {
 
-class COvTableADO final : public component_class<COvTableADO, IOvTableADO, IOvTableMaintenance> {
+class COvTableADO final
+    : public component_class<COvTableADO, IOvTableADO, IOvTableMaintenance, IOvProgressSource> {
  public:
   static constexpr CLSID class_id = CLSID_OvTableADO;
   static constexpr IID interface_id = IID_IOvTableADO;
@@ -40,6 +41,8 @@ class COvTableADO final : public component_class<COvTableADO, IOvTableADO, IOvTa
   HRESULT STDMETHODCALLTYPE GetFacts(OvTableFacts* pFacts) override;
   HRESULT STDMETHODCALLTYPE Rebuild(IOvSchema* pSchema, LONG nColumns, const LONG* pColumnOf, LONG nRows,
                                     const LONG* pRowOf) override;
+
+  HRESULT STDMETHODCALLTYPE SetProgress(IOvProgress* pProgress) override;
 
  private:
   friend component_class;

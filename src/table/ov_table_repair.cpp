@@ -1,3 +1,4 @@
+#include "table/edit_words.h"
 #include "table/ov_table.h"
 #include "table/repair_plan.h"
 #include "table/schema_transfer.h"
@@ -6,9 +7,14 @@
 namespace ovf {
 namespace {
 
-constexpr wide_view no_copy_object = OLESTR("Repair failed, creating temp table object");
-constexpr wide_view replacing_failed = OLESTR("Repair failed. Could not delete temp file: ");
-constexpr wide_view reopening_failed = OLESTR("DeleteColumns failed, new table invalid");
+// Hosts know these words, one of which speaks of another method.
+constexpr edit_words words{
+    .no_copy = OLESTR("Repair failed, creating temp table object"),
+    .not_replaced = OLESTR("Repair failed. Could not delete temp file: "),
+    .not_reopened = OLESTR("DeleteColumns failed, new table invalid"),
+    .not_restored = OLESTR("DeleteColumns failed, new table invalid"),
+    .stopped = OLESTR("Repair failed, it was stopped"),
+};
 
 }  // namespace
 
@@ -21,16 +27,8 @@ HRESULT COvTable::Repair(IOvSchema* pSchema) {
     std::vector<std::uint32_t> rows = all_rows(core_);
     // The last row is left behind: hosts add one before they repair.
     if (!rows.empty()) rows.pop_back();
-    try {
-      rebuild_table(core_, *copy_of(*pSchema).get(), *origins, rows, false);
-      return S_OK;
-    } catch (const no_copy_made&) {
-      return report(*this, no_copy_object);
-    } catch (const not_replaced&) {
-      return report(*this, replacing_failed);
-    } catch (const not_reopened&) {
-      return report(*this, reopening_failed);
-    }
+    return run_edit(*this, words,
+                    [&] { rebuild_table(core_, *copy_of(*pSchema).get(), {*origins}, rows, false); });
   });
 }
 

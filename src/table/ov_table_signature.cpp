@@ -1,5 +1,6 @@
 #include "table/ov_table.h"
 #include "table/signature.h"
+#include "table/work_progress.h"
 
 namespace ovf {
 namespace {
@@ -7,6 +8,7 @@ namespace {
 constexpr wide_view no_provider = OLESTR("CryptAcquireContext failed");
 constexpr wide_view no_hash = OLESTR("No hash generated");
 constexpr wide_view general_failure = OLESTR("General exception thrown");
+constexpr wide_view stopped = OLESTR("GetSignature failed, it was stopped");
 
 }  // namespace
 
@@ -24,6 +26,8 @@ HRESULT COvTable::GetSignature(VARIANT_BOOL ignoreDescription, VARIANT_BOOL igno
     return report(*this, no_provider);
   } catch (const sha1_failed&) {
     return report(*this, no_hash);
+  } catch (const work_stopped&) {
+    return ReportError(class_id, stopped, 0, nullptr, interface_id, E_ABORT);
   } catch (...) {
     return report(*this, general_failure);
   }

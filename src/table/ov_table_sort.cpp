@@ -1,4 +1,5 @@
 #include "storage/file_error.h"
+#include "table/edit_words.h"
 #include "table/ov_table.h"
 #include "table/table_edits.h"
 
@@ -8,10 +9,14 @@ namespace {
 // Hosts know these words, some of which speak of another method.
 constexpr wide_view read_only_refused = OLESTR("DeleteRow failed, file open in read-only mode");
 constexpr wide_view bad_index = OLESTR("DeleteRow failed, invalid row index");
-constexpr wide_view copy_failed = OLESTR("DeleteRow failed, creating temp file");
 constexpr wide_view no_such_column = OLESTR("index out of range, field not found.");
-constexpr wide_view replacing_failed = OLESTR("Sort failed. Could not delete temp file: ");
-constexpr wide_view reopening_failed = OLESTR("Sort failed, new table invalid");
+constexpr edit_words words{
+    .no_copy = OLESTR("DeleteRow failed, creating temp file"),
+    .not_replaced = OLESTR("Sort failed. Could not delete temp file: "),
+    .not_reopened = OLESTR("Sort failed, new table invalid"),
+    .not_restored = OLESTR("Sort failed, new table invalid"),
+    .stopped = OLESTR("Sort failed, it was stopped"),
+};
 
 }  // namespace
 
@@ -23,16 +28,7 @@ HRESULT COvTable::Sort(LONG lIndex, VARIANT_BOOL bAscending) {
     if (static_cast<std::uint64_t>(lIndex) > core_.opened().getFieldCount()) {
       return report(*this, no_such_column);
     }
-    try {
-      sort_table(core_, lIndex, bAscending != VARIANT_FALSE);
-      return S_OK;
-    } catch (const no_copy_made&) {
-      return report(*this, copy_failed);
-    } catch (const not_replaced&) {
-      return report(*this, replacing_failed);
-    } catch (const not_reopened&) {
-      return report(*this, reopening_failed);
-    }
+    return run_edit(*this, words, [&] { sort_table(core_, lIndex, bAscending != VARIANT_FALSE); });
   });
 }
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <optional>
 
-#include "platform/system_error.h"
 #include "table/schema_transfer.h"
 #include "table/table_edits.h"
 
@@ -17,9 +16,6 @@ constexpr wide_view bad_count = OLESTR("Rebuild failed, %d is no number of rows"
 constexpr wide_view bad_row = OLESTR("Rebuild failed, row %d does not exist");
 constexpr wide_view row_twice = OLESTR("Rebuild failed, row %d is named twice");
 constexpr wide_view bad_value = OLESTR("Rebuild failed, row %d, column %d: %s");
-constexpr wide_view copy_failed = OLESTR("Rebuild failed, no copy of the table can be made: %s");
-constexpr wide_view replacing_failed = OLESTR("Rebuild failed, the copy cannot replace %s: %s");
-constexpr wide_view reopening_failed = OLESTR("Rebuild failed, the new table cannot be opened");
 
 template <class... Values>
 [[noreturn]] void fail(wide_view pattern, const Values&... values) {
@@ -88,7 +84,8 @@ void run(table_core& core, const rebuild_request& request) {
   const auto schema = request.schema != nullptr ? copy_of(*request.schema) : schema_of(core.opened());
   if (request.schema == nullptr && request.column_of == nullptr) return keep_rows(core, *schema.get(), rows);
   const std::vector<column_origin> origins = origins_of(core.opened(), *schema.get(), request);
-  rebuild_table(core, *schema.get(), origins, rows, !describes(*schema.get(), request));
+  rebuild_table(core, *schema.get(), {origins, long_texts::refused}, rows,
+                !describes(*schema.get(), request));
 }
 
 }  // namespace
@@ -101,12 +98,6 @@ void rebuild(table_core& core, const rebuild_request& request) {
   } catch (const cell_error& error) {
     fail(bad_value, static_cast<long long>(error.row()), static_cast<long long>(error.column()),
          wide_view(error.message()));
-  } catch (const no_copy_made& failure) {
-    fail(copy_failed, wide_view(failure.reason));
-  } catch (const not_replaced& refusal) {
-    fail(replacing_failed, wide_view(refusal.path), wide_view(system_message(refusal.code)));
-  } catch (const not_reopened&) {
-    fail(reopening_failed);
   }
 }
 

@@ -1,7 +1,7 @@
 // `Rebuild` of the maintenance interface: a table made anew from chosen rows and columns.
 #pragma once
 
-#include "server/report_error.h"
+#include "table/edit_words.h"
 #include "table/table_core.h"
 
 namespace ovf {
@@ -15,7 +15,17 @@ struct rebuild_request {
   const LONG* row_of;
 };
 
-/// Throws MyExceptionClass with words for everything that is wrong, and leaves the old table then.
+inline constexpr edit_words rebuild_words{
+    .no_copy = OLESTR("Rebuild failed, no copy of the table can be made: %s"),
+    .not_replaced = OLESTR("Rebuild failed, the copy cannot replace %s: %s"),
+    .not_reopened = OLESTR("Rebuild failed, the new table %s cannot be opened: %s"),
+    .not_restored =
+        OLESTR("Rebuild failed, the copy cannot replace %s: %s; the table cannot be opened again: %s"),
+    .stopped = OLESTR("Rebuild failed, it was stopped"),
+};
+
+/// An edit under `rebuild_words`. Throws MyExceptionClass with words for everything that is wrong with the
+/// request, and leaves the old table then; a text that would be cut is one of these things.
 void rebuild(table_core& core, const rebuild_request& request);
 
 }  // namespace ovf

@@ -12,12 +12,13 @@ void append(table& to, const std::byte* record) {
 }
 
 /// Rows that stand in the order of the file need not wait.
-void copy_straight(table& from, table& to, std::span<const std::uint32_t> rows) {
+void copy_straight(table& from, table& to, std::span<const std::uint32_t> rows, work_progress& work) {
   std::vector<std::byte> record(to.recordBytes());
   for (const std::uint32_t row : rows) {
     move_to_row(from, row);
     from.readFreshRecord(record.data());
     append(to, record.data());
+    work.step(steps_per_copied_row);
   }
 }
 
@@ -35,15 +36,19 @@ bool have_like_records(table& one, table& other) {
   return true;
 }
 
-void copy_rows(table& from, table& to, std::span<const std::uint32_t> rows, std::size_t memory) {
-  if (std::ranges::is_sorted(rows)) return copy_straight(from, to, rows);
+void copy_rows(table& from, table& to, std::span<const std::uint32_t> rows, work_progress& work,
+               std::size_t memory) {
+  if (std::ranges::is_sorted(rows)) return copy_straight(from, to, rows, work);
   const std::size_t bytes = to.recordBytes();
   std::vector<std::byte> records;
   in_parts(rows, bytes, memory, [&](std::span<const std::uint32_t> part) {
     records.resize(part.size() * bytes);
-    walk_in_file_order(from, part,
+    walk_in_file_order(from, part, work,
                        [&](std::size_t place) { from.readFreshRecord(records.data() + place * bytes); });
-    for (std::size_t place = 0; place < part.size(); ++place) append(to, records.data() + place * bytes);
+    for (std::size_t place = 0; place < part.size(); ++place) {
+      append(to, records.data() + place * bytes);
+      work.step();
+    }
   });
 }
 

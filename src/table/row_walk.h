@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "engine/table.h"
+#include "table/work_progress.h"
 
 namespace ovf {
 
@@ -23,9 +24,9 @@ inline void move_to_row(table& from, std::uint64_t row) {
 }
 
 /// Moves to each of the rows in the order of the file and calls `take(place)` there, `place` being where
-/// the row stands in `rows`.
+/// the row stands in `rows`. Each is a step of the work.
 template <class Take>
-void walk_in_file_order(table& from, std::span<const std::uint32_t> rows, Take take) {
+void walk_in_file_order(table& from, std::span<const std::uint32_t> rows, work_progress& work, Take take) {
   std::vector<std::uint64_t> in_file_order(rows.size());
   for (std::size_t place = 0; place < rows.size(); ++place) {
     in_file_order[place] = std::uint64_t{rows[place]} << 32 | place;
@@ -34,8 +35,13 @@ void walk_in_file_order(table& from, std::span<const std::uint32_t> rows, Take t
   for (const std::uint64_t next : in_file_order) {
     move_to_row(from, next >> 32);
     take(static_cast<std::size_t>(next & 0xFFFFFFFFU));
+    work.step();
   }
 }
+
+/// A row is a step when it is read and another when it is written, whether it has to wait in between or
+/// not.
+inline constexpr std::uint64_t steps_per_copied_row = 2;
 
 /// Calls `body(part)` for one part of the rows after the other, each as many as may wait together, their
 /// places in the order of the file included.

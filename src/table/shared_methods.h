@@ -20,6 +20,12 @@ inline HRESULT put_schema(table_core& core, IOvSchema* schema) noexcept {
   return S_OK;
 }
 
+/// A reference of its own, held until the next one or null.
+inline HRESULT set_progress(table_core& core, IOvProgress* sink) noexcept {
+  core.progress = ovfile::pointer<IOvProgress>(sink);
+  return S_OK;
+}
+
 template <class Class>
 HRESULT get_name(const Class& object, const table_core& core, BSTR* out) noexcept {
   if (out == nullptr) return E_POINTER;

@@ -7,6 +7,8 @@
 
 #include "storage/file_error.h"
 #include "table/decimal_text.h"
+#include "table/kept_cursor.h"
+#include "table/work_progress.h"
 
 namespace ovf {
 namespace {
@@ -131,6 +133,8 @@ sha1::digest signature_of(table_core& core, const signature_choice& choice) {
   add_header(digest, core, choice, static_cast<LONG>(fields.size()));
   for (const signed_field& field : fields) add_field(digest, field, choice);
   const LONG rows = long_of(core.opened().getRowCount());
+  kept_cursor cursor(core);
+  work_progress work(core.progress, static_cast<std::uint64_t>(rows));
   for (LONG row = 1; row <= rows; ++row) {
     if (row == 1) {
       core.row_at(row);
@@ -138,7 +142,10 @@ sha1::digest signature_of(table_core& core, const signature_choice& choice) {
       core.next_row();
     }
     for (const signed_field& field : fields) add_value(digest, core, field, choice.digits);
+    work.step();
   }
+  work.finish();
+  cursor.give_up();
   return digest.finish();
 }
 

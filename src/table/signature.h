@@ -14,8 +14,9 @@ struct signature_choice {
   LONG digits = -1;               ///< behind the point, as append_decimal takes them
 };
 
-/// The digest over the held schema and all rows of the open table. Leaves the cursor on the last row.
-/// Throws what reading throws, table_core::not_open, sha1_unavailable, sha1_failed.
+/// The digest over the held schema and all rows of the open table. Leaves the cursor on the last row, and
+/// where it was when it throws: what reading throws, table_core::not_open, sha1_unavailable, sha1_failed,
+/// work_stopped.
 sha1::digest signature_of(table_core& core, const signature_choice& choice);
 
 /// 40 lowercase hexadecimal digits.

@@ -11,15 +11,17 @@ namespace {
 
 /// Calls `take(row)` on each row in file order.
 template <class Take>
-void for_each_row(table& from, Take take) {
+void for_each_row(table& from, work_progress& work, Take take) {
   const std::uint64_t rows = from.getRowCount();
   if (rows == 0) return;
   from.firstRow();
   for (std::uint64_t row = 1; row < rows; ++row) {
     take(static_cast<std::uint32_t>(row));
+    work.step();
     from.nextRow();
   }
   take(static_cast<std::uint32_t>(rows));
+  work.step();
 }
 
 double number_of(table& from, std::uint64_t column) {
@@ -29,10 +31,10 @@ double number_of(table& from, std::uint64_t column) {
   return static_cast<double>(load_number<single_precision>(place, byte_order::native));
 }
 
-std::vector<CSortEntry> sorted_by_number(table& from, std::uint64_t column) {
+std::vector<CSortEntry> sorted_by_number(table& from, std::uint64_t column, work_progress& work) {
   std::vector<CSortEntry> entries;
   entries.reserve(static_cast<std::size_t>(from.getRowCount()));
-  for_each_row(from, [&](std::uint32_t row) { entries.push_back({{number_of(from, column)}, row}); });
+  for_each_row(from, work, [&](std::uint32_t row) { entries.push_back({{number_of(from, column)}, row}); });
   std::ranges::sort(entries, [](const CSortEntry& one, const CSortEntry& other) {
     return goes_before(one.value, other.value);
   });
@@ -42,9 +44,9 @@ std::vector<CSortEntry> sorted_by_number(table& from, std::uint64_t column) {
 /// The texts of a column, one behind the other.
 class column_texts {
  public:
-  explicit column_texts(table& from, std::uint64_t column) {
+  column_texts(table& from, std::uint64_t column, work_progress& work) {
     ends_.reserve(static_cast<std::size_t>(from.getRowCount()));
-    for_each_row(from, [&](std::uint32_t) { add(from.getValue(column)); });
+    for_each_row(from, work, [&](std::uint32_t) { add(from.getValue(column)); });
   }
 
   wide_view of(std::uint32_t row) const noexcept {
@@ -85,8 +87,8 @@ class column_texts {
   bool same_lengths_ = true;
 };
 
-std::vector<CSortEntry> sorted_by_text(table& from, std::uint64_t column) {
-  const column_texts texts(from, column);
+std::vector<CSortEntry> sorted_by_text(table& from, std::uint64_t column, work_progress& work) {
+  const column_texts texts(from, column, work);
   std::vector<CSortEntry> entries(texts.rows());
   for (std::uint32_t row = 1; row <= texts.rows(); ++row) {
     entries[row - 1].row = row;
@@ -117,12 +119,13 @@ bool goes_before(wide_view one, wide_view other) noexcept {
   return one.size() > other.size();
 }
 
-std::vector<std::uint32_t> sorted_rows(table& from, std::uint64_t column, bool ascending) {
+std::vector<std::uint32_t> sorted_rows(table& from, std::uint64_t column, bool ascending,
+                                       work_progress& work) {
   // A header may promise more rows than the file has, and than any memory has room for.
   from.lastRow();
   const bool numeric = from.getFieldType(column) == field_kind::numeric;
   const std::vector<CSortEntry> entries =
-      numeric ? sorted_by_number(from, column) : sorted_by_text(from, column);
+      numeric ? sorted_by_number(from, column, work) : sorted_by_text(from, column, work);
   std::vector<std::uint32_t> rows(entries.size());
   for (std::size_t i = 0; i < rows.size(); ++i) {
     rows[i] = entries[ascending ? i : rows.size() - 1 - i].row;

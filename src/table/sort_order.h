@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "engine/table.h"
+#include "table/work_progress.h"
 
 namespace ovf {
 
@@ -27,7 +28,8 @@ bool goes_before(wide_view one, wide_view other) noexcept;
 
 /// The rows of the table in the order of a column, by the rule above when `ascending` and the other way
 /// round otherwise; rows of equal keys stand in any order. Reads the whole table once, moves its current
-/// row, and throws what reading throws.
-std::vector<std::uint32_t> sorted_rows(table& from, std::uint64_t column, bool ascending);
+/// row, and throws what reading throws. Each row is a step of the work, which may be stopped.
+std::vector<std::uint32_t> sorted_rows(table& from, std::uint64_t column, bool ascending,
+                                       work_progress& work);
 
 }  // namespace ovf

@@ -7,6 +7,7 @@
 
 #include "engine/table.h"
 #include "ovfile/ovfile.h"
+#include "ovfile/progress.h"
 #include "ovfile/smart.h"
 
 namespace ovf {
@@ -64,6 +65,9 @@ class table_core {
   bool at_beginning = false;
   bool is_linked = false;
   ovfile::pointer<IOvSchema> schema;
+
+  /// Hears of work that lasts; may be null.
+  ovfile::pointer<IOvProgress> progress;
 
  private:
   opening open_target(std::unique_ptr<table>& found);

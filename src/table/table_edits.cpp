@@ -23,14 +23,16 @@ std::vector<column_origin> same_columns(IOvSchema& schema) {
   return origins;
 }
 
-void copy_under(IOvSchema& schema, table& from, table_replacement& made,
-                std::span<const std::uint32_t> rows) {
+void copy_under(IOvSchema& schema, table& from, table_replacement& made, std::span<const std::uint32_t> rows,
+                work_progress& work) {
   table& copy = made.begin(definition_of(schema), true);
   if (have_like_records(from, copy)) {
-    copy_rows(from, copy, rows);
+    copy_rows(from, copy, rows, work);
   } else {
-    copy_cells(from, copy, same_columns(schema), rows);
+    const std::vector<column_origin> origins = same_columns(schema);
+    copy_cells(from, copy, {origins}, rows, work);
   }
+  work.finish();
   made.commit();
 }
 
@@ -38,22 +40,26 @@ void copy_under(IOvSchema& schema, table& from, table_replacement& made,
 
 void keep_rows(table_core& core, IOvSchema& schema, std::span<const std::uint32_t> rows) {
   table_replacement made(core);
-  copy_under(schema, core.opened(), made, rows);
+  work_progress work(core.progress, rows.size() * steps_per_copied_row);
+  copy_under(schema, core.opened(), made, rows, work);
 }
 
 void sort_table(table_core& core, LONG column, bool ascending) {
   table_replacement made(core);
   // What a host has done to the schema that it holds is not in the file.
   const auto schema = schema_of(core.opened());
-  const std::vector<std::uint32_t> rows = sorted_rows(core.opened(), field_index(column), ascending);
-  copy_under(*schema.get(), core.opened(), made, rows);
+  work_progress work(core.progress, core.opened().getRowCount() * (1 + steps_per_copied_row));
+  const std::vector<std::uint32_t> rows = sorted_rows(core.opened(), field_index(column), ascending, work);
+  copy_under(*schema.get(), core.opened(), made, rows, work);
 }
 
-void rebuild_table(table_core& core, IOvSchema& schema, std::span<const column_origin> origins,
+void rebuild_table(table_core& core, IOvSchema& schema, const cell_plan& plan,
                    std::span<const std::uint32_t> rows, bool keep_description) {
   table_replacement made(core);
+  work_progress work(core.progress, rows.size() * steps_per_copied_row);
   table& copy = made.begin(definition_of(schema), keep_description);
-  copy_cells(core.opened(), copy, origins, rows);
+  copy_cells(core.opened(), copy, plan, rows, work);
+  work.finish();
   made.commit();
 }
 

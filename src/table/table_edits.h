@@ -1,6 +1,6 @@
 // The edits that make a table's file anew: sorted, with other columns, with fewer rows. Each is a copy
-// that takes the file's place, or throws and leaves the old table (table_replacement.h); the words for
-// what goes wrong are the caller's.
+// that takes the file's place, or throws and leaves the old table (table_replacement.h), also when the
+// host that hears of the work stops it (work_stopped). What is said then: edit_words.h.
 #pragma once
 
 #include "table/cell_copy.h"
@@ -15,9 +15,9 @@ void sort_table(table_core& core, LONG column, bool ascending);
 /// values from those of the same numbers.
 void keep_rows(table_core& core, IOvSchema& schema, std::span<const std::uint32_t> rows);
 
-/// Makes the table under another schema, whose column i has its values from `origins[i - 1]`, with the
-/// rows of these numbers. Throws cell_error besides.
-void rebuild_table(table_core& core, IOvSchema& schema, std::span<const column_origin> origins,
+/// Makes the table under another schema, for whose columns the plan is, with the rows of these numbers.
+/// Throws cell_error besides.
+void rebuild_table(table_core& core, IOvSchema& schema, const cell_plan& plan,
                    std::span<const std::uint32_t> rows, bool keep_description);
 
 /// All rows' numbers in order. Throws when the last row cannot be read: a header may promise more rows

@@ -4,16 +4,42 @@
 #include "storage/file_error.h"
 
 namespace ovf {
+namespace {
+
+constexpr wide_view no_file = OLESTR("there is no such file");
+
+/// Some messages name the file alone: the system's words follow them.
+wide with_systems_words(wide message, system_code code) {
+  const wide words = system_message(code);
+  if (code == 0 || message.find(words) != wide::npos) return message;
+  return message.append(OLESTR(" (")).append(words).append(OLESTR(")"));
+}
+
+/// What the exception says that is being handled.
+wide reason_in_flight() {
+  const system_code code = last_system_error();
+  try {
+    throw;
+  } catch (const file_error& error) {
+    return with_systems_words(wide_from_utf8(error.what()), code);
+  } catch (const MyExceptionClass& error) {
+    return wide(error.message());
+  } catch (const std::exception& error) {
+    return wide_from_utf8(error.what());
+  } catch (const table_core::not_open&) {
+    return wide(no_file);
+  }
+}
+
+}  // namespace
 
 table& table_replacement::begin(const table_definition& definition, bool keep_description) {
   try {
     make_copy(definition, keep_description);
   } catch (const std::bad_alloc&) {
     throw;
-  } catch (const MyExceptionClass& error) {
-    throw no_copy_made{wide(error.message())};
-  } catch (const std::exception& error) {
-    throw no_copy_made{wide_from_utf8(error.what())};
+  } catch (const std::exception&) {
+    throw no_copy_made{reason_in_flight()};
   }
   return *copy_;
 }
@@ -35,20 +61,24 @@ void table_replacement::commit() {
   const auto schema = core_.schema;
   core_.release_table();
   const bool is_placed = file_.commit();
-  const system_code refusal = is_placed ? 0 : last_system_error();
-  reopen();
+  const system_code code = is_placed ? 0 : last_system_error();
+  const not_replaced refusal{path_, code};
+  const std::optional<wide> failure = reopen();
+  if (failure && is_placed) throw not_reopened{path_, *failure};
+  if (failure) throw not_restored{refusal, *failure};
   if (!is_placed) {
     core_.schema = schema;
-    throw not_replaced{path_, refusal};
+    throw not_replaced{refusal};
   }
   cursor_.give_up();
 }
 
-void table_replacement::reopen() {
+std::optional<wide> table_replacement::reopen() {
   try {
     core_.reopen(path_);
+    return std::nullopt;
   } catch (...) {
-    throw not_reopened();
+    return reason_in_flight();
   }
 }
 

@@ -9,6 +9,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
 #include "engine/open_table.h"
 #include "storage/file_replacement.h"
@@ -25,8 +26,17 @@ struct not_replaced {
   wide path;
   std::uint32_t code;  ///< the system's
 };
-/// The file under the table's name, old or new, could not be opened again; no table is open.
-struct not_reopened {};
+/// The copy is in the file's place, and it could not be opened; no table is open.
+struct not_reopened {
+  wide path;
+  wide reason;
+};
+/// The copy was not let into the file's place, and the old file, whole, could not be opened again; no
+/// table is open.
+struct not_restored {
+  not_replaced refusal;
+  wide reason;
+};
 
 class table_replacement {
  public:
@@ -39,13 +49,14 @@ class table_replacement {
   table& begin(const table_definition& definition, bool keep_description);
 
   /// Writes the copy to the disk, closes the table and puts the copy in its place; the core then has the
-  /// new file open for writing, on its first row. Throws not_replaced, not_reopened, and what writing the
-  /// copy or the table throws.
+  /// new file open for writing, on its first row. Throws not_replaced, not_reopened, not_restored, and what
+  /// writing the copy or the table throws.
   void commit();
 
  private:
   void make_copy(const table_definition& definition, bool keep_description);
-  void reopen();
+  /// What keeps the file under the table's name from being opened; nothing when it is open again.
+  std::optional<wide> reopen();
 
   table_core& core_;
   kept_cursor cursor_;

@@ -93,7 +93,7 @@ TEST_F(add_implicit_test, single_precision_warns_of_lost_digits) {
   const ovtest::process_result result = run({"add-implicit", "t.ovt", "N=0.123456789"});
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.error, "ovfile: warning: single precision loses digits of N\n");
-  expect_unchanged({"M=1e39"}, "M: 1e39 is beyond the range of single precision");
+  expect_unchanged({"M=1e39"}, "t.ovt, column M: 1e39 is beyond the range of single precision");
 }
 
 TEST_F(add_implicit_test, what_a_table_cannot_have_changes_nothing) {
@@ -102,11 +102,13 @@ TEST_F(add_implicit_test, what_a_table_cannot_have_changes_nothing) {
   expect_unchanged({"ABCDEFGHI=1"}, "t.ovt: ABCDEFGHI: the name is longer than 8 characters");
   expect_unchanged({"N M=1"},
                    "t.ovt: N M: a name may not hold blanks, control characters or any of ,!:*&=()?");
-  expect_unchanged({"N=\xCE\xB1"}, "N: the value has a character that is not in Windows-1252");
-  expect_unchanged({"N=abcde", "--text", "4"}, "N: the text has 5 characters, more than the 4 of --text");
-  expect_unchanged({"N=x", "--text", "1020"},
-                   "the table would need 257 words; a double-precision one holds 256 (a number takes one, a "
-                   "text one for every 4 characters)");
+  expect_unchanged({"N=\xCE\xB1"}, "t.ovt, column N: the value has a character that is not in Windows-1252");
+  expect_unchanged({"N=abcde", "--text", "4"},
+                   "t.ovt, column N: the text has 5 characters, more than the 4 of --text");
+  expect_unchanged(
+      {"N=x", "--text", "1020"},
+      "t.ovt: the table would need 257 words; a double-precision one holds 256 (a number takes one, a "
+      "text one for every 4 characters)");
 }
 
 TEST_F(add_implicit_test, wrong_usage_is_told) {

@@ -77,6 +77,16 @@ TEST_F(alter_test, precision_and_description_stay) {
   });
 }
 
+TEST_F(alter_test, a_blank_description_stays_blank) {
+  in_both([&](const names& options) {
+    names all = options;
+    all.insert(all.end(), {"--description", " "});
+    make(all);
+    (void)altered({"--drop", "B"});
+    EXPECT_EQ(nlohmann::json::parse(run_quietly({"info", "t.ovt", "--json"}))["description"], "");
+  });
+}
+
 TEST_F(alter_test, a_table_without_rows_is_altered_too) {
   round_trip("A,B\n");
   EXPECT_EQ(altered({"--drop", "A", "--add", "C"}), "B,C\n");
@@ -100,21 +110,24 @@ TEST_F(alter_test, what_is_not_possible_changes_nothing) {
   expect_unchanged({"alter", "t.ovt", "--drop", "D"}, "t.ovt has no column D; its columns are A, B, C, ZONE");
   expect_unchanged({"alter", "t.ovt", "--order", "D"},
                    "t.ovt has no column D; its columns are A, B, C, ZONE");
-  expect_unchanged({"alter", "t.ovt", "--order", "A,A"}, "--order A: the column is named twice");
-  expect_unchanged({"alter", "t.ovt", "--drop", "A", "--order", "A"}, "--order A: the column is dropped");
+  expect_unchanged({"alter", "t.ovt", "--order", "A,A"}, "t.ovt: --order A: the column is named twice");
+  expect_unchanged({"alter", "t.ovt", "--drop", "A", "--order", "A"},
+                   "t.ovt: --order A: the column is dropped");
   expect_unchanged({"alter", "t.ovt", "--drop", "A,B,C"},
                    "t.ovt: no column with values in the rows would be left");
-  expect_unchanged({"alter", "t.ovt", "--add", "A"}, "--add A: there is a column of that name");
+  expect_unchanged({"alter", "t.ovt", "--add", "A"}, "t.ovt: --add A: there is a column of that name");
   expect_unchanged({"alter", "t.ovt", "--add", "N", "--add", "N:4"},
-                   "--add N: there is a column of that name");
+                   "t.ovt: --add N: there is a column of that name");
   expect_unchanged({"alter", "t.ovt", "--add", "ABCDEFGHI"},
-                   "--add ABCDEFGHI: the name is longer than 8 characters");
-  expect_unchanged({"alter", "t.ovt", "--add", "N=x"}, "N: x is not a number; the column holds numbers");
+                   "t.ovt: --add ABCDEFGHI: the name is longer than 8 characters");
+  expect_unchanged({"alter", "t.ovt", "--add", "N=x"},
+                   "t.ovt, column N: x is not a number; the column holds numbers");
   expect_unchanged({"alter", "t.ovt", "--add", "N:6=1234567"},
-                   "N: the text has 7 characters, more than the 6 of the column");
-  expect_unchanged({"alter", "t.ovt", "--add", "N:1024"},
-                   "the table would need 262 words; a double-precision one holds 256 (a number takes one, a "
-                   "text one for every 4 characters)");
+                   "t.ovt, column N: the text has 7 characters, more than the 6 of the column");
+  expect_unchanged(
+      {"alter", "t.ovt", "--add", "N:1024"},
+      "t.ovt: the table would need 262 words; a double-precision one holds 256 (a number takes one, a "
+      "text one for every 4 characters)");
 }
 
 TEST_F(alter_test, wrong_usage_is_told) {

@@ -45,14 +45,16 @@ TEST_F(default_test, rows_keep_what_a_stored_column_has) {
 
 TEST_F(default_test, what_does_not_fit_changes_nothing) {
   make();
-  expect_unchanged({"default", "t.ovt", "NX=five"}, "NX: five is not a number; the column holds numbers");
+  expect_unchanged({"default", "t.ovt", "NX=five"},
+                   "t.ovt, column NX: five is not a number; the column holds numbers");
   expect_unchanged({"default", "t.ovt", "ZONE=northwest"},
-                   "ZONE: the text has 9 characters, more than the 8 of the column");
+                   "t.ovt, column ZONE: the text has 9 characters, more than the 8 of the column");
   expect_unchanged({"default", "t.ovt", "NY=1"}, "t.ovt has no column NY; its columns are A, B, ZONE, NX");
   expect_unchanged({"default", "t.ovt", "zone=1"}, "t.ovt has no column zone; it has ZONE");
   expect_wrong_usage({"default", "t.ovt", "NX"}, "NX: expected COLUMN=VALUE");
   make({"--single"});
-  expect_unchanged({"default", "t.ovt", "NX=1e39"}, "NX: 1e39 is beyond the range of single precision");
+  expect_unchanged({"default", "t.ovt", "NX=1e39"},
+                   "t.ovt, column NX: 1e39 is beyond the range of single precision");
 }
 
 TEST_F(default_test, single_precision_warns_of_lost_digits) {

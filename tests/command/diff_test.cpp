@@ -101,7 +101,9 @@ TEST_F(diff_test, numbers_may_be_near) {
   expect_trouble({"diff", "a.ovt", "b.ovt", "--tolerance", "-1"},
                  "--tolerance -1: expected a number of 0 or more");
   expect_trouble({"diff", "a.ovt", "b.ovt", "--tolerance", "x"},
-                 "--tolerance x: expected a number of 0 or more");
+                 "--tolerance x: expected a number of 0 or more; it is not a number");
+  expect_trouble({"diff", "a.ovt", "b.ovt", "--tolerance", "1e400"},
+                 "--tolerance 1e400: expected a number of 0 or more; it is beyond what a number can hold");
 }
 
 TEST_F(diff_test, definitions_are_compared) {
@@ -138,8 +140,7 @@ TEST_F(diff_test, a_column_of_texts_here_and_numbers_there_is_not_compared) {
   make("a.ovt", "A,B\n1,2\n");
   make("b.ovt", "A,B\n1,x\n");
   EXPECT_EQ(difference(), "--- a.ovt\n+++ b.ovt\n@@ columns @@\n-B number stored absent\n+B text 4 stored\n");
-  expect_trouble({"diff", "a.ovt", "b.ovt", "--key", "B"},
-                 "--key B: numbers in one table, texts in the other");
+  expect_trouble({"diff", "a.ovt", "b.ovt", "--key", "B"}, "--key B: numbers in a.ovt, texts in b.ovt");
 }
 
 TEST_F(diff_test, floats_are_what_they_read_as) {
@@ -155,6 +156,21 @@ TEST_F(diff_test, descriptions_may_be_left_out) {
   run_quietly({"import", "in.csv", "b.ovt", "--description", "e"});
   EXPECT_EQ(difference(), "--- a.ovt\n+++ b.ovt\n@@ description @@\n-d\n+e\n");
   expect_equal({"--ignore-description"});
+}
+
+TEST_F(diff_test, descriptions_are_compared_to_their_last_characters) {
+  const std::string long_one = std::string(60, 'd') + "wxyz";
+  for (std::size_t i = 60; i < 64; ++i) {
+    std::string other = long_one;
+    other[i] = '!';
+    write("in.csv", "A\n1\n");
+    run_quietly({"import", "in.csv", "a.ovt", "--description", long_one});
+    run_quietly({"import", "in.csv", "b.ovt", "--description", other});
+    EXPECT_EQ(difference(), "--- a.ovt\n+++ b.ovt\n@@ description @@\n-" + long_one + "\n+" + other + "\n");
+    expect_equal({"--ignore-description"});
+    run_quietly({"import", "in.csv", "b.ovt", "--description", long_one});
+    expect_equal();
+  }
 }
 
 TEST_F(diff_test, what_goes_wrong_is_no_difference) {

@@ -29,7 +29,13 @@ TEST_F(export_test, columns_can_be_chosen) {
   round_trip("A,B,C\n1,2,3\n4,5,6\n");
   EXPECT_EQ(run_quietly({"export", "t.ovt", "--columns", "C,A"}), "C,A\n3,1\n6,4\n");
   EXPECT_EQ(run_quietly({"export", "--columns", "C,A", "t.ovt"}), "C,A\n3,1\n6,4\n");
-  expect_failure({"export", "t.ovt", "--columns", "A,D"}, "t.ovt has no column D");
+  expect_failure({"export", "t.ovt", "--columns", "A,D"}, "t.ovt has no column D; its columns are A, B, C");
+}
+
+TEST_F(export_test, a_column_that_is_not_there_brings_near_names) {
+  round_trip("AU_PPM,CU\n1,2\n");
+  expect_failure({"export", "t.ovt", "--columns", "CU,au_ppm"}, "t.ovt has no column au_ppm; it has AU_PPM");
+  expect_failure({"stats", "t.ovt", "--columns", "CV"}, "t.ovt has no column CV; it has CU");
 }
 
 TEST_F(export_test, numbers_have_their_shortest_form) {
@@ -79,6 +85,40 @@ TEST_F(export_test, the_table_is_not_replaced_by_its_csv) {
   const std::string before = read("t.ovt");
   expect_wrong_usage({"export", "t.ovt", "./t.ovt"}, "the table and the CSV are one file: ./t.ovt");
   EXPECT_TRUE(read("t.ovt") == before);
+}
+
+TEST_F(export_test, a_links_target_is_not_replaced_by_its_csv) {
+  round_trip("A\n1\n");
+  std::filesystem::rename(folder() / "t.ovt", folder() / "real");
+  write("t.ovt", read("real"));
+  std::string link = read("real");
+  // The description's first word of a double-precision header is word 4; 4 characters to a word.
+  const std::string text = "LINKreal .";
+  for (std::size_t i = 0; i < 64; ++i) link[32 + i / 4 * 8 + i % 4] = i < text.size() ? text[i] : ' ';
+  write("link.ovt", link);
+  const std::string before = read("real");
+  EXPECT_EQ(run_quietly({"export", "link.ovt"}), "A\n1\n");
+  expect_wrong_usage({"export", "link.ovt", "real"}, "the table and the CSV are one file: real");
+  expect_wrong_usage({"export", "link.ovt", "link.ovt"}, "the table and the CSV are one file: link.ovt");
+  EXPECT_TRUE(read("real") == before);
+  EXPECT_TRUE(read("link.ovt") == link);
+}
+
+TEST_F(export_test, a_csv_does_not_get_a_tables_name) {
+  round_trip("A\n1\n");
+  const std::string before = read("t.ovt");
+  write("u.ovt", before);
+  for (const char* name : {"u.ovt", "new.OVT"}) {
+    expect_wrong_usage(
+        {"export", "t.ovt", name},
+        std::string(name) + ": export writes a CSV, and the name is a table's; nothing is written");
+  }
+  expect_wrong_usage({"import", "u.ovt", "v.ovt"},
+                     "u.ovt: import reads a CSV, and the name is a table's; nothing is written");
+  expect_wrong_usage({"import", "in.csv", "out.csv"},
+                     "out.csv: import makes a table, and the name is a CSV's; nothing is written");
+  EXPECT_TRUE(read("u.ovt") == before);
+  EXPECT_EQ(files(), (names{"in.csv", "t.ovt", "u.ovt"}));
 }
 
 }  // namespace

@@ -108,9 +108,10 @@ TEST_F(new_template_test, cells_are_checked) {
   refused({"--template", "grid", "--xinc", "1"}, "--template grid needs --nx");
   refused({"--template", "grid", "--xinc", "0", "--nx", "1"}, "--xinc 0: expected a number above 0");
   refused({"--template", "grid", "--xinc", "-2", "--nx", "1"}, "--xinc -2: expected a number above 0");
-  refused({"--template", "grid", "--xinc", "nan", "--nx", "1"}, "--xinc nan: expected a number");
+  refused({"--template", "grid", "--xinc", "nan", "--nx", "1"},
+          "--xinc nan: expected a number; it is not a number");
   refused({"--template", "grid", "--xinc", "1", "--xorig", "0x10", "--nx", "1"},
-          "--xorig 0x10: expected a number");
+          "--xorig 0x10: expected a number; it is not a number");
   for (const char* wrong : {"0", "-1", "1.5", "2147483648", "many"}) {
     refused({"--template", "grid", "--xinc", "1", "--nx", wrong},
             std::string("--nx ") + wrong + ": expected a whole number from 1 to 2147483647");

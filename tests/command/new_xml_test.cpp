@@ -103,7 +103,8 @@ TEST_F(new_xml_test, a_text_without_a_width_takes_one_word) {
   std::string fields = text("T", "0", "x");
   for (int i = 1; i <= 64; ++i) fields += number("C" + std::to_string(i));
   expect_failure({"new", "t.ovt", "--xml", "-"},
-                 "the table would need 65 words; a single-precision one holds 64 (a number takes one, a text "
+                 "standard input: the table would need 65 words; a single-precision one holds 64 (a number "
+                 "takes one, a text "
                  "one for every 4 characters)",
                  xml(fields, "single"));
 }
@@ -170,7 +171,7 @@ TEST_F(new_xml_test, what_a_table_cannot_have_is_told_by_field) {
                   "s.xml, field A: the default is beyond the range of single precision");
   expect_no_table(
       xml(number("A") + text("T", "256", "x"), "single"),
-      "the table would need 65 words; a single-precision one holds 64 (a number takes one, a text "
+      "s.xml: the table would need 65 words; a single-precision one holds 64 (a number takes one, a text "
       "one for every 4 characters)");
   expect_no_table(xml(number("A"), "single", "LINKx ."),
                   "s.xml, desc: a description that begins with LINK would make the table a link to another "

@@ -44,7 +44,7 @@ class refused_files_test : public ovtest::command_test {
       header += ",C" + std::to_string(i);
       row += ",1";
     }
-    round_trip(header + "\n" + row + "\n");
+    round_trip(header + "\n2" + row.substr(1) + "\n" + row + "\n");
   }
 
   void set_mode(const std::string& name, mode_t mode) const {
@@ -76,7 +76,10 @@ TEST_F(refused_files_test, a_table_that_may_not_be_changed_is_told_in_one_line) 
   set_mode("t.ovt", 0444);
   for (const names& arguments : {names{"rename", "t.ovt", "A", "B"},
                                  {"set", "t.ovt", "A=1", "--all"},
-                                 {"sort", "t.ovt", "--by", "A"}}) {
+                                 {"sort", "t.ovt", "--by", "A"},
+                                 {"alter", "t.ovt", "--add", "B"},
+                                 {"delete-rows", "t.ovt", "--rows", "1"},
+                                 {"truncate", "t.ovt", "--rows", "1"}}) {
     expect_refused(arguments, "cannot write t.ovt: Permission denied");
   }
   EXPECT_EQ(run_as_user({"export", "t.ovt"}).output, "A\n2\n1\n");
@@ -88,6 +91,36 @@ TEST_F(refused_files_test, a_table_that_is_being_written_elsewhere_is_told) {
       {"/usr/bin/flock", "--exclusive", "t.ovt", program(), "info", "t.ovt"}, folder().path());
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.error, "ovfile: cannot open t.ovt: it is open in another program\n");
+}
+
+TEST_F(refused_files_test, a_table_that_is_written_elsewhere_is_not_changed) {
+  round_trip("A\n2\n1\n");
+  write("out.csv", "old");
+  const std::string before = read("t.ovt");
+  const auto expect_held = [&](const char* held, names arguments, const std::string& line) {
+    arguments.insert(arguments.begin(), {"/usr/bin/flock", "--exclusive", held, program()});
+    const ovtest::process_result result = ovtest::run_process(arguments, folder().path());
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.error, "ovfile: " + line + "\n") << arguments[4];
+  };
+  for (const names& arguments : {names{"set", "t.ovt", "A=1", "--all"},
+                                 {"rename", "t.ovt", "A", "B"},
+                                 {"default", "t.ovt", "A=1"},
+                                 {"sort", "t.ovt", "--by", "A"},
+                                 {"alter", "t.ovt", "--add", "B"},
+                                 {"delete-rows", "t.ovt", "--rows", "1"},
+                                 {"truncate", "t.ovt", "--rows", "1"},
+                                 {"sign", "t.ovt"}}) {
+    expect_held("t.ovt", arguments, "cannot open t.ovt: it is open in another program");
+  }
+  expect_held("t.ovt", {"import", "in.csv", "t.ovt"}, "cannot replace t.ovt: it is open in another program");
+  expect_held("t.ovt", {"new", "t.ovt", "--template", "points"},
+              "cannot replace t.ovt: it is open in another program");
+  expect_held("out.csv", {"export", "t.ovt", "out.csv"},
+              "cannot replace out.csv: it is open in another program");
+  EXPECT_TRUE(read("t.ovt") == before);
+  EXPECT_EQ(read("out.csv"), "old");
+  EXPECT_EQ(files(), (names{"in.csv", "out.csv", "t.ovt"}));
 }
 
 TEST_F(refused_files_test, what_is_no_table_stays_so_while_it_is_open_elsewhere) {
@@ -130,6 +163,8 @@ TEST_F(refused_files_test, a_copy_in_a_folder_that_takes_none_says_so) {
   const std::string line = "cannot create t.ovt: Permission denied";
   expect_refused({"add-implicit", "t.ovt", "LAST=7"}, line);
   expect_refused({"alter", "t.ovt", "--drop", "C1"}, line);
+  expect_refused({"sort", "t.ovt", "--by", "C1"}, line);
+  expect_refused({"delete-rows", "t.ovt", "--rows", "1"}, line);
   EXPECT_EQ(run_as_user({"rename", "t.ovt", "C1", "D1"}).status, 0);
   EXPECT_EQ(run_as_user({"rename", "t.ovt", "D1", "C1"}).status, 0);
   set_mode(".", 0755);

@@ -80,6 +80,17 @@ TEST_F(schema_test, a_schema_too_large_for_xml_says_so) {
   EXPECT_EQ(nlohmann::json::parse(run_quietly({"schema", "t.ovt", "--json"}))["fields"].size(), 60u);
 }
 
+TEST_F(schema_test, a_description_has_all_its_characters) {
+  const std::string description = std::string(58, 'd') + "  wxyz";
+  write("in.csv", "A\n");
+  run_quietly({"import", "in.csv", "t.ovt", "--description", description});
+  EXPECT_EQ(nlohmann::json::parse(run_quietly({"schema", "t.ovt", "--json"}))["description"], description);
+  const std::string xml = run_quietly({"schema", "t.ovt", "--xml"});
+  EXPECT_NE(xml.find(" desc=\"" + description + "\">"), xml.npos) << xml;
+  run_quietly({"new", "u.ovt", "--xml", "-"}, xml);
+  EXPECT_EQ(nlohmann::json::parse(run_quietly({"info", "u.ovt", "--json"}))["description"], description);
+}
+
 TEST_F(schema_test, one_form_at_a_time) {
   EXPECT_EQ(run({"schema", "t.ovt", "--xml", "--json"}).status, 2);
   expect_failure({"schema", "none.ovt"}, "none.ovt: File does not exist");

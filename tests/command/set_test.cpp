@@ -63,16 +63,34 @@ TEST_F(set_test, a_value_may_hold_anything_that_fits) {
 TEST_F(set_test, what_does_not_fit_changes_nothing) {
   make();
   expect_unchanged({"set", "t.ovt", "AU=5", "CU=n/a", "--all"},
-                   "CU: n/a is not a number; the column holds numbers");
+                   "t.ovt, column CU: n/a is not a number; the column holds numbers");
   expect_unchanged({"set", "t.ovt", "AU=5", "BHID=12345", "--all"},
-                   "BHID: the text has 5 characters, more than the 4 of the column");
+                   "t.ovt, column BHID: the text has 5 characters, more than the 4 of the column");
   expect_unchanged({"set", "t.ovt", "BHID=\xCE\xB1", "--all"},
-                   "BHID: the value has a character that is not in Windows-1252");
+                   "t.ovt, column BHID: the value has a character that is not in Windows-1252");
   expect_unchanged({"set", "t.ovt", "ZN=5", "--all"}, "t.ovt has no column ZN; its columns are BHID, AU, CU");
   expect_unchanged({"set", "t.ovt", "AU=5", "--where", "ZN > 1"},
                    "t.ovt has no column ZN; its columns are BHID, AU, CU");
   make({"--single"});
-  expect_unchanged({"set", "t.ovt", "AU=1e39", "--all"}, "AU: 1e39 is beyond the range of single precision");
+  expect_unchanged({"set", "t.ovt", "AU=1e39", "--all"},
+                   "t.ovt, column AU: 1e39 is beyond the range of single precision");
+}
+
+TEST_F(set_test, a_number_that_no_table_holds_is_told_as_such) {
+  make();
+  expect_unchanged({"set", "t.ovt", "AU=1e400", "--all"},
+                   "t.ovt, column AU: 1e400 is beyond what a number can hold; the column holds numbers");
+  expect_unchanged({"set", "t.ovt", "AU=-1e400", "--all"},
+                   "t.ovt, column AU: -1e400 is beyond what a number can hold; the column holds numbers");
+  expect_unchanged(
+      {"set", "t.ovt", "AU=12345678901234567", "--all"},
+      "t.ovt, column AU: 12345678901234567 has more digits than a number can hold; the column holds "
+      "numbers");
+}
+
+TEST_F(set_test, one_row_is_one_row) {
+  round_trip("A\n1\n");
+  run_telling({"set", "t.ovt", "A=5", "--all"}, "1 of 1 row set");
 }
 
 TEST_F(set_test, single_precision_warns_of_lost_digits) {

@@ -57,6 +57,16 @@ TEST_F(settings_linux_test, a_mark_that_cannot_be_removed_stops) {
   EXPECT_FALSE(fs::exists(std::getenv("OVFILE_REGISTRY")));
 }
 
+TEST_F(settings_linux_test, a_table_keeps_its_long_names_where_new_ones_are_short) {
+  const ovtest::settings_keeper keeper;
+  EXPECT_EQ(run({"settings", "long-field-names", "on", "--now"}).status, 0);
+  round_trip("A,A_VERY_LONG_NAME,B\n1,2,3\n");
+  EXPECT_EQ(run({"settings", "long-field-names", "off", "--now"}).status, 0);
+  run_quietly({"alter", "t.ovt", "--drop", "A", "--order", "B"});
+  run_quietly({"sort", "t.ovt", "--by", "A_VERY_LONG_NAME"});
+  EXPECT_EQ(run_quietly({"export", "t.ovt"}), "B,A_VERY_LONG_NAME\n3,2\n");
+}
+
 TEST_F(settings_linux_test, settings_that_cannot_be_written_are_told) {
   const ovtest::settings_keeper keeper;
   ovtest::set_environment("OVFILE_REGISTRY", "/dev/null/registry.reg");

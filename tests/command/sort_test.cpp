@@ -37,6 +37,32 @@ TEST_F(sort_test, texts_go_up_or_down) {
   });
 }
 
+TEST_F(sort_test, texts_are_compared_to_their_last_character) {
+  const std::string csv =
+      "A,N\nabcdefghij,1\nabcd,2\nabcdefghi,3\nabcdefghih,4\nabcd,5\n\xE2\x82\xAC,6\n,7\n";
+  EXPECT_EQ(sorted(csv, {"--by", "A"}),
+            "A,N\n,7\nabcd,2\nabcd,5\nabcdefghi,3\nabcdefghih,4\nabcdefghij,1\n\xE2\x82\xAC,6\n");
+}
+
+TEST_F(sort_test, many_different_texts_are_sorted) {
+  std::string csv = "A,N\n";
+  std::string expected = "A,N\n";
+  for (int i = 0; i < 5000; ++i) {
+    csv += "HOLE" + std::to_string(10000 + i * 7 % 5000) + "," + std::to_string(i) + "\n";
+  }
+  std::vector<int> row(5000);
+  for (int i = 0; i < 5000; ++i) row[static_cast<std::size_t>(i * 7 % 5000)] = i;
+  for (int i = 0; i < 5000; ++i) {
+    expected +=
+        "HOLE" + std::to_string(10000 + i) + "," + std::to_string(row[static_cast<std::size_t>(i)]) + "\n";
+  }
+  in_both([&](const names& kind) { EXPECT_EQ(sorted(csv, {"--by", "A"}, kind), expected); });
+}
+
+TEST_F(sort_test, both_zeros_are_equal) {
+  EXPECT_EQ(sorted("A,N\n0,1\n-0,2\n0,3\n-1,4\n", {"--by", "A"}), "A,N\n-1,4\n0,1\n-0,2\n0,3\n");
+}
+
 TEST_F(sort_test, absent_numbers_are_the_smallest_and_blank_texts_first) {
   EXPECT_EQ(sorted("A,B\n1,x\n,y\n-5,z\n", {"--by", "A"}), "A,B\n,y\n-5,z\n1,x\n");
   EXPECT_EQ(sorted("A,B\n1,x\n,y\n-5,z\n", {"--by", "A", "--descending"}), "A,B\n1,x\n-5,z\n,y\n");

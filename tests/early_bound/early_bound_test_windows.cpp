@@ -1,5 +1,5 @@
-// A C++ host that has nothing of ours but the type library: its interfaces come from a header generated
-// from there, its objects from the system.
+// A C++ host that has nothing of ours but the header that is made from the IDL, as the type library is: its
+// interfaces come from there, its objects from the system.
 #include <gtest/gtest.h>
 #include <initguid.h>
 #include <windows.h>
@@ -112,6 +112,31 @@ TEST_F(registered, classes_answer_their_second_interfaces) {
   ASSERT_NE(nullptr, table);
   EXPECT_EQ(E_NOTIMPL, table->Reserved29());
   table->Release();
+}
+
+/// What is put belongs to the table afterwards: a host that goes on using its schema adds a reference.
+template <class Table>
+void put_a_schema(Table& table, IOvSchema& schema) {
+  EXPECT_EQ(2U, schema.AddRef());
+  EXPECT_EQ(S_OK, table.put_Schema(&schema));
+  IOvSchema* held = nullptr;
+  EXPECT_EQ(S_OK, table.get_Schema(&held));
+  EXPECT_EQ(&schema, held);
+  EXPECT_EQ(2U, held->Release());
+  EXPECT_EQ(0U, table.Release()) << "with the one that it had taken over";
+  EXPECT_EQ(S_OK, schema.AddNumericColumn(text(L"V"), 0, 0)) << "alive, by its host's own reference";
+  EXPECT_EQ(0U, schema.Release());
+}
+
+TEST_F(registered, tables_take_over_the_reference_to_a_schema) {
+  auto* schema = make<IOvSchema>(CLSID_OvSchema, IID_IOvSchema);
+  auto* table = make<IOvTable>(CLSID_OvTable, IID_IOvTable);
+  ASSERT_TRUE(schema != nullptr && table != nullptr);
+  put_a_schema(*table, *schema);
+  schema = make<IOvSchema>(CLSID_OvSchema, IID_IOvSchema);
+  auto* records = make<IOvTableADO>(CLSID_OvTableADO, IID_IOvTableADO);
+  ASSERT_TRUE(schema != nullptr && records != nullptr);
+  put_a_schema(*records, *schema);
 }
 
 TEST_F(registered, failures_carry_their_message) {

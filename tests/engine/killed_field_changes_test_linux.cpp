@@ -1,55 +1,30 @@
 // Fields are added and renamed by a process that ends at one call of the file system after the other:
 // whoever opens the table afterwards finds the old one or the new one, whole.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include "changed_fields.h"
+#include "support/killed_process_linux.h"
 
 namespace {
 
-using ovtest::call;
-using ovtest::fate;
 using ovtest::field_change;
-
-constexpr int killed = 77;
-constexpr int finished = 0;
-constexpr int refused = 1;
-
-/// When the process ends.
-enum class moment {
-  before_the_call,
-  in_the_call  ///< after half of its bytes, if it writes
-};
+using ovtest::finished;
+using ovtest::killed;
+using ovtest::moment;
 
 class KilledFieldChanges : public ::testing::TestWithParam<field_change> {
  protected:
   /// Changes the table in a process that ends at call `n`.
   int run(const field_change& work, int n, moment when) {
-    const pid_t child = ::fork();
-    if (child == 0) ::_exit(changed_until(work, n, when));
-    int status = 0;
-    if (child < 0 || ::waitpid(child, &status, 0) != child || !WIFEXITED(status)) return -1;
-    return WEXITSTATUS(status);
-  }
-
-  int changed_until(const field_change& work, int n, moment when) {
-    ovtest::failing_files stopping;
-    const int last = when == moment::before_the_call ? n : n + 1;
-    int calls = 0;
-    stopping.decide = [&](call kind, const ovf::wide&) {
-      if (++calls == last) ::_exit(killed);
-      return calls == n && kind == call::write ? fate::falls_short : fate::works;
-    };
-    try {
+    return ovtest::in_own_process([&] {
+      ovtest::failing_files stopping;
+      ovtest::end_at(stopping, n, when);
       const auto table = files_.reopen();
       table->goToRow(9);
       work.change(*table);
       table->flush();
-      return finished;
-    } catch (...) {
-      return refused;
-    }
+      return true;
+    });
   }
 
   /// The file is the old one or the new one, but for entries that no count includes.

@@ -7,6 +7,7 @@ namespace ovtest {
 namespace {
 
 using ovf::filter::class_object;
+using ovf::filter::may_unload;
 using ovf::filter::module_count;
 
 TEST(filter_object, has_its_interfaces_and_one_identity) {
@@ -107,14 +108,32 @@ TEST(filter_class, keeps_the_module_by_references_and_locks) {
   ASSERT_EQ(S_OK, factory.QueryInterface(IID_IClassFactory, &found));
   EXPECT_EQ(&factory, found);
   EXPECT_EQ(before + 1, module_count());
-  factory.LockServer(1);
-  EXPECT_EQ(before + 2, module_count());
-  factory.LockServer(0);
   EXPECT_EQ(0U, factory.Release());
   EXPECT_EQ(before, module_count());
+  EXPECT_TRUE(may_unload());
+  factory.LockServer(1);
+  EXPECT_FALSE(may_unload());
+  factory.LockServer(0);
+  EXPECT_TRUE(may_unload());
   EXPECT_EQ(E_NOINTERFACE, factory.QueryInterface(IID_IOvFilter, &found));
   EXPECT_EQ(nullptr, found);
   EXPECT_EQ(E_POINTER, factory.QueryInterface(IID_IUnknown, nullptr));
+}
+
+TEST(filter_class, unlocked_once_too_often_hides_no_object) {
+  IClassFactory& factory = class_object();
+  EXPECT_EQ(S_OK, factory.LockServer(0));
+  EXPECT_TRUE(may_unload());
+  auto filter = make_filter();
+  EXPECT_FALSE(may_unload());
+  EXPECT_EQ(S_OK, factory.LockServer(0));
+  EXPECT_FALSE(may_unload());
+  filter = {};
+  EXPECT_TRUE(may_unload());
+  EXPECT_EQ(S_OK, factory.LockServer(1));
+  EXPECT_FALSE(may_unload());
+  EXPECT_EQ(S_OK, factory.LockServer(0));
+  EXPECT_TRUE(may_unload());
 }
 
 }  // namespace

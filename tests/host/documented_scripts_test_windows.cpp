@@ -1,48 +1,18 @@
-// The scripts that the documentation shows, run by the system's own interpreters.
-#include <gtest/gtest.h>
-
-#include <filesystem>
-
+// The scripts that the documentation shows.
+#include "host/script_host_windows.h"
 #include "support/file_bytes.h"
-#include "support/process.h"
-#include "support/scratch_folder.h"
 
 namespace ovtest {
 namespace {
 
-class documented_scripts : public testing::Test {
+class documented_scripts : public script_host {
  protected:
-  static void SetUpTestSuite() { register_modules({}); }
-  static void TearDownTestSuite() { register_modules({"/u"}); }
-
-  static void register_modules(const std::vector<std::string>& options) {
-    for (const char* module : {OVFILE_LIBRARY_PATH, OVFILTER_PATH}) {
-      std::vector<std::string> arguments{"regsvr32.exe", "/s"};
-      arguments.insert(arguments.end(), options.begin(), options.end());
-      arguments.push_back(std::filesystem::path(module).make_preferred().string());
-      EXPECT_EQ(0, run_process(arguments, std::filesystem::temp_directory_path()).status) << module;
-    }
-  }
-
-  static std::filesystem::path source(const char* folder) {
-    return std::filesystem::path(OVFILE_SOURCE_DIR) / folder;
-  }
-
-  /// What a script writes. An interpreter is silent about a script that fails, so one line is added by
-  /// which it shows that it came to its end.
+  /// With a line added by which the script shows that it came to its end.
   std::string run(const std::string& name, const std::string& last, std::vector<std::string> arguments) {
-    bytes script = read_bytes(source("docs") / "examples" / name);
+    bytes script = read_bytes(source("docs/examples") / name);
     script.insert(script.end(), last.begin(), last.end());
-    const auto path = folder_ / name;
-    write_bytes(path, script);
-    arguments.insert(arguments.begin(), {"cscript.exe", "//nologo", path.string()});
-    const process_result result = run_process(arguments, folder_.path());
-    EXPECT_EQ(7, result.status) << name << " did not come to its end";
-    std::string output;
-    for (const char each : result.output) {
-      if (each != '\r') output += each;
-    }
-    return output;
+    write_bytes(folder_ / name, script);
+    return run_script(folder_ / name, std::move(arguments));
   }
   std::string run_basic(const std::string& name, std::vector<std::string> arguments) {
     return run(name, "\r\nWScript.Quit 7\r\n", std::move(arguments));
@@ -50,13 +20,12 @@ class documented_scripts : public testing::Test {
   std::string run_javascript(const std::string& name, std::vector<std::string> arguments) {
     return run(name, "\r\nWScript.Quit(7);\r\n", std::move(arguments));
   }
+
   std::string collars() {
     const auto path = (folder_ / "collars.ovt").make_preferred().string();
     EXPECT_EQ(run_basic("make_table.vbs", {path}), "OvFile.OvTable.1: Error: Invalid number\nmade\n");
     return path;
   }
-
-  scratch_folder folder_;
 };
 
 TEST_F(documented_scripts, make_and_print_a_table) {
@@ -71,6 +40,15 @@ TEST_F(documented_scripts, filter_rows) {
 
 TEST_F(documented_scripts, delete_rows) {
   EXPECT_EQ(run_javascript("delete_rows.js", {collars(), "BHID", "LK001"}), "1 rows left\n");
+}
+
+TEST_F(documented_scripts, fill_a_column_of_a_sheet_without_what_is_absent) {
+  const std::string table = source("samples/assays.ovt").make_preferred().string();
+  const std::string output = run_basic("excel_macro.vbs", {table, "AU"});
+  EXPECT_EQ(output.substr(0, output.find('\n')), "row 1, column 1: 0.004");
+  const std::string last = "\nrow 136, column 1: 0.015\n";
+  ASSERT_LT(last.size(), output.size());
+  EXPECT_EQ(output.substr(output.size() - last.size()), last);
 }
 
 }  // namespace

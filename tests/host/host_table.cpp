@@ -42,15 +42,39 @@ void host_test::TearDown() {
   EXPECT_EQ(S_OK, call_.can_unload_now()) << "after everything was released";
 }
 
-IDispatch* host_test::make_table() {
+IDispatch* host_test::make(REFCLSID id) const {
   void* factory = nullptr;
   void* made = nullptr;
-  EXPECT_EQ(S_OK, call_.get_class_object(CLSID_OvTable, IID_IClassFactory, &factory));
+  EXPECT_EQ(S_OK, call_.get_class_object(id, IID_IClassFactory, &factory));
   if (factory == nullptr) return nullptr;
   auto* classes = static_cast<IClassFactory*>(factory);
-  EXPECT_EQ(S_OK, classes->CreateInstance(nullptr, IID_IOvTable, &made));
+  EXPECT_EQ(S_OK, classes->CreateInstance(nullptr, IID_IDispatch, &made));
   classes->Release();
-  return static_cast<IOvTable*>(made);
+  return static_cast<IDispatch*>(made);
+}
+
+HRESULT host_test::id_of(IDispatch& object, const std::string& name, DISPID* id) {
+  std::basic_string<OLECHAR> units(name.begin(), name.end());
+  LPOLESTR pointer = units.data();
+  return object.GetIDsOfNames(IID_NULL, &pointer, 1, 0, id);
+}
+
+HRESULT host_test::call(IDispatch& object, const std::string& name, WORD flags,
+                        const std::vector<VARIANT>& arguments, VARIANT* result, EXCEPINFO* exception) const {
+  DISPID id = 0;
+  const HRESULT found = id_of(object, name, &id);
+  if (FAILED(found)) return found;
+  std::vector<VARIANT> reversed(arguments.rbegin(), arguments.rend());
+  DISPID put = DISPID_PROPERTYPUT;
+  const bool puts = (flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0;
+  DISPPARAMS given{reversed.data(), puts ? &put : nullptr, static_cast<UINT>(reversed.size()),
+                   puts ? 1U : 0U};
+  EXCEPINFO own{};
+  UINT bad_argument = 0;
+  const HRESULT status = object.Invoke(id, IID_NULL, 0, flags, &given, result,
+                                       exception != nullptr ? exception : &own, &bad_argument);
+  for (const BSTR text : {own.bstrSource, own.bstrDescription, own.bstrHelpFile}) call_.free_text(text);
+  return status;
 }
 
 BSTR host_test::text(const std::string& ascii) const {

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "host/host_load.h"
 #include "support/file_bytes.h"
@@ -28,12 +29,41 @@ struct host_functions {
   decltype(::VariantClear)* clear_variant;
 };
 
+inline VARIANT long_value(LONG value) {
+  VARIANT made{};
+  made.vt = VT_I4;
+  made.lVal = value;
+  return made;
+}
+/// The text stays its owner's.
+inline VARIANT text_value(BSTR value) {
+  VARIANT made{};
+  made.vt = VT_BSTR;
+  made.bstrVal = value;
+  return made;
+}
+/// The reference stays its owner's.
+inline VARIANT object_value(IDispatch* value) {
+  VARIANT made{};
+  made.vt = VT_DISPATCH;
+  made.pdispVal = value;
+  return made;
+}
+
 class host_test : public testing::Test {
  protected:
   void SetUp() override;
   void TearDown() override;
 
-  IDispatch* make_table();
+  /// The object's dispatch interface.
+  IDispatch* make(REFCLSID id) const;
+  IDispatch* make_table() const { return make(CLSID_OvTable); }
+
+  static HRESULT id_of(IDispatch& object, const std::string& name, DISPID* id);
+  /// Calls by name. Arguments stand in their written order, a property's new value last, and stay the
+  /// caller's; so do the texts of `exception`, when there is one.
+  HRESULT call(IDispatch& object, const std::string& name, WORD flags, const std::vector<VARIANT>& arguments,
+               VARIANT* result = nullptr, EXCEPINFO* exception = nullptr) const;
   BSTR text(const std::string& ascii) const;
   std::string take(BSTR text) const;
   /// Takes the thread's error information: its description, and its source behind a bar.

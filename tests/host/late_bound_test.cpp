@@ -1,6 +1,4 @@
 // A host that knows names alone, as a script does.
-#include <vector>
-
 #include "host/host_table.h"
 
 namespace ovtest {
@@ -19,40 +17,8 @@ class late_bound : public host_test {
     host_test::TearDown();
   }
 
-  HRESULT id_of(IDispatch& object, const std::string& name, DISPID* id) const {
-    std::basic_string<OLECHAR> units(name.begin(), name.end());
-    LPOLESTR pointer = units.data();
-    return object.GetIDsOfNames(IID_NULL, &pointer, 1, 0, id);
-  }
-
-  /// Arguments in their written order; they stay the caller's.
-  HRESULT call(IDispatch& object, const std::string& name, WORD flags, std::vector<VARIANT> arguments,
-               VARIANT* result, EXCEPINFO* exception = nullptr) const {
-    DISPID id = 0;
-    const HRESULT found = id_of(object, name, &id);
-    if (FAILED(found)) return found;
-    const std::vector<VARIANT> reversed(arguments.rbegin(), arguments.rend());
-    std::vector<VARIANT> given = reversed;
-    DISPPARAMS parameters{given.data(), nullptr, static_cast<UINT>(given.size()), 0};
-    UINT bad_argument = 0;
-    return object.Invoke(id, IID_NULL, 0, flags, &parameters, result, exception, &bad_argument);
-  }
-
-  static VARIANT long_value(LONG value) {
-    VARIANT made{};
-    made.vt = VT_I4;
-    made.lVal = value;
-    return made;
-  }
-  VARIANT text_value(const std::string& ascii) const {
-    VARIANT made{};
-    made.vt = VT_BSTR;
-    made.bstrVal = text(ascii);
-    return made;
-  }
-
   HRESULT open(const std::string& path, EXCEPINFO* exception = nullptr) {
-    VARIANT name = text_value(path);
+    VARIANT name = text_value(text(path));
     const HRESULT status = call(*table_, "Open", DISPATCH_METHOD, {name, long_value(1)}, nullptr, exception);
     call_.clear_variant(&name);
     return status;
@@ -87,13 +53,13 @@ TEST_F(late_bound, hosts_walk_a_table) {
 
 TEST_F(late_bound, arguments_are_changed_to_what_the_method_takes) {
   ASSERT_EQ(S_OK, open(path_.string()));
-  VARIANT column = text_value("1");
+  VARIANT column = text_value(text("1"));
   VARIANT value{};
   EXPECT_EQ(S_OK, call(*table_, "GetColumnAsDouble", DISPATCH_METHOD, {column}, &value));
   EXPECT_EQ(1.5, value.dblVal);
   call_.clear_variant(&column);
 
-  VARIANT word = text_value("first");
+  VARIANT word = text_value(text("first"));
   EXPECT_EQ(DISP_E_TYPEMISMATCH, call(*table_, "GetColumnAsDouble", DISPATCH_METHOD, {word}, &value));
   call_.clear_variant(&word);
   EXPECT_EQ(DISP_E_BADPARAMCOUNT, call(*table_, "GetColumnAsDouble", DISPATCH_METHOD, {}, &value));

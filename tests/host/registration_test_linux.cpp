@@ -1,6 +1,11 @@
 // What registering writes into the registry's file, and what unregistering leaves of it: the whole file
 // before, between and after.
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <sstream>
@@ -64,13 +69,37 @@ class registration : public host_test {
   /// With the empty line that parted them from what has gone.
   static std::string left_categories() { return categories() + "\n"; }
 
+  static std::string classes() {
+    return entries("OvTable", table) + entries("OvSchema", schema) + entries("OvTableADO", records);
+  }
+
   static std::string everything() {
-    const std::string table = "{3A9F6E21-C48B-4D07-B25E-91C7A3D0F468}";
-    const std::string schema = "{5C1E0A37-7D42-4E91-A3B6-2F8D64C09E15}";
-    const std::string records = "{E2086A4D-57B3-4C19-9F7E-3B51C8D06A24}";
-    return entries("OvTable", table) + entries("OvSchema", schema) + entries("OvTableADO", records) +
-           categories() + "\n" + implemented(schema) + "\n" + implemented(table) + "\n" +
+    return classes() + categories() + "\n" + implemented(schema) + "\n" + implemented(table) + "\n" +
            implemented(records);
+  }
+
+  /// What registering answers in a process that may write files of `bytes` at most.
+  HRESULT registered_within(std::size_t bytes) const {
+    int answer[2];
+    EXPECT_EQ(0, pipe(answer));
+    const pid_t child = fork();
+    if (child == 0) {
+      const rlimit limit{bytes, bytes};
+      HRESULT status = E_UNEXPECTED;
+      // Without the signal, the write itself fails.
+      if (signal(SIGXFSZ, SIG_IGN) != SIG_ERR && setrlimit(RLIMIT_FSIZE, &limit) == 0) {
+        status = call("DllRegisterServer");
+      }
+      _exit(write(answer[1], &status, sizeof status) == sizeof status ? 0 : 1);
+    }
+    close(answer[1]);
+    HRESULT status = S_FALSE;
+    EXPECT_EQ(static_cast<ssize_t>(sizeof status), read(answer[0], &status, sizeof status));
+    close(answer[0]);
+    int ended = 0;
+    EXPECT_EQ(child, waitpid(child, &ended, 0));
+    EXPECT_EQ(0, ended);
+    return status;
   }
 
   static std::vector<std::string> sorted_lines(const std::string& text) {
@@ -83,6 +112,9 @@ class registration : public host_test {
     return lines;
   }
 
+  static constexpr const char* table = "{3A9F6E21-C48B-4D07-B25E-91C7A3D0F468}";
+  static constexpr const char* schema = "{5C1E0A37-7D42-4E91-A3B6-2F8D64C09E15}";
+  static constexpr const char* records = "{E2086A4D-57B3-4C19-9F7E-3B51C8D06A24}";
   std::filesystem::path file_ = std::getenv("OVFILE_REGISTRY");
 };
 
@@ -138,8 +170,33 @@ TEST_F(registration, keeps_a_name_below_which_another_wrote) {
 
 TEST_F(registration, that_cannot_be_written_fails) {
   std::filesystem::create_directory(file_);
-  EXPECT_GT(0, call("DllRegisterServer"));
-  EXPECT_GT(0, call("DllUnregisterServer"));
+  EXPECT_EQ(E_FAIL, call("DllRegisterServer"));
+  EXPECT_EQ(E_FAIL, call("DllUnregisterServer"));
+}
+
+TEST_F(registration, of_classes_without_room_enters_nothing) {
+  EXPECT_EQ(E_FAIL, registered_within(classes().size() - 2));
+  EXPECT_EQ("", content());
+  EXPECT_FALSE(std::filesystem::exists(file_.string() + ".new"));
+}
+
+TEST_F(registration, without_room_for_the_categories_leaves_the_classes) {
+  EXPECT_EQ(SELFREG_E_CLASS, registered_within(classes().size()));
+  EXPECT_EQ(classes(), content() + "\n");
+}
+
+TEST_F(registration, without_room_for_what_classes_implement_leaves_the_classes_and_categories) {
+  EXPECT_EQ(SELFREG_E_CLASS, registered_within(everything().size() - 1));
+  EXPECT_EQ(classes() + categories(), content());
+}
+
+TEST_F(registration, leaves_the_key_of_all_classes) {
+  const std::string key = "[HKEY_CLASSES_ROOT\\CLSID]\n@=\"all classes\"\n";
+  write_bytes(file_, bytes(key.begin(), key.end()));
+  ASSERT_EQ(S_OK, call("DllRegisterServer"));
+  EXPECT_EQ(key + "\n" + everything(), content());
+  ASSERT_EQ(S_OK, call("DllUnregisterServer"));
+  EXPECT_EQ(key + "\n" + left_categories(), content());
 }
 
 /// Creates by name, through the runtime that the library brings along.

@@ -188,5 +188,65 @@ TEST_F(registration, keeps_a_name_below_which_another_wrote) {
   EXPECT_EQ(ERROR_SUCCESS, RegDeleteTreeW(HKEY_CLASSES_ROOT, L"OvFile.OvTable"));
 }
 
+/// Stands for the root of all classes while it lives. A key that is gone with the session takes none below
+/// it that stays.
+class classes_elsewhere {
+ public:
+  explicit classes_elsewhere(DWORD options) {
+    EXPECT_EQ(ERROR_SUCCESS, RegCreateKeyExW(HKEY_CURRENT_USER, path, 0, nullptr, options, KEY_ALL_ACCESS,
+                                             nullptr, &root_, nullptr));
+    EXPECT_EQ(ERROR_SUCCESS, RegOverridePredefKey(HKEY_CLASSES_ROOT, root_));
+  }
+  classes_elsewhere(const classes_elsewhere&) = delete;
+  classes_elsewhere& operator=(const classes_elsewhere&) = delete;
+  ~classes_elsewhere() {
+    EXPECT_EQ(ERROR_SUCCESS, RegOverridePredefKey(HKEY_CLASSES_ROOT, nullptr));
+    RegCloseKey(root_);
+    EXPECT_EQ(ERROR_SUCCESS, RegDeleteTreeW(HKEY_CURRENT_USER, path));
+  }
+
+  void make_passing(const wchar_t* name) const {
+    HKEY made = nullptr;
+    EXPECT_EQ(ERROR_SUCCESS, RegCreateKeyExW(root_, name, 0, nullptr, REG_OPTION_VOLATILE, KEY_ALL_ACCESS,
+                                             nullptr, &made, nullptr));
+    RegCloseKey(made);
+  }
+  bool has(const std::string& name) const {
+    HKEY found = nullptr;
+    const bool there = RegOpenKeyExW(root_, std::wstring(name.begin(), name.end()).c_str(), 0, KEY_READ,
+                                     &found) == ERROR_SUCCESS;
+    if (there) RegCloseKey(found);
+    return there;
+  }
+
+ private:
+  static constexpr const wchar_t* path = L"Software\\ovfile-test-classes";
+  HKEY root_ = nullptr;
+};
+
+constexpr HRESULT child_must_be_volatile = static_cast<HRESULT>(0x800703FDU);
+constexpr HRESULT classes_without_categories = static_cast<HRESULT>(0x80040201U);
+
+TEST_F(registration, that_cannot_be_written_fails) {
+  const classes_elsewhere root(REG_OPTION_VOLATILE);
+  EXPECT_EQ(child_must_be_volatile, call("DllRegisterServer"));
+  EXPECT_FALSE(root.has("OvFile.OvTable.1"));
+}
+
+TEST_F(registration, without_the_categories_leaves_the_classes) {
+  const classes_elsewhere root(REG_OPTION_NON_VOLATILE);
+  root.make_passing(L"Component Categories");
+  EXPECT_EQ(classes_without_categories, call("DllRegisterServer"));
+  for (const std::string& id : {table_id, schema_id, records_id}) {
+    EXPECT_TRUE(root.has("CLSID\\" + id + "\\InprocServer32")) << id;
+    EXPECT_FALSE(root.has("CLSID\\" + id + "\\Implemented Categories")) << id;
+  }
+  EXPECT_TRUE(root.has("TypeLib\\" + library_id));
+  EXPECT_FALSE(root.has("Component Categories\\" + scriptable));
+  EXPECT_EQ(S_OK, call("DllUnregisterServer"));
+  EXPECT_TRUE(root.has("CLSID"));
+  EXPECT_FALSE(root.has("CLSID\\" + table_id));
+}
+
 }  // namespace
 }  // namespace ovtest

@@ -1,48 +1,18 @@
-// Hosts that nobody here wrote: the system's own script interpreters, after the modules were registered
-// by the system's own tool. A script tells by its status that it came to its end, and by its last line
+// Hosts that nobody here wrote: a script tells by its status that it came to its end, and by its last line
 // how much it has checked.
-#include <gtest/gtest.h>
-
-#include <filesystem>
-
+#include "host/script_host_windows.h"
 #include "support/file_bytes.h"
-#include "support/process.h"
-#include "support/scratch_folder.h"
 
 namespace ovtest {
 namespace {
 
-class scripts : public testing::Test {
+class scripts : public script_host {
  protected:
-  static void SetUpTestSuite() {
-    register_server(OVFILE_LIBRARY_PATH, {});
-    register_server(OVFILTER_PATH, {});
-  }
-  static void TearDownTestSuite() {
-    register_server(OVFILTER_PATH, {"/u"});
-    register_server(OVFILE_LIBRARY_PATH, {"/u"});
-  }
-
-  static void register_server(const std::string& module, const std::vector<std::string>& options) {
-    std::vector<std::string> arguments{"regsvr32.exe", "/s"};
-    arguments.insert(arguments.end(), options.begin(), options.end());
-    arguments.push_back(std::filesystem::path(module).make_preferred().string());
-    EXPECT_EQ(0, run_process(arguments, std::filesystem::temp_directory_path()).status) << module;
-  }
-
-  /// What the script writes, without line ends at its end.
-  std::string run(const std::string& script) {
-    const auto path =
-        (std::filesystem::path(OVFILE_SOURCE_DIR) / "tests" / "scripts" / script).make_preferred();
-    const process_result result =
-        run_process({"cscript.exe", "//nologo", path.string(), folder_.path().string()}, folder_.path());
-    EXPECT_EQ(7, result.status) << script << " did not come to its end";
-    std::string output = result.output;
-    while (!output.empty() && (output.back() == '\n' || output.back() == '\r')) output.pop_back();
+  std::string run(const char* script) const {
+    std::string output = run_script(source("tests/scripts") / script, {folder_.path().string()});
+    while (!output.empty() && output.back() == '\n') output.pop_back();
     return output;
   }
-
-  scratch_folder folder_;
 };
 
 TEST_F(scripts, in_basic_import_a_csv) {

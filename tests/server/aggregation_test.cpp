@@ -12,10 +12,10 @@ namespace ovtest {
 namespace {
 
 /// Everything that the library knows of its classes; what a class lacks it must say.
-const IID all_interfaces[] = {IID_IUnknown,         IID_IDispatch,           IID_ISupportErrorInfo,
-                              IID_IOvTable,         IID_IZuCommonDataTable,  IID_IOvTableMaintenance,
-                              IID_IOvSchema,        IID_IZuCommonDataSchema, IID_IOvTableADO,
-                              IID_IProvideClassInfo};
+const IID all_interfaces[] = {IID_IUnknown,          IID_IDispatch,           IID_ISupportErrorInfo,
+                              IID_IOvTable,          IID_IZuCommonDataTable,  IID_IOvTableMaintenance,
+                              IID_IOvSchema,         IID_IZuCommonDataSchema, IID_IOvTableADO,
+                              IID_IProvideClassInfo, IID_IOvProgressSource};
 
 ovfile::pointer<IUnknown> ask(IUnknown& object, REFIID iid) {
   ovfile::pointer<IUnknown> answer;
@@ -176,6 +176,9 @@ TEST_P(objects, answer_their_own_interfaces_and_no_others) {
   EXPECT_EQ(expected({CLSID_OvTable}), static_cast<bool>(ask(*object.get(), IID_IZuCommonDataTable)));
   EXPECT_EQ(expected({CLSID_OvTable, CLSID_OvTableADO}),
             static_cast<bool>(ask(*object.get(), IID_IOvTableMaintenance)));
+  EXPECT_EQ(expected({CLSID_OvTable, CLSID_OvTableADO}),
+            static_cast<bool>(ask(*object.get(), IID_IOvProgressSource)));
+  EXPECT_FALSE(ask(*object.get(), IID_IOvProgress));
   EXPECT_EQ(expected({CLSID_OvSchema}), static_cast<bool>(ask(*object.get(), IID_IOvSchema)));
   EXPECT_EQ(expected({CLSID_OvSchema}), static_cast<bool>(ask(*object.get(), IID_IZuCommonDataSchema)));
   EXPECT_EQ(expected({CLSID_OvTableADO}), static_cast<bool>(ask(*object.get(), IID_IOvTableADO)));

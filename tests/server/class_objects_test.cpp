@@ -59,6 +59,22 @@ TEST_P(class_objects, lock_the_module) {
   EXPECT_EQ(S_OK, DllCanUnloadNow());
 }
 
+TEST_P(class_objects, unlocked_once_too_often_hide_no_object) {
+  EXPECT_EQ(S_OK, class_object_of(GetParam())->LockServer(0));
+  EXPECT_EQ(S_OK, DllCanUnloadNow());
+  void* made = nullptr;
+  ASSERT_EQ(S_OK, class_object_of(GetParam())->CreateInstance(nullptr, IID_IUnknown, &made));
+  EXPECT_EQ(S_FALSE, DllCanUnloadNow());
+  EXPECT_EQ(S_OK, class_object_of(GetParam())->LockServer(0));
+  EXPECT_EQ(S_FALSE, DllCanUnloadNow());
+  static_cast<IUnknown*>(made)->Release();
+  EXPECT_EQ(S_OK, DllCanUnloadNow());
+  EXPECT_EQ(S_OK, class_object_of(GetParam())->LockServer(1));
+  EXPECT_EQ(S_FALSE, DllCanUnloadNow()) << "a lock counts, whatever was unlocked before";
+  EXPECT_EQ(S_OK, class_object_of(GetParam())->LockServer(0));
+  EXPECT_EQ(S_OK, DllCanUnloadNow());
+}
+
 TEST_P(class_objects, live_objects_keep_the_module) {
   void* made = nullptr;
   ASSERT_EQ(S_OK, class_object_of(GetParam())->CreateInstance(nullptr, IID_IUnknown, &made));

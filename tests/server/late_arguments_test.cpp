@@ -127,6 +127,18 @@ TEST_F(late_arguments, are_none_of_them_optional) {
   EXPECT_EQ("", last());
 }
 
+TEST_F(late_arguments, of_a_property_put_need_not_be_named) {
+  constexpr DISPID name_property = 8;
+  constexpr DISPID filter_string = 30;
+  const bstr text("AU > 1");
+  EXPECT_EQ(S_OK, invoke(table_.dispatch(), name_property, DISPATCH_PROPERTYPUT, {of_text(text)}).status);
+  EXPECT_EQ("put_Name(\"AU > 1\")", last());
+  EXPECT_EQ(
+      S_OK,
+      invoke(table_.dispatch(), filter_string, DISPATCH_PROPERTYPUT, {of_text(text), of_long(2)}).status);
+  EXPECT_EQ("put_FilterString(2, \"AU > 1\")", last()) << "the new value stands behind the others";
+}
+
 TEST_F(late_arguments, may_be_named) {
   const bstr name("a.ovt");
   EXPECT_EQ(S_OK, method(open, {of_text(name), of_long(1)}, {0, 1}).status);

@@ -7,6 +7,8 @@ namespace ovtest {
 
 class recording_schema final : public ovf::component_class<recording_schema, IOvSchema>, public recorder {
  public:
+  static constexpr CLSID class_id = CLSID_OvSchema;
+
   HRESULT STDMETHODCALLTYPE get_TypeHint(OvFileType* pVal) override { return called("get_TypeHint", pVal); }
   HRESULT STDMETHODCALLTYPE GetFieldDefault(LONG lIndex, VARIANT* pVal) override {
     return called("GetFieldDefault", lIndex, pVal);

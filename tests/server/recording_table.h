@@ -7,6 +7,8 @@ namespace ovtest {
 
 class recording_table final : public ovf::component_class<recording_table, IOvTable>, public recorder {
  public:
+  static constexpr CLSID class_id = CLSID_OvTable;
+
   HRESULT STDMETHODCALLTYPE GetColumnAsDouble(LONG lIndex, double* pVal) override {
     return called("GetColumnAsDouble", lIndex, pVal);
   }

@@ -8,6 +8,8 @@ namespace ovtest {
 class recording_table_ado final : public ovf::component_class<recording_table_ado, IOvTableADO>,
                                   public recorder {
  public:
+  static constexpr CLSID class_id = CLSID_OvTableADO;
+
   HRESULT STDMETHODCALLTYPE get_Schema(IOvSchema** pVal) override { return called("get_Schema", pVal); }
   HRESULT STDMETHODCALLTYPE put_Schema(IOvSchema* newVal) override { return called("put_Schema", newVal); }
   HRESULT STDMETHODCALLTYPE get_Name(BSTR* pVal) override { return called("get_Name", pVal); }

@@ -8,6 +8,8 @@ namespace ovtest {
 class recording_zu_schema final : public ovf::component_class<recording_zu_schema, IZuCommonDataSchema>,
                                   public recorder {
  public:
+  static constexpr CLSID class_id = CLSID_OvSchema;
+
   HRESULT STDMETHODCALLTYPE get_TypeHint(OvFileType* pVal) override { return called("get_TypeHint", pVal); }
   HRESULT STDMETHODCALLTYPE Reserved1() override { return called("Reserved1"); }
   HRESULT STDMETHODCALLTYPE Reserved2() override { return called("Reserved2"); }

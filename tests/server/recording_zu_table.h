@@ -8,6 +8,8 @@ namespace ovtest {
 class recording_zu_table final : public ovf::component_class<recording_zu_table, IZuCommonDataTable>,
                                  public recorder {
  public:
+  static constexpr CLSID class_id = CLSID_OvTable;
+
   HRESULT STDMETHODCALLTYPE Reserved1() override { return called("Reserved1"); }
   HRESULT STDMETHODCALLTYPE Reserved2() override { return called("Reserved2"); }
   HRESULT STDMETHODCALLTYPE GetColumnAsDouble(LONG lIndex, double* pVal) override {

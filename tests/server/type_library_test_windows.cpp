@@ -227,6 +227,20 @@ TEST(type_library, has_the_classes_with_their_interfaces) {
   }
 }
 
+TEST(type_library, warns_of_what_only_a_call_by_name_makes_harmless) {
+  const std::string put = "A put takes over the caller's reference, unless it is made by name";
+  const std::string merge = "Throws a C++ exception when it is refused, unless it is called by name";
+  const std::tuple<IID, MEMBERID, std::string> expected[] = {
+      {IID_IOvTable, 7, put}, {IID_IOvTableADO, 1, put}, {IID_IOvSchema, 37, merge}};
+  for (const auto& [id, member, help] : expected) {
+    ovfile::pointer<ITypeInfo> info;
+    bstr text;
+    ASSERT_EQ(S_OK, own_library()->GetTypeInfoOfGuid(id, info.out()));
+    EXPECT_EQ(S_OK, info->GetDocumentation(member, nullptr, text.out(), nullptr, nullptr));
+    EXPECT_EQ(help, text.utf8());
+  }
+}
+
 TEST(type_library, has_the_dummy_class) {
   const CLSID dummy{0xB7D30C58, 0x2E19, 0x46AF, {0x8D, 0x4B, 0x0A, 0x6F, 0x53, 0xE1, 0x2C, 0x97}};
   ovfile::pointer<ITypeInfo> info;
@@ -236,6 +250,10 @@ TEST(type_library, has_the_dummy_class) {
   EXPECT_EQ(S_OK, info->GetDocumentation(MEMBERID_NIL, name.out(), text.out(), nullptr, nullptr));
   EXPECT_EQ("X_DummyClassOvFileLib", name.utf8());
   EXPECT_EQ("Dummy class to prevent TlbImp optimizing interfaces into classes.", text.utf8());
+  TYPEATTR* attributes = nullptr;
+  ASSERT_EQ(S_OK, info->GetTypeAttr(&attributes));
+  EXPECT_EQ(TYPEFLAG_FHIDDEN, attributes->wTypeFlags) << "nobody is offered it, and nobody can make one";
+  info->ReleaseTypeAttr(attributes);
   void* found = &info;
   EXPECT_EQ(CLASS_E_CLASSNOTAVAILABLE, DllGetClassObject(dummy, IID_IClassFactory, &found));
 }

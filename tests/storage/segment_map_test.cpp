@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "storage/file_error.h"
 #include "support/failing_files.h"
 #include "support/file_bytes.h"
 #include "support/scratch_folder.h"
@@ -66,6 +67,37 @@ TEST_F(SegmentMap, LoadingTheCurrentSegmentReadsNothingAndOnlyWidensTheExtent) {
   map.load(1, whole, 200, 0);
   EXPECT_EQ(map.extent(), 300U);
   EXPECT_EQ(files_.count(call::read), reads);
+}
+
+TEST_F(SegmentMap, AnEmptySegmentIsNotReadAndTheOneBeforeIsWritten) {
+  const auto target = open();
+  ovf::fileSegmentMap<page> map(target.get(), true);
+  map.load(1, whole, page, 0);
+  map.data()[5] = std::byte{'!'};
+  map.mark_changed();
+  const int reads = files_.count(call::read);
+  map.begin_empty(2, page, 0);
+  EXPECT_EQ(files_.count(call::read), reads);
+  EXPECT_EQ(content()[page + 5], '!');
+  EXPECT_TRUE(map.valid());
+  EXPECT_FALSE(map.dirty());
+  EXPECT_FALSE(map.ends_early());
+  EXPECT_EQ(map.segment(), 2U);
+  EXPECT_EQ(map.extent(), page);
+  for (std::size_t i = 0; i < page; ++i) ASSERT_EQ(map.data()[i], std::byte{0}) << i;
+}
+
+TEST_F(SegmentMap, ASegmentThatCannotBeWrittenStaysWhenAnEmptyOneIsWanted) {
+  const auto target = open();
+  ovf::fileSegmentMap<page> map(target.get(), true);
+  map.load(1, whole, page, 0);
+  map.data()[5] = std::byte{'!'};
+  map.mark_changed();
+  files_.fail_nth(call::write, 1);
+  EXPECT_THROW(map.begin_empty(2, page, 0), ovf::file_error);
+  EXPECT_EQ(map.segment(), 1U);
+  EXPECT_TRUE(map.dirty());
+  EXPECT_EQ(map.data()[5], std::byte{'!'});
 }
 
 TEST_F(SegmentMap, AMapWithoutAFileIgnoresLoadAndFlush) {

@@ -53,6 +53,8 @@ class forgetful_files final : public ovf::file_system {
     disk_->last = nth;
   }
   bool has_stopped() const noexcept { return disk_->stopped; }
+  /// So many attempts to make a copy fail from now on.
+  int copies_refused = 0;
 
   /// What whoever starts the machine again finds under a name.
   bytes found(const ovf::wide& given, loss what) const {
@@ -64,6 +66,10 @@ class forgetful_files final : public ovf::file_system {
   }
 
   std::unique_ptr<ovf::file> open(ovf::wide_view name, ovf::open_mode mode) noexcept override {
+    if (mode == ovf::open_mode::make_copy && copies_refused > 0) {
+      --copies_refused;
+      return nullptr;
+    }
     const bool changes = mode != ovf::open_mode::read && mode != ovf::open_mode::edit;
     if ((changes && !disk_->goes_on()) || disk_->stopped) return nullptr;
     auto real = ovf::system_files().open(name, mode);

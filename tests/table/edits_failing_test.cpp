@@ -57,7 +57,7 @@ TEST_P(FailingEdits, EveryCallThatFailsLeavesTheOldTableOrTheNewOne) {
                    ": " + report);
       if (status == S_OK) {
         EXPECT_TRUE(content() == new_);
-      } else if (report == GetParam().not_reopened) {
+      } else if (begins(report, GetParam().not_reopened)) {
         // The new table is there, the object has none.
         EXPECT_EQ(status, E_FAIL);
         EXPECT_TRUE(content() == new_);
@@ -141,7 +141,10 @@ TEST_P(FailingEdits, ATableThatCannotBeOpenedAgainHasItsWords) {
     placed = placed || kind == call::replace;
     return placed && kind == call::open ? fate::fails : fate::works;
   };
-  EXPECT_REPORT(run(), GetParam().not_reopened);
+  SetErrorInfo(0, nullptr);
+  EXPECT_EQ(run(), E_FAIL);
+  const std::string report = ovtest::reported();
+  EXPECT_TRUE(begins(report, GetParam().not_reopened)) << report;
   failing.fail_nothing();
   EXPECT_TRUE(content() == new_);
   EXPECT_EQ(open(), S_OK);

@@ -2,9 +2,8 @@
 // whoever opens the table afterwards finds the old one or the new one, byte for byte.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
+#include "support/killed_process_linux.h"
 #include "table_edits_list.h"
 
 namespace {
@@ -12,51 +11,31 @@ namespace {
 using ovtest::call;
 using ovtest::EditedTable;
 using ovtest::fate;
+using ovtest::finished;
+using ovtest::killed;
+using ovtest::moment;
 
-constexpr int killed = 77;
-constexpr int finished = 0;
-constexpr int refused = 1;
-
-/// When the process ends.
-enum class moment {
-  before_the_call,
-  in_the_call  ///< after half of its bytes, if it writes
-};
+using decision = std::function<fate(call, const ovf::wide&)>;
 
 class KilledEdits : public EditedTable {
  protected:
-  int run_until(int n, moment when) {
-    const pid_t child = ::fork();
-    if (child == 0) ::_exit(edit_until(n, when));
-    int status = 0;
-    if (child < 0 || ::waitpid(child, &status, 0) != child || !WIFEXITED(status)) return -1;
-    return WEXITSTATUS(status);
+  int run_until(int n, moment when, const decision& otherwise) {
+    return ovtest::in_own_process([&] {
+      ovtest::failing_files stopping;
+      open_anew();
+      ovtest::end_at(stopping, n, when, otherwise);
+      return run() == S_OK;
+    });
   }
 
-  int edit_until(int n, moment when) {
-    ovtest::failing_files stopping;
-    open_anew();
-    const int last = when == moment::before_the_call ? n : n + 1;
-    int calls = 0;
-    stopping.decide = [&](call kind, const ovf::wide&) {
-      if (++calls == last) ::_exit(killed);
-      return calls == n && kind == call::write ? fate::falls_short : fate::works;
-    };
-    return run() == S_OK ? finished : refused;
-  }
-};
-
-INSTANTIATE_TEST_SUITE_P(Edits, KilledEdits, ::testing::ValuesIn(ovtest::table_edits()),
-                         [](const auto& each) { return each.param.name; });
-
-TEST_P(KilledEdits, WhoeverOpensTheTableAfterwardsFindsItWhole) {
-  for (const moment when : {moment::before_the_call, moment::in_the_call}) {
+  /// Ends the edit at each of its calls in turn.
+  void expect_whole_whenever_it_ends(moment when, const decision& otherwise) {
     int status = killed;
     bool was_old = false;
     bool was_new = false;
     for (int n = 1; status == killed; ++n) {
       ASSERT_LT(n, 1000);
-      status = run_until(n, when);
+      status = run_until(n, when, otherwise);
       ASSERT_TRUE(status == killed || status == finished) << status;
       SCOPED_TRACE("stopped at call " + std::to_string(n));
       const ovtest::bytes found = content();
@@ -70,6 +49,29 @@ TEST_P(KilledEdits, WhoeverOpensTheTableAfterwardsFindsItWhole) {
     EXPECT_TRUE(was_new);
     EXPECT_TRUE(content() == new_);
   }
+};
+
+INSTANTIATE_TEST_SUITE_P(Edits, KilledEdits, ::testing::ValuesIn(ovtest::table_edits()),
+                         [](const auto& each) { return each.param.name; });
+
+TEST_P(KilledEdits, WhoeverOpensTheTableAfterwardsFindsItWhole) {
+  expect_whole_whenever_it_ends(moment::before_the_call, {});
+  expect_whole_whenever_it_ends(moment::in_the_call, {});
+}
+
+/// The same where the copy is made in the folder for temporary files and then brought beside the table.
+TEST_P(KilledEdits, ACopyThatComesFromElsewhereNeverReplacesTheTableByHalf) {
+  const decision not_beside_at_first = [left = 1](call kind, const ovf::wide& name) mutable {
+    const bool copy = kind == call::open && name.find(OLESTR("NEW")) != ovf::wide::npos;
+    return copy && left-- > 0 ? fate::fails : fate::works;
+  };
+  expect_whole_whenever_it_ends(moment::before_the_call, not_beside_at_first);
+  bool was_elsewhere = false;
+  for (const std::string& name : left_behind()) {
+    was_elsewhere = was_elsewhere || name.starts_with("temp/.NEW");
+  }
+  EXPECT_TRUE(was_elsewhere);
+  expect_whole_whenever_it_ends(moment::in_the_call, not_beside_at_first);
 }
 
 TEST_P(KilledEdits, AFolderWithoutWritePermissionRefusesAndLeavesNothing) {

@@ -30,6 +30,11 @@ class Rebuild : public EditsHost, public ::testing::WithParamInterface<bool> {
     made->put_Description(words("anew").get());
     return made;
   }
+  /// The words for a file that a failing disk does not open.
+  static std::string not_opened(const std::string& table) {
+    return "cannot open file " + table + " (" +
+           ovf::utf8_from_wide(ovf::system_message(ovtest::failing_code)) + ")";
+  }
   ovfile::pointer<IOvSchema> schema_with_depth_and_name() {
     auto made = schema(GetParam());
     made->AddNumericColumn(words("DEPTH").get(), 0, 0);
@@ -128,7 +133,8 @@ TEST_P(Rebuild, ColumnsAndRowsInAnyOrder) {
     {
       const auto from = ovf::open_table(ovtest::wide_path(path()), true);
       const auto to = ovf::open_table(ovtest::wide_path(path("copy.ovt")), false);
-      ovf::copy_cells(*from, *to, origins, row_numbers, memory);
+      ovf::work_progress nobody;
+      ovf::copy_cells(*from, *to, {origins}, row_numbers, nobody, memory);
       to->flush();
     }
     ASSERT_EQ(open(1, "copy.ovt"), S_OK);
@@ -223,6 +229,113 @@ TEST_P(Rebuild, ATableInUseElsewhereIsNamedWithTheSystemsWords) {
                                        ovf::utf8_from_wide(ovtest::wide_path(path())) + ": " +
                                        ovf::utf8_from_wide(ovf::system_message(ovtest::failing_code)));
   EXPECT_EQ(numbers(2), (std::vector<double>{1, 2, 3}));
+}
+
+TEST_P(Rebuild, ANewTableThatCannotBeOpenedIsNamedWithTheReason) {
+  open_rows(3);
+  ovtest::failing_files disk;
+  bool placed = false;
+  disk.decide = [&](ovtest::call kind, const ovf::wide&) {
+    placed = placed || kind == ovtest::call::replace;
+    return placed && kind == ovtest::call::open ? ovtest::fate::fails : ovtest::fate::works;
+  };
+  const std::string table = ovf::utf8_from_wide(ovtest::wide_path(path()));
+  EXPECT_REPORT(rebuild_rows({1}),
+                "Rebuild failed, the new table " + table + " cannot be opened: " + not_opened(table));
+}
+
+TEST_P(Rebuild, BothReasonsAreToldWhereTheOldTableCannotBeOpenedEither) {
+  open_rows(3);
+  const bytes before = content();
+  ovtest::failing_files disk;
+  bool refused = false;
+  disk.decide = [&](ovtest::call kind, const ovf::wide&) {
+    refused = refused || kind == ovtest::call::replace;
+    return refused && (kind == ovtest::call::replace || kind == ovtest::call::open) ? ovtest::fate::fails
+                                                                                    : ovtest::fate::works;
+  };
+  const std::string table = ovf::utf8_from_wide(ovtest::wide_path(path()));
+  EXPECT_REPORT(rebuild_rows({1}), "Rebuild failed, the copy cannot replace " + table + ": " +
+                                       ovf::utf8_from_wide(ovf::system_message(ovtest::failing_code)) +
+                                       "; the table cannot be opened again: " + not_opened(table));
+  disk.fail_nothing();
+  EXPECT_EQ(content(), before);
+  EXPECT_EQ(left_behind(), std::set<std::string>{"table.ovt"});
+  ASSERT_EQ(open(), S_OK);
+  EXPECT_EQ(rebuild_rows({1}), S_OK);
+}
+
+TEST_P(Rebuild, ATableThatIsGoneWhenItIsOpenedAgainIsToldSo) {
+  open_rows(3);
+  ovtest::failing_files disk;
+  disk.decide = [&](ovtest::call kind, const ovf::wide& name) {
+    if (kind == ovtest::call::sync && !std::filesystem::is_regular_file(name))
+      std::filesystem::remove(path());
+    return ovtest::fate::works;
+  };
+  EXPECT_REPORT(rebuild_rows({1}), "Rebuild failed, the new table " +
+                                       ovf::utf8_from_wide(ovtest::wide_path(path())) +
+                                       " cannot be opened: there is no such file");
+}
+
+TEST_P(Rebuild, ATextLongerThanItsNewColumnIsRefused) {
+  open_rows(4);
+  ASSERT_EQ(table_->GetRowAt(3), S_OK);
+  ASSERT_EQ(table_->SetColumnString(1, words("HOLE7").get()), S_OK);
+  ASSERT_EQ(table_->FlushChanges(), S_OK);
+  const bytes before = content();
+  auto wanted = schema(GetParam());
+  wanted->AddNumericColumn(words("DEPTH").get(), 0, 0);
+  wanted->AddStringColumn(words("BHID").get(), 4, nullptr, 0);
+  EXPECT_REPORT(rebuild(wanted, nullptr, nullptr),
+                "Rebuild failed, row 3, column 1: the text is longer than 4 characters");
+  // The same where rows are out of their order.
+  const std::vector<LONG> chosen{4, 3, 1};
+  EXPECT_REPORT(rebuild(wanted, nullptr, &chosen),
+                "Rebuild failed, row 3, column 1: the text is longer than 4 characters");
+  EXPECT_EQ(content(), before);
+  EXPECT_EQ(row(), 3);
+  EXPECT_EQ(left_behind(), std::set<std::string>{"table.ovt"});
+  // Rows that are left out lose nothing.
+  const std::vector<LONG> others{4, 1};
+  EXPECT_EQ(rebuild(wanted, nullptr, &others), S_OK);
+  EXPECT_EQ(texts(2), (std::vector<std::string>{"none", "none"}));
+}
+
+TEST_P(Rebuild, TrailingBlanksAreNoLoss) {
+  open_rows(1);
+  ASSERT_EQ(table_->SetColumnString(1, words("DH-1   ").get()), S_OK);
+  auto wanted = schema(GetParam());
+  wanted->AddStringColumn(words("BHID").get(), 4, nullptr, 0);
+  EXPECT_EQ(rebuild(wanted, nullptr, nullptr), S_OK);
+  EXPECT_EQ(texts(1), std::vector<std::string>{"DH-1"});
+}
+
+TEST_P(Rebuild, ANumberThatATextColumnCannotHoldIsRefused) {
+  open_rows(2);
+  ASSERT_EQ(table_->GetRowAt(2), S_OK);
+  ASSERT_EQ(table_->SetColumnDouble(2, -1234.5), S_OK);
+  ASSERT_EQ(table_->FlushChanges(), S_OK);
+  const bytes before = content();
+  auto wanted = schema(GetParam());
+  wanted->AddStringColumn(words("DEPTH").get(), 4, nullptr, 0);
+  EXPECT_REPORT(rebuild(wanted, nullptr, nullptr),
+                "Rebuild failed, row 2, column 2: the text is longer than 4 characters");
+  EXPECT_EQ(content(), before);
+  wanted = schema(GetParam());
+  wanted->AddStringColumn(words("DEPTH").get(), 8, nullptr, 0);
+  EXPECT_EQ(rebuild(wanted, nullptr, nullptr), S_OK);
+  EXPECT_EQ(texts(1), (std::vector<std::string>{"1       ", "-1234.5 "}));
+}
+
+/// Its hosts have always had such texts cut.
+TEST_P(Rebuild, RepairCutsInstead) {
+  open_rows(2);
+  ASSERT_EQ(table_->SetColumnString(1, words("HOLE7").get()), S_OK);
+  auto wanted = schema(GetParam());
+  wanted->AddStringColumn(words("BHID").get(), 4, nullptr, 0);
+  EXPECT_EQ(table_->Repair(wanted.get()), S_OK);
+  EXPECT_EQ(texts(1), std::vector<std::string>{"HOLE"});
 }
 
 TEST_P(Rebuild, TheRecordSetDoesTheSame) {

@@ -243,7 +243,8 @@ TEST_F(SortedBytes, LittleMemoryGivesTheSameFile) {
     {
       const auto from = ovf::open_table(ovtest::wide_path(path()), true);
       const auto to = ovf::open_table(ovtest::wide_path(path("copy.ovt")), false);
-      ovf::copy_rows(*from, *to, shuffled, memory);
+      ovf::work_progress nobody;
+      ovf::copy_rows(*from, *to, shuffled, nobody, memory);
       to->flush();
     }
     EXPECT_TRUE(content("copy.ovt") == content("model.ovt"));

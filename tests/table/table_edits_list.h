@@ -15,7 +15,7 @@ struct table_edit {
   std::function<HRESULT(IOvTable*, IOvTableADO*)> run;
   std::string no_copy;       ///< the words when no copy can be made, or their beginning
   std::string not_replaced;  ///< the same when the copy is refused its place
-  std::string not_reopened;
+  std::string not_reopened;  ///< the same
 };
 
 inline std::ostream& operator<<(std::ostream& out, const table_edit& edit) { return out << edit.name; }
@@ -53,7 +53,7 @@ inline std::vector<table_edit> table_edits() {
        "Error: DeleteRow failed. Could not delete file: ", "Error: DeleteRow failed, new table invalid."},
       {"Rebuild", false, [](IOvTable* table, IOvTableADO*) { return rebuild_backwards(table); },
        "Rebuild failed, no copy of the table can be made: ", "Rebuild failed, the copy cannot replace ",
-       "Rebuild failed, the new table cannot be opened"},
+       "Rebuild failed, the new table "},
   };
 }
 

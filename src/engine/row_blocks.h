@@ -1,0 +1,63 @@
+// Blocks of rows: records as the file has them, many pages in one read or write, beside the cursor and
+// without a step for each row.
+//
+// Rows that are appended in blocks stand behind the counted ones, and count all at once when they are
+// committed: whoever gives up leaves the table as it was.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+namespace ovf {
+
+/// Is given records that stand one behind the other, numbers in the file's byte order.
+using record_reader = std::function<void(const std::byte* records, std::size_t rows)>;
+
+/// Is given new records with the fields' defaults, to put values in.
+using record_writer = std::function<void(std::byte* records, std::size_t rows)>;
+
+/// Bytes that are read or written at a time.
+inline constexpr std::size_t block_bytes = std::size_t{1} << 18;
+
+/// Room for one block, made when it is first needed and kept from one call to the next.
+class block_buffer {
+ public:
+  std::byte* data() {
+    if (bytes_.empty()) bytes_.resize(block_bytes);
+    return bytes_.data();
+  }
+
+ private:
+  std::vector<std::byte> bytes_;
+};
+
+/// Which state of which table: another one as soon as anything in the table was changed.
+struct table_version {
+  std::uint64_t table = 0;
+  std::uint64_t changes = 0;
+
+  bool operator==(const table_version&) const = default;
+};
+
+/// A number that no other open table of this process has had.
+std::uint64_t new_table_number() noexcept;
+
+/// Rows that were put behind a table's end and do not count yet.
+struct added_rows {
+  std::uint64_t rows = 0;
+  std::vector<std::byte> pages;  ///< not written yet; the last of them is being filled
+  std::uint64_t first_page = 0;  ///< where they belong in the file
+  std::size_t whole_pages = 0;   ///< of them
+  std::size_t records = 0;       ///< on the page that is being filled
+
+  // What is needed to take everything back.
+  bool are_written = false;           ///< some of the pages are in the file
+  std::uint64_t file_bytes = 0;       ///< the file's size before
+  std::uint64_t kept_page = 0;        ///< the page that had room for more
+  std::vector<std::byte> kept_bytes;  ///< its bytes; none when no page had room
+  std::vector<std::byte> record;      ///< one record of defaults
+};
+
+}  // namespace ovf

@@ -1,0 +1,69 @@
+#include "stream/table_stream.h"
+#include "table/ov_table.h"
+
+namespace ovf {
+namespace {
+
+constexpr wide_view append_read_only = OLESTR("Append failed, file is open in read-only mode");
+constexpr wide_view no_stream = OLESTR("Append failed, the stream was released before");
+
+}  // namespace
+
+/// A stream's hold on the object.
+class COvTable::stream_owner final : public table_owner {
+ public:
+  explicit stream_owner(COvTable& object) : object_(object), reference_(static_cast<IOvTable*>(&object)) {}
+  table* opened() const noexcept override {
+    return object_.core_.is_open() ? &object_.core_.opened() : nullptr;
+  }
+
+ private:
+  COvTable& object_;
+  ovfile::pointer<IOvTable> reference_;
+};
+
+HRESULT COvTable::Read(const OvStreamRequest* pRequest, ArrowArrayStream* pStream) {
+  if (pStream == nullptr) return E_POINTER;
+  *pStream = {};
+  if (pRequest == nullptr) return E_POINTER;
+  return guard(*this, [&]() -> HRESULT {
+    try {
+      read_table(std::make_unique<stream_owner>(*this), plan_of(*pRequest, core_.opened()), *pStream);
+      return S_OK;
+    } catch (const bad_request& refused) {
+      return ReportError(class_id, refused.message(), 0, nullptr, interface_id, E_INVALIDARG);
+    }
+  });
+}
+
+HRESULT COvTable::Append(ArrowArrayStream* pStream, LONG* pRows) {
+  if (pRows != nullptr) *pRows = 0;
+  if (pStream == nullptr) return E_POINTER;
+  if (pStream->release == nullptr) {
+    return ReportError(class_id, no_stream, 0, nullptr, interface_id, E_INVALIDARG);
+  }
+  // Released whatever becomes of its rows.
+  ovfile::arrow_stream from(*pStream);
+  if (pRows == nullptr) return E_POINTER;
+  return guard(*this, [&]() -> HRESULT {
+    if (core_.is_read_only()) return report(*this, append_read_only);
+    (void)core_.opened();
+    *pRows = append_rows(*from.get());
+    return S_OK;
+  });
+}
+
+LONG COvTable::append_rows(ArrowArrayStream& from) {
+  // A host's code runs in between, and may let go of the object.
+  const stream_owner owner(*this);
+  column_ranges widened = ranges_;
+  number_listener listener;
+  if (ranges_.are_known()) {
+    listener = [&widened](LONG column, double value) { widened.take(column, value); };
+  }
+  const std::uint64_t rows = append_to_table(owner, from, listener);
+  if (listener) ranges_ = std::move(widened);
+  return static_cast<LONG>(rows);
+}
+
+}  // namespace ovf

@@ -1,0 +1,186 @@
+// Who may do what with a file that a command puts in another's place.
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "command/command_test.h"
+
+namespace {
+
+using names = std::vector<std::string>;
+
+class file_rights_test : public ovtest::command_test {
+ protected:
+  file_rights_test() { round_trip("A,B\n1,x\n2,y\n"); }
+
+  static std::string program() {
+    const char* const set = std::getenv("OVFILE_COMMAND");
+    return set != nullptr ? set : OVFILE_COMMAND_PATH;
+  }
+
+  std::string path(const std::string& name) const { return (folder() / name).string(); }
+
+  struct stat facts(const std::string& name) const {
+    struct stat facts {};
+    EXPECT_EQ(::stat(path(name).c_str(), &facts), 0);
+    return facts;
+  }
+  unsigned mode(const std::string& name) const { return facts(name).st_mode & 07777; }
+  void set_mode(const std::string& name, mode_t mode) const {
+    ASSERT_EQ(::chmod(path(name).c_str(), mode), 0);
+  }
+
+  /// False where the file system has no such attributes.
+  bool set_attribute(const std::string& name, const char* attribute, const std::string& value) const {
+    const int done = ::setxattr(path(name).c_str(), attribute, value.data(), value.size(), 0);
+    EXPECT_TRUE(done == 0 || errno == ENOTSUP);
+    return done == 0;
+  }
+  std::string attribute(const std::string& name, const char* attribute) const {
+    char value[256];
+    const ssize_t size = ::getxattr(path(name).c_str(), attribute, value, sizeof value);
+    return size < 0 ? "none" : std::string(value, static_cast<std::size_t>(size));
+  }
+
+  /// The owner reads and writes, user 1234 reads, nobody else does anything.
+  static std::string access_list() {
+    using namespace std::string_literals;
+    return "\x02\0\0\0"
+           "\x01\0\x06\0\xFF\xFF\xFF\xFF"
+           "\x02\0\x04\0\xD2\x04\0\0"
+           "\x04\0\0\0\xFF\xFF\xFF\xFF"
+           "\x10\0\x04\0\xFF\xFF\xFF\xFF"
+           "\x20\0\0\0\xFF\xFF\xFF\xFF"s;
+  }
+};
+
+constexpr const char* list_of_file = "system.posix_acl_access";
+constexpr const char* list_of_folder = "system.posix_acl_default";
+
+TEST_F(file_rights_test, a_new_file_has_the_rights_of_new_files) {
+  const mode_t old = ::umask(027);
+  run_quietly({"export", "t.ovt", "out.csv"});
+  run_quietly({"import", "in.csv", "u.ovt"});
+  ::umask(old);
+  EXPECT_EQ(mode("out.csv"), 0640u);
+  EXPECT_EQ(mode("u.ovt"), 0640u);
+}
+
+TEST_F(file_rights_test, a_replaced_file_keeps_its_permissions) {
+  for (const mode_t wanted : {0600, 0640, 0666, 0444}) {
+    write("out.csv", "old");
+    set_mode("out.csv", wanted);
+    set_mode("t.ovt", wanted);
+    run_quietly({"import", "in.csv", "t.ovt"});
+    run_quietly({"export", "t.ovt", "out.csv"});
+    EXPECT_EQ(mode("out.csv"), wanted);
+    EXPECT_EQ(mode("t.ovt"), wanted);
+    EXPECT_EQ(read("out.csv"), "A,B\n1,x\n2,y\n");
+    set_mode("out.csv", 0600);
+  }
+}
+
+TEST_F(file_rights_test, nobody_else_reads_what_takes_a_files_place_while_it_is_written) {
+  std::string csv = "A,B\n";
+  for (int i = 0; i < 100000; ++i) csv += std::to_string(i) + ",secret\n";
+  round_trip(csv);
+  write("out.csv", "old");
+  set_mode("out.csv", 0600);
+  bool seen = false;
+  for (int attempt = 0; attempt < 20 && !seen; ++attempt) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+      if (::chdir(folder().path().c_str()) != 0) ::_exit(127);
+      ::execl(program().c_str(), "ovfile", "export", "t.ovt", "out.csv", static_cast<char*>(nullptr));
+      ::_exit(127);
+    }
+    int status = 0;
+    while (::waitpid(child, &status, WNOHANG) == 0) {
+      struct stat facts {};
+      const std::string name = ".NEW" + std::to_string(child) + "-0";
+      if (::stat(path(name).c_str(), &facts) != 0) continue;
+      seen = true;
+      EXPECT_EQ(facts.st_mode & 07777, 0600u);
+    }
+    EXPECT_EQ(status, 0);
+  }
+  EXPECT_TRUE(seen);
+}
+
+TEST_F(file_rights_test, owner_and_group_stay) {
+  if (::geteuid() != 0) GTEST_SKIP() << "only the superuser gives files away";
+  write("out.csv", "old");
+  set_mode("out.csv", 0640);
+  ASSERT_EQ(::chown(path("out.csv").c_str(), 1234, 2345), 0);
+  ASSERT_EQ(::chown(path("t.ovt").c_str(), 1234, 2345), 0);
+  run_quietly({"import", "in.csv", "t.ovt"});
+  run_quietly({"export", "t.ovt", "out.csv"});
+  for (const char* name : {"out.csv", "t.ovt"}) {
+    EXPECT_EQ(facts(name).st_uid, 1234u);
+    EXPECT_EQ(facts(name).st_gid, 2345u);
+  }
+  EXPECT_EQ(mode("out.csv"), 0640u);
+}
+
+TEST_F(file_rights_test, another_group_gets_no_rights) {
+  if (::geteuid() != 0) GTEST_SKIP() << "only the superuser becomes another user";
+  const names as_user = {"/usr/bin/setpriv", "--reuid=1234", "--regid=1234", "--clear-groups"};
+  const auto run_as_user = [&](const names& arguments) {
+    names all = as_user;
+    all.insert(all.end(), arguments.begin(), arguments.end());
+    return ovtest::run_process(all, folder().path());
+  };
+  if (run_as_user({"/usr/bin/env", "true"}).status != 0) GTEST_SKIP() << "no other user can be become";
+  set_mode(".", 0777);
+  write("out.csv", "old");
+  ASSERT_EQ(::chown(path("out.csv").c_str(), 0, 2345), 0);
+  set_mode("out.csv", 04664);
+  const ovtest::process_result result = run_as_user({program(), "export", "t.ovt", "out.csv"});
+  EXPECT_EQ(result.error, "");
+  EXPECT_EQ(facts("out.csv").st_uid, 1234u);
+  EXPECT_EQ(facts("out.csv").st_gid, 1234u);
+  EXPECT_EQ(mode("out.csv"), 0600u);
+  // Where the group stays, so do the rights; no program runs with another owner's.
+  write("out.csv", "old");
+  ASSERT_EQ(::chown(path("out.csv").c_str(), 0, 1234), 0);
+  set_mode("out.csv", 04664);
+  EXPECT_EQ(run_as_user({program(), "export", "t.ovt", "out.csv"}).error, "");
+  EXPECT_EQ(facts("out.csv").st_uid, 1234u);
+  EXPECT_EQ(mode("out.csv"), 0664u);
+}
+
+TEST_F(file_rights_test, what_users_noted_stays) {
+  write("out.csv", "old");
+  if (!set_attribute("out.csv", "user.note", "checked") || !set_attribute("t.ovt", "user.note", "by hand")) {
+    GTEST_SKIP() << "this file system has no users' attributes";
+  }
+  run_quietly({"export", "t.ovt", "out.csv"});
+  run_quietly({"import", "in.csv", "t.ovt"});
+  EXPECT_EQ(attribute("out.csv", "user.note"), "checked");
+  EXPECT_EQ(attribute("t.ovt", "user.note"), "by hand");
+}
+
+TEST_F(file_rights_test, an_access_list_stays) {
+  write("out.csv", "old");
+  if (!set_attribute("out.csv", list_of_file, access_list())) GTEST_SKIP() << "there are no access lists";
+  EXPECT_EQ(mode("out.csv"), 0640u) << "as the list shows";
+  run_quietly({"export", "t.ovt", "out.csv"});
+  EXPECT_EQ(attribute("out.csv", list_of_file), access_list());
+  EXPECT_EQ(mode("out.csv"), 0640u);
+}
+
+TEST_F(file_rights_test, a_folders_list_does_not_come_over_a_file_without_one) {
+  write("out.csv", "old");
+  set_mode("out.csv", 0660);
+  if (!set_attribute(".", list_of_folder, access_list())) GTEST_SKIP() << "there are no access lists";
+  run_quietly({"export", "t.ovt", "out.csv"});
+  EXPECT_EQ(attribute("out.csv", list_of_file), "none");
+  EXPECT_EQ(mode("out.csv"), 0660u);
+  run_quietly({"export", "t.ovt", "new.csv"});
+  EXPECT_NE(attribute("new.csv", list_of_file), "none") << "a new file has what its folder gives";
+}
+
+}  // namespace

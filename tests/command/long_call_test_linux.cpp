@@ -1,0 +1,163 @@
+// Long calls of the library: they show how far they have come, and a signal ends them.
+#include <pty.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+
+#include "command/edit_fixture.h"
+
+namespace {
+
+using ovtest::names;
+
+class long_call_test : public ovtest::edit_test {
+ protected:
+  static std::string program() {
+    const char* const set = std::getenv("OVFILE_COMMAND");
+    return set != nullptr ? set : OVFILE_COMMAND_PATH;
+  }
+
+  void make_long_table() const {
+    std::string csv = "A,B\n";
+    for (int i = 0; i < 200000; ++i)
+      csv += std::to_string(200000 - i) + ".5,text " + std::to_string(i) + "\n";
+    write("in.csv", csv);
+    run_quietly({"import", "in.csv", "t.ovt"});
+  }
+
+  /// Starts the program in the folder and does not wait for it.
+  pid_t start(names arguments) const {
+    arguments.insert(arguments.begin(), "ovfile");
+    std::vector<char*> values;
+    for (std::string& argument : arguments) values.push_back(argument.data());
+    values.push_back(nullptr);
+    const std::string path = program();
+    const pid_t child = ::fork();
+    if (child != 0) return child;
+    if (::chdir(folder().path().c_str()) != 0 || ::freopen("/dev/null", "w", stderr) == nullptr) ::_exit(127);
+    ::execv(path.c_str(), values.data());
+    ::_exit(127);
+  }
+
+  bool copy_is_there() const {
+    const names there = files();
+    return std::any_of(there.begin(), there.end(), [](const auto& name) { return name.starts_with(".NEW"); });
+  }
+
+  /// Sends the signal as soon as the new table is being written. Returns what waitpid tells of the end.
+  int stop_while_writing(const names& arguments, int signal) const {
+    const pid_t child = start(arguments);
+    int status = 0;
+    while (::waitpid(child, &status, WNOHANG) == 0) {
+      if (!copy_is_there()) continue;
+      ::kill(child, signal);
+      ::waitpid(child, &status, 0);
+      return status;
+    }
+    return status;
+  }
+
+  /// What a shell script writes to a terminal; $OVFILE is the program.
+  std::string on_terminal(const std::string& script, int& status) const {
+    ovtest::set_environment("OVFILE", program());
+    int terminal = -1;
+    const pid_t child = ::forkpty(&terminal, nullptr, nullptr, nullptr);
+    if (child == 0) {
+      if (::chdir(folder().path().c_str()) != 0) ::_exit(127);
+      ::execl("/bin/sh", "sh", "-c", script.c_str(), static_cast<char*>(nullptr));
+      ::_exit(127);
+    }
+    std::string seen;
+    char bytes[4096];
+    for (ssize_t done = 0; (done = ::read(terminal, bytes, sizeof bytes)) > 0;) {
+      seen.append(bytes, static_cast<std::size_t>(done));
+    }
+    ::close(terminal);
+    ::waitpid(child, &status, 0);
+    return seen;
+  }
+
+  /// What the program shows on a terminal when it is held up for more than a second in the middle of its
+  /// work, over which its bar appears. It may be done before it is held up, so this takes some attempts.
+  std::string seen_when_held_up(const std::string& arguments, const std::string& bar) const {
+    std::string seen;
+    for (int attempt = 0; attempt < 8 && seen.find(bar) == seen.npos; ++attempt) {
+      std::filesystem::copy_file(folder() / "old.ovt", folder() / "t.ovt",
+                                 std::filesystem::copy_options::overwrite_existing);
+      const std::string script = "\"$OVFILE\" " + arguments +
+                                 " >/dev/null & sleep 0.04; kill -STOP $!; sleep 1.1; kill -CONT $!; wait $!";
+      int status = -1;
+      seen = on_terminal(script, status);
+      EXPECT_EQ(status, 0);
+    }
+    return seen;
+  }
+};
+
+struct stopped_work {
+  names arguments;
+  int signal;
+};
+
+const std::vector<stopped_work> rebuilding = {{{"sort", "t.ovt", "--by", "A"}, SIGINT},
+                                              {{"sort", "t.ovt", "--by", "A"}, SIGTERM},
+                                              {{"alter", "t.ovt", "--drop", "B"}, SIGTERM},
+                                              {{"alter", "t.ovt", "--drop", "B"}, SIGHUP},
+                                              {{"delete-rows", "t.ovt", "--rows", "5-10000"}, SIGINT}};
+
+TEST_F(long_call_test, a_signal_while_a_table_is_written_anew_leaves_the_old_one) {
+  make_long_table();
+  const std::string before = read("t.ovt");
+  for (const stopped_work& work : rebuilding) {
+    SCOPED_TRACE(work.arguments.front() + " and signal " + std::to_string(work.signal));
+    bool stopped = false;
+    // The signal may come when the new table stands there already.
+    for (int attempt = 0; attempt < 20 && !stopped; ++attempt) {
+      write("t.ovt", before);
+      const int status = stop_while_writing(work.arguments, work.signal);
+      EXPECT_EQ(files(), (names{"in.csv", "t.ovt"}));
+      stopped = WIFSIGNALED(status);
+      if (!stopped) continue;
+      EXPECT_EQ(WTERMSIG(status), work.signal);
+      EXPECT_TRUE(read("t.ovt") == before);
+    }
+    EXPECT_TRUE(stopped);
+  }
+}
+
+TEST_F(long_call_test, a_signal_ends_a_signature) {
+  make_long_table();
+  const std::string before = read("t.ovt");
+  for (const int signal : {SIGINT, SIGTERM}) {
+    const pid_t child = start({"sign", "t.ovt"});
+    ::usleep(30000);
+    ::kill(child, signal);
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == signal) << status;
+    EXPECT_TRUE(read("t.ovt") == before);
+  }
+}
+
+TEST_F(long_call_test, a_terminal_sees_how_far_a_new_table_has_come) {
+  make_long_table();
+  std::filesystem::copy_file(folder() / "t.ovt", folder() / "old.ovt");
+  for (const char* arguments :
+       {"alter t.ovt --drop B", "sort t.ovt --by A", "delete-rows t.ovt --rows 1,3"}) {
+    const std::string seen = seen_when_held_up(arguments, "\rwriting [");
+    EXPECT_NE(seen.find("\rwriting ["), seen.npos) << arguments << ": " << seen;
+    EXPECT_NE(seen.find("\r\x1B[K"), seen.npos) << arguments << ": " << seen;
+  }
+}
+
+TEST_F(long_call_test, a_terminal_sees_how_far_a_signature_has_come) {
+  make_long_table();
+  std::filesystem::copy_file(folder() / "t.ovt", folder() / "old.ovt");
+  const std::string seen = seen_when_held_up("sign t.ovt", "\rsigning [");
+  EXPECT_NE(seen.find("\rsigning ["), seen.npos) << seen;
+  EXPECT_EQ(seen.substr(seen.size() - 4), "\r\x1B[K") << "wiped away";
+}
+
+}  // namespace

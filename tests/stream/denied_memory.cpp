@@ -1,0 +1,1 @@
+#include "support/denied_allocator.h"
