@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 
 #include "console.h"
 #include "words.h"
@@ -9,10 +10,21 @@
 namespace command {
 namespace {
 
-constexpr auto patience = std::chrono::milliseconds(1000);
+using std::chrono::milliseconds;
+
+/// How long a bar waits before it shows: $OVFILE_PROGRESS in seconds, else one.
+milliseconds patience() {
+  constexpr double day = 86400;
+  const char* const set = std::getenv("OVFILE_PROGRESS");
+  char* end = nullptr;
+  const double seconds = set == nullptr ? 1 : std::strtod(set, &end);
+  const bool is_number = end != set && seconds >= 0 && seconds <= day;
+  return milliseconds(is_number ? static_cast<long long>(seconds * 1000) : 1000);
+}
+
 /// The work of a command is all that it does, in however many parts.
 const auto start = std::chrono::steady_clock::now();
-constexpr auto between_looks = std::chrono::milliseconds(100);
+constexpr auto between_looks = milliseconds(100);
 constexpr std::size_t bar_width = 30;
 
 }  // namespace
@@ -20,7 +32,7 @@ constexpr std::size_t bar_width = 30;
 progress::progress(std::string title, bool wanted)
     : title_(std::move(title)),
       shown_(wanted && is_terminal(standard_stream::error)),
-      next_(start + patience) {}
+      next_(start + patience()) {}
 
 progress::~progress() {
   if (drawn_) std::fputs("\r\x1B[K", stderr);

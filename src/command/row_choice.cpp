@@ -60,17 +60,20 @@ row_choice rows_that_pass(table_view& view, const std::optional<std::string>& co
 }
 
 row_choice listed_rows(const table_view& view, const std::string& list) {
-  row_choice rows(view.rows());
+  std::vector<row_range> ranges;  // a mistake anywhere in the list is told before a row that is not there
   std::size_t begin = 0;
   while (begin <= list.size()) {
     const std::size_t end = std::min(list.find(',', begin), list.size());
-    const row_range range = range_in(std::string_view(list).substr(begin, end - begin), list);
+    ranges.push_back(range_in(std::string_view(list).substr(begin, end - begin), list));
+    begin = end + 1;
+  }
+  row_choice rows(view.rows());
+  for (const row_range& range : ranges) {
     if (range.last > view.rows()) {
       const LONG missing = std::max(range.first, view.rows() + 1);
       throw failure(fmt::format("{} has no row {}; it has {}", view.file(), missing, view.rows()));
     }
     for (LONG row = range.first; row <= range.last; ++row) rows.choose(row);
-    begin = end + 1;
   }
   return rows;
 }

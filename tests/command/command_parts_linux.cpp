@@ -1,2 +1,3 @@
 #include "../../src/command/console_linux.cpp"
+#include "../../src/command/file_rights_linux.cpp"
 #include "../../src/command/raw_file_linux.cpp"

@@ -35,7 +35,7 @@ TEST_F(export_test, columns_can_be_chosen) {
 TEST_F(export_test, a_column_that_is_not_there_brings_near_names) {
   round_trip("AU_PPM,CU\n1,2\n");
   expect_failure({"export", "t.ovt", "--columns", "CU,au_ppm"}, "t.ovt has no column au_ppm; it has AU_PPM");
-  expect_failure({"stats", "t.ovt", "--columns", "CV"}, "t.ovt has no column CV; it has CU");
+  expect_failure({"stats", "t.ovt", "--columns", "CV"}, "t.ovt has no column CV; its columns are AU_PPM, CU");
 }
 
 TEST_F(export_test, numbers_have_their_shortest_form) {

@@ -40,7 +40,7 @@ TEST_F(stats_test, rows_and_columns_can_be_chosen) {
             "text  values  blank  distinct  most frequent\n"
             "B          2      0         2  x 1, y 1\n");
   EXPECT_EQ(stats({"--columns", "C", "--where", "A >= 2"})["columns"][0]["mean"], 6.5);
-  expect_failure({"stats", "t.ovt", "--columns", "D"}, "t.ovt has no column D");
+  expect_failure({"stats", "t.ovt", "--columns", "D"}, "t.ovt has no column D; its columns are A, B, C");
   expect_failure({"stats", "t.ovt", "--where", "D > 1"}, "t.ovt has no column D; its columns are A, B, C");
 }
 
@@ -72,7 +72,7 @@ TEST_F(stats_test, as_json) {
 TEST_F(stats_test, columns_without_values_have_no_figures) {
   round_trip("A,B\n\"\",\n");
   EXPECT_EQ(run_quietly({"stats", "t.ovt", "--columns", "A"}),
-            "1 of 1 rows\n"
+            "1 of 1 row\n"
             "\n"
             "number  values  absent  trace  special  min  max  mean  deviation  histogram\n"
             "A            0       1      0        0\n");
