@@ -48,9 +48,9 @@ struct OvStreamRequest {
 struct IOvTableStream : IUnknown {
   /// Makes a stream of the open table's rows as they are now, in `pStream`, which the caller releases. It
   /// reads through the table's own handle and keeps the object alive, but not the file open: once the
-  /// table was closed or changed in any way, the next batch is an error with a text. Batches that were
-  /// handed out live on by themselves. The cursor does not move. E_INVALIDARG with a report for a request
-  /// that cannot be met.
+  /// table was closed or changed in any way, the next batch is an error with a text (EINVAL; what cannot
+  /// be read is EIO, and may be tried again; ENOMEM). Batches that were handed out live on by themselves. The
+  /// cursor does not move. E_INVALIDARG with a report for a request that cannot be met.
   OVFILE_METHOD Read(const OvStreamRequest* pRequest, struct ArrowArrayStream* pStream) = 0;
 
   /// Appends the rows of a stream of structures; `pRows` is how many they were. The stream is the

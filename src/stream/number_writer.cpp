@@ -178,8 +178,8 @@ std::unique_ptr<column_writer> make_for(const field& to, const record_layout& la
 
 std::unique_ptr<column_writer> make_number_writer(const field& to, const record_layout& layout,
                                                   value_kind kind, const value_listener& listener) {
-  return layout.is_double ? make_for<double_precision>(to, layout, kind, listener)
-                          : make_for<single_precision>(to, layout, kind, listener);
+  if (layout.is_double) return make_for<double_precision>(to, layout, kind, listener);
+  return make_for<single_precision>(to, layout, kind, listener);
 }
 
 }  // namespace ovf

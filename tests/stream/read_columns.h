@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <bit>
+#include <cstring>
 #include <map>
 #include <optional>
 #include <string>
