@@ -15,6 +15,11 @@ endforeach()
 if(TARGET example_load_library)
   target_link_options(example_load_library PRIVATE -municode)
 endif()
+if(TARGET example_early_bound)
+  target_link_options(example_early_bound PRIVATE -municode)
+  target_include_directories(example_early_bound SYSTEM PRIVATE "${OVF_TYPE_LIBRARY_FOLDER}")
+  add_dependencies(example_early_bound ovf_type_library)
+endif()
 
 # 32-bit programs are not run.
 if(CMAKE_CROSSCOMPILING AND NOT CMAKE_CROSSCOMPILING_EMULATOR)

@@ -74,6 +74,8 @@ TEST_F(many_objects, leave_nothing_behind) {
   EXPECT_EQ(49000, rounds(49000));
   EXPECT_EQ(1000, readings(1000));
   const std::size_t after = private_bytes();
+  RecordProperty("private_bytes_before", std::to_string(before));
+  RecordProperty("private_bytes_after", std::to_string(after));
   EXPECT_LE(after, before + 256 * 1024) << before << " bytes before, " << after << " after";
   EXPECT_FALSE(holds_file(path_));
   EXPECT_EQ(S_OK, call_.can_unload_now());

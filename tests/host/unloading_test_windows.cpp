@@ -15,6 +15,7 @@ class registration_unloading : public testing::Test {
   }
   void TearDown() override {
     CoUninitialize();
+    FreeLibrary(automation_);
     call_module("DllUnregisterServer");
   }
 
@@ -28,6 +29,9 @@ class registration_unloading : public testing::Test {
     EXPECT_EQ(S_OK, CoCreateInstance(CLSID_OvTable, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, &made));
     return static_cast<IDispatch*>(made);
   }
+
+  /// Where descriptions come from. Every host that reads them has it for itself.
+  const HMODULE automation_ = LoadLibraryA("oleaut32.dll");
 };
 
 TEST_F(registration_unloading, waits_for_the_last_object) {
