@@ -71,6 +71,8 @@ if(files AND TARGET ovfile)
   add_executable(ovfile_command ${files})
   set_target_properties(ovfile_command PROPERTIES OUTPUT_NAME ovfile)
   target_include_directories(ovfile_command PRIVATE src/command)
+  set_source_files_properties(src/command/program.cpp PROPERTIES
+                              COMPILE_DEFINITIONS "OVFILE_VERSION=\"${PROJECT_VERSION}\"")
   # The library before the system's, some of which have a DllGetClassObject too.
   target_link_libraries(ovfile_command PRIVATE ovfile ovf_settings ovf_header_libraries)
   # main_windows.cpp begins at wmain, which receives its arguments as UTF-16.

@@ -4,7 +4,7 @@ from __future__ import annotations
 
 import sys
 from decimal import Decimal
-from typing import Any, Iterator, List, Mapping, Optional, Sequence, Tuple
+from typing import Any, Iterable, Iterator, List, Mapping, Optional, Sequence, Tuple
 
 import numpy as np
 
@@ -59,6 +59,7 @@ class Numbers(Source):
 
     def __init__(self, name: str, values: Array, nulls: Optional[Array] = None) -> None:
         super().__init__(name, len(values), nulls)
+        self._whole = values.dtype.kind in "iu"
         if values.dtype.kind == "f":
             wide = values.dtype.itemsize
             values = values.astype(np.float32 if wide < 4 else f"=f{min(wide, 8)}", copy=False)
@@ -68,7 +69,6 @@ class Numbers(Source):
         elif values.dtype.kind == "b":
             values = values.view(np.uint8)
         self._values = values.astype(values.dtype.newbyteorder("="), copy=False)
-        self._is_bool = values.dtype.kind == "b"
 
     def type(self) -> SchemaParts:
         return SchemaParts(self.name, FORMATS[self._values.dtype])
@@ -78,14 +78,14 @@ class Numbers(Source):
         return ArrayParts(stop - start, [bits, self._values[start:stop]], count)
 
     def as_texts(self) -> "Texts":
-        if self._values.dtype.kind not in "iu":
+        if not self._whole:
             raise column_error(
-                "floats can be written as texts in more than one way; format them first", self.name
+                "only whole numbers become texts in one way; make texts of the others first", self.name
             )
         return Texts(self.name, self._values.astype(str).astype(object), self.nulls)
 
     def check(self, precision: str) -> None:
-        if self._values.dtype.kind not in "iu" or self._values.dtype.itemsize < 4:
+        if not self._whole or self._values.dtype.itemsize < 4:
             return
         limit = _EXACT[precision]
         wrong = (self._values > limit) | (self._values < -limit)
@@ -122,7 +122,7 @@ class Texts(Source):
         return ArrayParts(stop - start, [bits, ends, data], count)
 
     def longest(self) -> int:
-        return max((len(text.rstrip(" \t")) for text in self._values), default=0)
+        return _longest(self._values)
 
 
 class Codes(Source):
@@ -147,7 +147,15 @@ class Codes(Source):
         return ArrayParts(stop - start, [bits, codes], count, dictionary)
 
     def longest(self) -> int:
-        return max((len(text.rstrip(" \t")) for text in self._texts), default=0)
+        return _longest(self._texts)
+
+
+def _longest(texts: Any) -> int:
+    """Characters of the longest text, without the blanks at its end, which a table does not keep."""
+    most = max(map(len, texts), default=0)
+    if most == 0 or any(len(text) == most and text[-1] not in " \t" for text in texts):
+        return most
+    return max(len(text.rstrip(" \t")) for text in texts)
 
 
 def encode(texts: List[str], column: str, start: Optional[int]) -> Tuple[Array, Array]:
@@ -220,13 +228,20 @@ def object_source(name: str, values: Array, nulls: Array) -> Source:
         return Texts(name, values, missing)
     if all(_is_number(kind) for kind in types):
         filled = np.where(nulls, 0, values)
-        whole = all(issubclass(kind, (int, np.integer, np.bool_)) for kind in types)
         try:
-            return Numbers(name, filled.astype(np.int64 if whole else np.float64), missing)
+            return Numbers(name, filled.astype(_number_type(types)), missing)
         except OverflowError:
             raise column_error("a whole number has more than 64 bits", name) from None
     _refuse_objects(name, values, nulls, mixed=any(issubclass(kind, str) for kind in types))
     raise AssertionError
+
+
+def _number_type(types: Iterable[type]) -> Any:
+    """For objects of these types together."""
+    if all(issubclass(kind, (bool, np.bool_)) for kind in types):
+        return np.bool_
+    whole = all(issubclass(kind, (int, np.integer, np.bool_)) for kind in types)
+    return np.int64 if whole else np.float64
 
 
 def _is_number(kind: type) -> bool:

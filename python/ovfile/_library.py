@@ -14,7 +14,7 @@ from pathlib import Path
 from typing import Any, List, Optional
 
 from . import _interfaces as known
-from ._component import CLASS_FACTORY_ID, LOADER, WINDOWS, Guid, Interface, Runtime, create_instance
+from ._component import CLASS_FACTORY_ID, LOADER, UNKNOWN, WINDOWS, Guid, Interface, Runtime, create_instance
 from ._errors import Error
 
 NAMES = ("OvFile.dll",) if WINDOWS else ("libovfile.so", "libovfile.so.0")
@@ -61,8 +61,8 @@ class Library:
         module, self.path = _load()
         automation: Any = ctypes.WinDLL("oleaut32") if WINDOWS else module  # type: ignore[attr-defined]
         self._classes: Any = ctypes.WinDLL("ole32") if WINDOWS else module  # type: ignore[attr-defined]
-        self.runtime = Runtime(automation)
         self._get_class_object = _typed_entry_point(module)
+        self.runtime = Runtime(automation)
         create = self._classes.CoCreateInstance
         create.restype = c_int32
         create.argtypes = [POINTER(Guid), c_void_p, c_uint32, POINTER(Guid), POINTER(c_void_p)]
@@ -127,7 +127,7 @@ def _register_evaluator(classes: Any, library: str) -> Any:
         identifiers[0], _IN_PROCESS, None, identifiers[1], byref(found)
     )
     if status >= 0:
-        Interface(Runtime(LOADER("oleaut32")), found.value or 0, known.UNKNOWN).release()
+        Interface(Runtime(LOADER("oleaut32")), found.value or 0, UNKNOWN).release()
         return None
     beside = os.path.join(os.path.dirname(library), "OvFilter.dll")
     if not os.path.isfile(beside):

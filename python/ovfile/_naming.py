@@ -3,7 +3,9 @@
 from __future__ import annotations
 
 import difflib
-from typing import List, Sequence, Union
+from typing import Any, List, Sequence, Union
+
+import numpy as np
 
 from ._errors import Error, column_error
 from ._schema import Schema
@@ -28,17 +30,24 @@ def places_of(names: Sequence[str], columns: Keys) -> List[int]:
     """The columns (from 0) that are meant; None: all. Raises Error for one that is not there."""
     if columns is None:
         return list(range(len(names)))
-    wanted = [columns] if isinstance(columns, (str, int)) else columns
+    wanted: Any = [columns] if is_key(columns) else columns
     return [_place_of(names, column) for column in wanted]
 
 
-def _place_of(names: Sequence[str], column: Key) -> int:
+def is_key(column: object) -> bool:
+    """A name or a number, not several of them."""
+    return isinstance(column, (str, int, np.integer))
+
+
+def _place_of(names: Sequence[str], column: Any) -> int:
     if isinstance(column, str):
         if column not in names:
             raise column_error(no_such(column, names), column)
         return names.index(column)
+    if not is_key(column):
+        raise Error(f"a column is a name or a number, not {column!r}")
     if -len(names) <= column < len(names):
-        return column % len(names)
+        return int(column) % len(names)
     raise Error(f"the table has {len(names)} columns, numbered from 0")
 
 

@@ -4,7 +4,8 @@ from __future__ import annotations
 
 import ctypes
 from ctypes import byref, c_int32
-from typing import Any, Callable, Dict, Iterator, List, NamedTuple, Optional, Sequence, Tuple, Union
+from dataclasses import dataclass
+from typing import Any, Callable, Dict, Iterator, List, Optional, Sequence, Tuple, Union
 
 import numpy as np
 
@@ -18,7 +19,8 @@ from ._errors import Error
 Rows = Union[None, slice, range, Sequence[int], Array]
 
 
-class Span(NamedTuple):
+@dataclass(frozen=True)
+class Span:
     """Rows as they are read: `count` from `first` (from 0) on, of which `chosen` (None: all) count."""
 
     first: int

@@ -3,7 +3,7 @@
 from __future__ import annotations
 
 import shutil
-from ctypes import POINTER, c_int32, cast
+from ctypes import POINTER, c_int32
 from typing import Any, Iterator, Optional, Sequence
 
 import numpy as np
@@ -15,6 +15,7 @@ from ._arrow_import import Stream, child_of
 from ._columns import Source
 from ._component import Interface
 from ._errors import Error
+from ._interruption import interruptible
 from ._library import library
 from ._reading import Span, open_stream
 from ._schema import Column, Schema, make_object
@@ -36,14 +37,15 @@ def rebuild(
     definition = make_object(schema) if schema is not None else None
     columns = (c_int32 * max(1, len(column_of or ())))(*(column_of or ()))
     numbers = None if rows is None else np.ascontiguousarray(np.append(rows, 0) + 1, np.int32)
-    table.query(known.MAINTENANCE_ID, known.MAINTENANCE).call(
-        "Rebuild",
-        definition.pointer if definition is not None else None,
-        len(column_of or ()),
-        columns if column_of is not None else None,
-        0 if rows is None else len(rows),
-        None if numbers is None else numbers.ctypes.data_as(_LONGS),
-    )
+    with interruptible(table):
+        table.query(known.MAINTENANCE_ID, known.MAINTENANCE).call(
+            "Rebuild",
+            definition.pointer if definition is not None else None,
+            len(column_of or ()),
+            columns if column_of is not None else None,
+            0 if rows is None else len(rows),
+            None if numbers is None else numbers.ctypes.data_as(_LONGS),
+        )
 
 
 def wider(schema: Schema, column: Column) -> Schema:
@@ -99,7 +101,8 @@ def _merged(table: Interface, schema: Schema, source: Source, rows: int) -> Prod
         return Producer([source.type()], iter([Batch(rows, [source.part(0, rows)])] if rows else []))
     flags = known.STREAM_TRAILING_BLANKS
     stream = Stream(open_stream(table, stored, Span(0, rows, None), flags=flags))
-    types = [Borrowed(stream.schema.structure.children[i].contents, stream.schema) for i in range(len(stored))]
+    children = stream.schema.structure.children
+    types = [Borrowed(children[i].contents, stream.schema) for i in range(len(stored))]
     return Producer([*types, source.type()], _merged_batches(stream, source))
 
 

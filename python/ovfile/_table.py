@@ -15,7 +15,8 @@ from ._changing import Wanted, add_column, append, sort
 from ._choosing import Choice, Reader
 from ._component import Interface
 from ._errors import Error
-from ._naming import Key, Keys, places_of, unique_names
+from ._interruption import interruptible
+from ._naming import Key, Keys, is_key, places_of, unique_names
 from ._reading import Rows, Span, open_stream
 from ._schema import Schema, read_schema
 from ._sorting import Ascending
@@ -119,7 +120,7 @@ class Table:
 
     def __getitem__(self, column: Key) -> Array:
         """One column: float64 or float32 with NaN where numbers are absent, or `str` objects."""
-        if not isinstance(column, (str, int)):
+        if not is_key(column):
             raise TypeError("a column is a name or a number; table.read(columns=[…]) answers several")
         (values,) = self.read(column).values()
         return values
@@ -310,7 +311,7 @@ class Table:
             digits: digits behind the point that count; -1: six, without zeros at the end.
         """
         flags = [-int(flag) for flag in (ignore_description, ignore_field_order, ignore_precision)]
-        with self._about() as handle:
+        with self._about() as handle, interruptible(handle):
             return handle.out_text("GetSignature", *flags, digits)
 
     # Arrow.

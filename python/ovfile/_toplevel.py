@@ -3,7 +3,7 @@
 from __future__ import annotations
 
 import os
-from typing import TYPE_CHECKING, Any, Iterable, Mapping, Optional, Sequence, Union
+from typing import TYPE_CHECKING, Any, Iterable, Mapping, Optional, Union
 
 from ._changing import rows_of
 from ._columns import is_of_pandas
@@ -15,6 +15,7 @@ from ._schema import Column, Schema, parse_columns
 from ._naming import Keys
 from ._table import PathLike, Table
 from ._writing import ArrowRows, Kinds, arrow_stream_of, create_file, planned_schema, write_new
+from ._writing import Rows as RowsToWrite
 
 if TYPE_CHECKING:
     import pandas
@@ -137,6 +138,7 @@ def write(
     name = _absolute(path)
     try:
         stream = None if is_of_pandas(data) else arrow_stream_of(data)
+        prepared: Union[RowsToWrite, ArrowRows]
         prepared = rows_of(data) if stream is None else ArrowRows(stream)
         plan = planned_schema(prepared, precision, kinds, implicit, description, schema)
         return write_new(name, prepared, plan)

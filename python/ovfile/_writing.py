@@ -13,7 +13,7 @@ from typing import Any, Dict, Iterator, List, Mapping, Optional, Sequence, Union
 
 from ._arrow_abi import ArrowArrayStream, release, take_stream
 from ._arrow_export import Batch, Borrowed, Producer
-from ._arrow_import import NUMBERS, OFFSETS, Owner, Stream, child_of
+from ._arrow_import import NUMBERS, Owner, Stream, child_of
 from ._columns import Source, batches_of
 from ._component import Interface
 from ._errors import Error, column_error
@@ -83,7 +83,8 @@ class ArrowRows:
             elif field.value_format in NUMBERS or field.value_format in ("b", "n"):
                 made.append(_column(field.name, NUMBER, 0, kinds))
             else:
-                raise column_error(f"values of the Arrow type {field.value_format!r} have no place", field.name)
+                problem = f"values of the Arrow type {field.value_format!r} have no place"
+                raise column_error(problem, field.name)
         return made
 
     def check(self, precision: str) -> None:

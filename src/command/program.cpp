@@ -10,10 +10,6 @@
 #include "text_output.h"
 #include "words.h"
 
-#ifndef OVFILE_VERSION
-#define OVFILE_VERSION "0.1.0"
-#endif
-
 namespace command {
 namespace {
 

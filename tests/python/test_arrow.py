@@ -102,7 +102,8 @@ def consume(exporter):
     schema = Schema()
     assert stream.get_schema(ctypes.byref(stream), ctypes.byref(schema)) == 0
     assert schema.format == b"+s"
-    kinds = [(schema.children[i].contents.name.decode(), schema.children[i].contents.format) for i in range(schema.n_children)]
+    fields = [schema.children[i].contents for i in range(schema.n_children)]
+    kinds = [(field.name.decode(), field.format) for field in fields]
     values = {name: [] for name, _ in kinds}
     while True:
         batch = Array()
@@ -216,9 +217,13 @@ class Producer:
             found.dictionary.contents.release(found.dictionary)
         ctypes.memset(ctypes.addressof(found) + type(found).release.offset, 0, ctypes.sizeof(ctypes.c_void_p))
 
+    def pointers_to(self, kind, structures):
+        made = [ctypes.pointer(self.keep(structure)) for structure in structures]
+        return self.keep((POINTER(kind) * max(1, len(made)))(*made))
+
     def make_schema(self, code, name="", children=(), dictionary=None):
         self.alive += 1
-        pointers = self.keep((POINTER(Schema) * max(1, len(children)))(*[ctypes.pointer(self.keep(c)) for c in children]))
+        pointers = self.pointers_to(Schema, children)
         inner = ctypes.pointer(self.keep(dictionary)) if dictionary else None
         code, name = self.keep(code.encode()), self.keep(name.encode())
         return Schema(code, name, None, 2, len(children), pointers, inner, self.free_schema, None)
@@ -235,12 +240,16 @@ class Producer:
         self.alive += 1
         places = []
         for buffer in buffers:
-            memory = None if buffer is None else self.keep(ctypes.create_string_buffer(bytes(buffer), len(bytes(buffer)) or 1))
-            places.append(None if memory is None else ctypes.addressof(memory))
+            if buffer is None:
+                places.append(None)
+                continue
+            memory = bytes(buffer)
+            places.append(ctypes.addressof(self.keep(ctypes.create_string_buffer(memory, len(memory) or 1))))
         addresses = self.keep((ctypes.c_void_p * max(1, len(places)))(*places))
-        pointers = self.keep((POINTER(Array) * max(1, len(children)))(*[ctypes.pointer(self.keep(c)) for c in children]))
+        pointers = self.pointers_to(Array, children)
         inner = ctypes.pointer(self.keep(dictionary)) if dictionary else None
-        return Array(length, nulls, offset, len(places), len(children), addresses, pointers, inner, self.free_array, None)
+        counts = (length, nulls, offset, len(places), len(children))
+        return Array(*counts, addresses, pointers, inner, self.free_array, None)
 
     def make_column(self, length, buffers, nulls=0, offset=0, dictionary=None):
         inner = self.make_array(*dictionary) if dictionary else None

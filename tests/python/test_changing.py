@@ -2,6 +2,8 @@
 
 import os
 import shutil
+import signal
+import threading
 
 import numpy as np
 import pandas as pd
@@ -9,6 +11,7 @@ import pytest
 from conftest import golden_folder, without_new_files
 
 import ovfile
+from ovfile import _interruption
 
 NAN = float("nan")
 
@@ -299,3 +302,65 @@ def test_signatures(tmp_path):
             assert one.signature(**loose) == two.signature(**loose)
             assert one.signature(**loose) != three.signature(**loose)
             assert one.signature(digits=1) != one.signature()
+
+
+# Interrupting.
+
+
+@pytest.mark.skipif(os.name == "nt", reason="sends itself a signal as Linux does")
+@pytest.mark.parametrize("work", ["sort", "add_column", "signature"])
+def test_long_calls_are_interrupted(path, monkeypatch, work):
+    """A signal that comes while the library works stops it, and the table is as it was."""
+    ovfile.write({"N": np.arange(300_000)[::-1]}, path)
+    before = path.read_bytes()
+    progress = _interruption._Listener._progress
+
+    def interrupt(listener, *arguments):
+        os.kill(os.getpid(), signal.SIGINT)
+        return progress(listener, *arguments)
+
+    monkeypatch.setattr(_interruption._Listener, "_progress", interrupt)
+    handler = signal.getsignal(signal.SIGINT)
+    with ovfile.open(path, "r+") as table:
+        arguments = {"sort": ["N"], "add_column": ["X"], "signature": []}[work]
+        with pytest.raises(KeyboardInterrupt):
+            getattr(table, work)(*arguments)
+        assert signal.getsignal(signal.SIGINT) is handler
+        assert len(table) == 300_000 and table.columns == ["N"] and table["N"][0] == 299_999
+    assert path.read_bytes() == before
+    assert os.listdir(path.parent) == [path.name]
+
+
+@pytest.mark.skipif(os.name == "nt", reason="sends itself a signal as Linux does")
+def test_a_signal_at_any_time(path):
+    ovfile.write({"N": np.arange(1_000_000)[::-1]}, path)
+    with ovfile.open(path, "r+") as table:
+        for delay in (0.05, 0.1, 0.15):
+            timer = threading.Timer(delay, os.kill, (os.getpid(), signal.SIGINT))
+            timer.start()
+            with pytest.raises(KeyboardInterrupt):
+                for digits in range(1000):
+                    table.signature(digits=digits % 10)
+            timer.join()
+            assert len(table) == 1_000_000
+
+
+@pytest.mark.skipif(os.name == "nt", reason="sends itself a signal as Linux does")
+def test_a_handler_that_raises_nothing(path, monkeypatch):
+    """Its program goes on, and hears from the library that the work was not done."""
+    ovfile.write({"N": np.arange(300_000)[::-1]}, path)
+    progress = _interruption._Listener._progress
+
+    def interrupt(listener, *arguments):
+        os.kill(os.getpid(), signal.SIGINT)
+        return progress(listener, *arguments)
+
+    monkeypatch.setattr(_interruption._Listener, "_progress", interrupt)
+    heard = []
+    before = signal.signal(signal.SIGINT, lambda number, frame: heard.append(number))
+    try:
+        with ovfile.open(path) as table, pytest.raises(ovfile.Error, match="stopped"):
+            table.signature()
+    finally:
+        signal.signal(signal.SIGINT, before)
+    assert heard == [signal.SIGINT]

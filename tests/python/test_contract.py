@@ -1,6 +1,7 @@
-"""The package holds what the public headers say: slots, identifiers, structures; and where it finds the library."""
+"""The package holds what the public headers say, and finds the library where it should."""
 
 import ctypes
+import ctypes.util
 import os
 import re
 import shutil
@@ -21,6 +22,7 @@ INTERFACES = [
     ("ovfile.h", "IOvTableMaintenance", known.MAINTENANCE, 3),
     ("stream.h", "IOvTableStream", known.STREAM, 3),
     ("filter.h", "IOvFilter", known.FILTER, 3),
+    ("progress.h", "IOvProgressSource", known.PROGRESS_SOURCE, 3),
 ]
 
 
@@ -48,6 +50,8 @@ IDENTIFIERS = [
     ("stream.h", "IID_IOvTableStream", known.STREAM_ID),
     ("filter.h", "CLSID_OvFilter", known.FILTER_CLASS),
     ("filter.h", "IID_IOvFilter", known.FILTER_ID),
+    ("progress.h", "IID_IOvProgress", known.PROGRESS_ID),
+    ("progress.h", "IID_IOvProgressSource", known.PROGRESS_SOURCE_ID),
 ]
 
 
@@ -120,7 +124,7 @@ def test_a_wrong_name_in_the_environment():
 
 def test_something_else_that_the_environment_names():
     assert "the OvFile library was not found" in run(WHERE, OVFILE_LIBRARY=__file__)
-    other = ctypes.util.find_library("m") if hasattr(ctypes, "util") else None
+    other = ctypes.util.find_library("m")
     if other and os.path.isfile(f"/lib/x86_64-linux-gnu/{other}"):
         assert "no class objects" in run(WHERE, OVFILE_LIBRARY=f"/lib/x86_64-linux-gnu/{other}")
 

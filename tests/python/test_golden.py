@@ -15,9 +15,8 @@ from conftest import ROOT, golden_folder
 import ovfile
 
 _FOLDER = pathlib.Path(os.environ.get("OVFILE_SHARED") or ROOT.parent / "shared") / "golden"
-NAMES = sorted(
-    str(path.relative_to(_FOLDER).with_suffix("")) for path in _FOLDER.rglob("*.json") if path.name != "bad.json"
-)
+_LISTINGS = [path for path in _FOLDER.rglob("*.json") if path.name != "bad.json"]
+NAMES = sorted(str(path.relative_to(_FOLDER).with_suffix("")) for path in _LISTINGS)
 ABSENT = -1e30
 
 

@@ -156,17 +156,33 @@ def test_nothing_is_left(assays):
         table.append({"CU": [1]})
         table.sort("CU")
         table.add_column("AU", range(7))
-        for wrong in (lambda: table.append({"CU": ["a"]}), lambda: table.read(where="(")):
-            with pytest.raises(ovfile.Error):
-                wrong()
+        with pytest.raises(ovfile.Error):
+            table.append({"CU": ["a"]})
+        with pytest.raises(ovfile.Error):
+            table.read(where="(")
         table.__arrow_c_stream__()
-        del table
-    del wrong
     for broken in (assays.with_name("none"), __file__):
         with pytest.raises(ovfile.Error):
             ovfile.open(broken)
+    del table
     gc.collect()
     assert not objects_are_left()
+
+
+@pytest.mark.skipif(not os.path.isdir("/proc/self/fd"), reason="counts open files as Linux shows them")
+def test_no_file_stays_open(assays, tmp_path):
+    before = len(os.listdir("/proc/self/fd"))
+    for number in range(20):
+        ovfile.write(ovfile.read_pandas(assays, where="CU > 0"), tmp_path / "other.ovt")
+        with ovfile.open(tmp_path / "other.ovt", "r+") as table:
+            table.add_column("A", range(len(table)))
+            table.sort("CU")
+        for wrong in (lambda: ovfile.open(__file__), lambda: ovfile.write({"A": ["Ω"]}, tmp_path / "x")):
+            with pytest.raises(ovfile.Error):
+                wrong()
+        ovfile.open(assays)
+    gc.collect()
+    assert len(os.listdir("/proc/self/fd")) == before
 
 
 def test_a_table_open_at_the_end_of_the_program(path):

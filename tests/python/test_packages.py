@@ -53,7 +53,8 @@ def wheel(tmp_path_factory):
 def test_what_the_wheel_is(wheel):
     assert wheel.name == f"ovfile-{ovfile.__version__}-py3-none-linux_{os.uname().machine}.whl"
     names = zipfile.ZipFile(wheel).namelist()
-    for name in ("__init__.py", "py.typed", "lib/libovfile.so", "lib/libovfilter.so", "lib/ovfile-components.reg"):
+    libraries = ("lib/libovfile.so", "lib/libovfilter.so", "lib/ovfile-components.reg")
+    for name in ("__init__.py", "py.typed", *libraries):
         assert f"ovfile/{name}" in names
 
 
@@ -82,7 +83,8 @@ def test_a_wheel_for_windows(tmp_path):
 
 
 def test_a_wheel_without_its_library(tmp_path):
-    found = subprocess.run([ROOT / "python" / "build_wheel.sh", tmp_path, tmp_path / "out"], capture_output=True, text=True)
+    command = [ROOT / "python" / "build_wheel.sh", tmp_path, tmp_path / "out"]
+    found = subprocess.run(command, capture_output=True, text=True)
     assert found.returncode == 1 and "has no libovfile.so" in found.stderr
     assert list((tmp_path / "out").iterdir()) == []
 

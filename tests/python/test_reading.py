@@ -111,6 +111,22 @@ def test_columns_in_any_order_and_by_number(assays):
     assert list(found) == ["CU", "BHID", "SG"]
 
 
+def test_columns_that_are_not_there(assays):
+    with ovfile.open(assays) as table:
+        with pytest.raises(ovfile.Error) as caught:
+            table["cu"]
+        assert str(caught.value) == f"{assays}: column cu: there is no such column; is it CU?"
+        assert caught.value.column == "cu"
+        for wrong in (5, -6, np.int64(5)):
+            with pytest.raises(ovfile.Error, match="the table has 5 columns, numbered from 0"):
+                table[wrong]
+        with pytest.raises(ovfile.Error, match="a column is a name or a number, not 1.5"):
+            table.read(["CU", 1.5])
+        with pytest.raises(TypeError, match="a column is a name or a number"):
+            table[["CU", "ROCK"]]
+        assert table[np.int64(2)][0] == 0.25
+
+
 def test_no_columns(assays):
     with ovfile.open(assays) as table:
         assert table.read([]) == {}

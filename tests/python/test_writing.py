@@ -224,7 +224,8 @@ def test_kinds(path):
     "kinds, words, column",
     [
         ({"T": "number"}, "the values are texts, not numbers", "T"),
-        ({"F": "text"}, "floats can be written as texts in more than one way", "F"),
+        ({"F": "text"}, "only whole numbers become texts in one way", "F"),
+        ({"B": "text"}, "only whole numbers become texts in one way", "B"),
         ({"T": "word"}, 'a kind is "number", "text"', "T"),
         ({"T": "text:x"}, 'a kind is "number", "text"', "T"),
         ({"T": 0}, None, None),
@@ -233,7 +234,7 @@ def test_kinds(path):
     ],
 )
 def test_kinds_that_cannot_be(path, kinds, words, column):
-    data = {"F": [1.5], "T": ["longer"]}
+    data = {"F": [1.5], "T": ["longer"], "B": [True]}
     if words is None:
         ovfile.write(data, path, kinds=kinds)
         assert columns_of(path)[1] == ("T", "text", 8, False)
@@ -308,6 +309,12 @@ def test_what_is_no_rows(path):
 def test_a_frame_without_rows(path):
     assert ovfile.write_pandas(pd.DataFrame({"A": [], "T": pd.Series([], dtype=str)}), path) == 0
     assert columns_of(path) == [("A", "number", 0, False), ("T", "number", 0, False)]
+
+
+def test_no_columns(path):
+    assert ovfile.write({}, path) == 0
+    assert columns_of(path) == []
+    assert ovfile.write_pandas(pd.DataFrame(index=[1, 2]), path) == 0
 
 
 # Appending.
