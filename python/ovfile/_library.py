@@ -1,12 +1,14 @@
 """Where the shared library is, and the objects that it makes.
 
 The first of these that exists is loaded: what `OVFILE_LIBRARY` names (the library or its folder); the
-library that came with the package; the one that the system's loader finds.
+library that came with the package; the one that is installed: the system's loader finds it, or on Windows the
+registry names it.
 """
 
 from __future__ import annotations
 
 import ctypes
+import importlib
 import os
 import threading
 from ctypes import POINTER, byref, c_int32, c_uint32, c_void_p
@@ -37,7 +39,18 @@ def candidates() -> List[str]:
         return [os.path.abspath(path)]
     package = Path(__file__).resolve().parent
     beside = [_in_folder(folder) for folder in (package / "lib", package)]
-    return [str(path) for path in beside if path is not None] + list(reversed(NAMES))
+    installed = _registered() if WINDOWS else list(reversed(NAMES))
+    return [str(path) for path in beside if path is not None] + installed
+
+
+def _registered() -> List[str]:
+    """On Windows an installed library is a registered one."""
+    winreg: Any = importlib.import_module("winreg")
+    key = r"CLSID\{3A9F6E21-C48B-4D07-B25E-91C7A3D0F468}\InprocServer32"
+    try:
+        return [winreg.QueryValue(winreg.HKEY_CLASSES_ROOT, key)]
+    except OSError:
+        return []
 
 
 def _load() -> Any:
