@@ -5,6 +5,9 @@ native_packages=(g++ cmake ninja-build binutils libcli11-dev libfmt-dev libfast-
 check_packages=(python3 dpkg-dev pkg-config clang-14 libclang-rt-14-dev clang-format-14 clang-tidy-14 clang-tidy
   g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix mingw-w64-tools libwine-dev wine wine64)
 
+python_packages=(python3-numpy python3-pandas python3-pytest python3-setuptools python3-wheel python3-pip
+  python3-venv)
+
 missing_packages() {
   local package
   for package in "$@"; do

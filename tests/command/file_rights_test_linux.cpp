@@ -70,7 +70,7 @@ TEST_F(file_rights_test, a_new_file_has_the_rights_of_new_files) {
 }
 
 TEST_F(file_rights_test, a_replaced_file_keeps_its_permissions) {
-  for (const mode_t wanted : {0600, 0640, 0666, 0444}) {
+  for (const mode_t wanted : {0600U, 0640U, 0666U, 0444U}) {
     write("out.csv", "old");
     set_mode("out.csv", wanted);
     set_mode("t.ovt", wanted);

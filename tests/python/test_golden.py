@@ -31,10 +31,10 @@ def number(text):
     return float.fromhex(text) if isinstance(text, str) else float(text)
 
 
-@pytest.fixture
-def folder(tmp_path):
+@pytest.fixture(scope="module")
+def folder(tmp_path_factory):
     """The files, where they may be opened and links find their neighbours."""
-    made = tmp_path / "golden"
+    made = tmp_path_factory.mktemp("files") / "golden"
     shutil.copytree(golden_folder(), made)
     return made
 
