@@ -24,3 +24,15 @@ def test_the_programs_run(tmp_path, monkeypatch, capsys):
     assert "block model 24" in shown
     made = {path.name for path in tmp_path.iterdir()} - {"samples"}
     assert made == {"composites.ovt", "model.ovt", "copy.ovt"}
+
+
+def test_the_example_runs(tmp_path, monkeypatch):
+    (tmp_path / "samples").symlink_to(ROOT / "samples")
+    monkeypatch.chdir(tmp_path)
+    example = ROOT / "docs" / "examples" / "rich_samples.py"
+    names = {}
+    exec(compile(example.read_text(encoding="utf-8"), str(example), "exec"), names)
+    with names["ovfile"].open("rich.ovt") as table:
+        assert table.columns == ["BHID", "CU"]
+        assert len(table) == len(names["frame"]) > 0
+        assert (table["CU"] > 0.5).all()
