@@ -43,6 +43,15 @@ enum class open_mode {
 
 enum class file_kind { missing, regular, other };
 
+/// What tells whether a file was written to, or another one stands under its name.
+struct file_stamp {
+  std::uint64_t volume = 0;
+  std::uint64_t number = 0;  ///< of the file on its volume
+  std::uint64_t bytes = 0;
+  std::int64_t written = 0;  ///< when the last time, in the system's own count
+  bool operator==(const file_stamp&) const = default;
+};
+
 class file_system {
  public:
   virtual ~file_system() = default;
@@ -51,6 +60,8 @@ class file_system {
   /// while it is open, except where the mode says otherwise.
   virtual std::unique_ptr<file> open(wide_view name, open_mode mode) noexcept = 0;
   virtual file_kind kind(wide_view name) noexcept = 0;
+  /// Of the file that the name leads to, links followed.
+  virtual bool stamp(wide_view name, file_stamp& found) noexcept = 0;
   virtual bool remove(wide_view name) noexcept = 0;
   /// Puts `from` in the place of `to` in one step.
   virtual bool replace(wide_view from, wide_view to) noexcept = 0;

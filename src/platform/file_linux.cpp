@@ -93,6 +93,19 @@ class linux_files final : public file_system {
     return file_kind::missing;
   }
 
+  bool stamp(wide_view name, file_stamp& found) noexcept override try {
+    constexpr std::int64_t nanoseconds = 1'000'000'000;
+    std::string path;
+    struct stat facts;
+    if (!system_name(name, path) || ::stat(path.c_str(), &facts) != 0) return false;
+    found = {facts.st_dev, facts.st_ino, static_cast<std::uint64_t>(facts.st_size),
+             facts.st_mtim.tv_sec * nanoseconds + facts.st_mtim.tv_nsec};
+    return true;
+  } catch (...) {
+    errno = ENOMEM;
+    return false;
+  }
+
   bool remove(wide_view name) noexcept override try {
     std::string path;
     if (!system_name(name, path)) return false;

@@ -62,6 +62,27 @@ class windows_files final : public file_system {
     return file_kind::missing;
   }
 
+  bool stamp(wide_view name, file_stamp& found) noexcept override try {
+    constexpr DWORD with_everybody = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    wide path;
+    if (!system_name(name, path)) return false;
+    const HANDLE handle =
+        CreateFileW(path.c_str(), FILE_READ_ATTRIBUTES, with_everybody, nullptr, OPEN_EXISTING, 0, nullptr);
+    if (handle == INVALID_HANDLE_VALUE) return false;
+    const handle_file owned(handle);
+    BY_HANDLE_FILE_INFORMATION facts;
+    if (GetFileInformationByHandle(handle, &facts) == 0) return false;
+    const auto whole = [](DWORD high, DWORD low) { return std::uint64_t{high} << 32 | low; };
+    found = {facts.dwVolumeSerialNumber, whole(facts.nFileIndexHigh, facts.nFileIndexLow),
+             whole(facts.nFileSizeHigh, facts.nFileSizeLow),
+             static_cast<std::int64_t>(
+                 whole(facts.ftLastWriteTime.dwHighDateTime, facts.ftLastWriteTime.dwLowDateTime))};
+    return true;
+  } catch (...) {
+    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+    return false;
+  }
+
   bool remove(wide_view name) noexcept override try {
     wide path;
     return system_name(name, path) && DeleteFileW(path.c_str()) != 0;

@@ -34,6 +34,10 @@ bool file_replacement::begin() noexcept try {
   wide behind_links;
   if (!files().resolve(target_, behind_links)) return false;
   target_ = std::move(behind_links);
+  if (file_stamp now; !before_) {
+    if (!files().stamp(target_, now)) return false;
+    before_ = now;
+  }
   beside_ = make(folder_of(target_));
   if (beside_) return true;
   const system_code reason = last_system_error();
@@ -61,10 +65,23 @@ bool file_replacement::bring_beside() {
   return copy_from(*elsewhere.opened, 0, *copy_);
 }
 
-bool file_replacement::commit(std::unique_ptr<file>& own) noexcept try {
+bool file_replacement::settle() noexcept try {
+  if (settled_) return true;
   if (copy_ == nullptr) copy_ = files().open(copy_name_, open_mode::edit);
   if (copy_ == nullptr || (!beside_ && !bring_beside())) return false;
   if (!files().carry_rights(target_, copy_name_) || !copy_->sync()) return false;
+  // Now, while the caller still has the file open: a system may note the last write when that ends.
+  file_stamp now;
+  if (!files().stamp(target_, now)) return false;
+  was_changed_ = now != before_;
+  settled_ = !was_changed_;
+  return settled_;
+} catch (...) {
+  return false;
+}
+
+bool file_replacement::commit(std::unique_ptr<file>& own) noexcept try {
+  if (!settle()) return false;
   if (!files().replace_open(own, copy_, copy_name_, target_)) return false;
   copy_name_.clear();
   copy_.reset();

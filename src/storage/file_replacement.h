@@ -8,6 +8,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
 #include "platform/file.h"
 
@@ -32,9 +33,14 @@ class file_replacement {
   const wide& copy_name() const noexcept { return copy_name_; }
   void close() noexcept { copy_.reset(); }
 
-  /// Waits until the copy stands on the disk, gives it the file's permissions and puts it in the file's
-  /// place. Refused while anybody else has the file open. `own` is the caller's own open file: the old one
-  /// if refused, else the new one.
+  /// What the file was like when its content was read, where that was before `begin`.
+  void expect(const file_stamp& before) noexcept { before_ = before; }
+  /// All but the last step: the copy is brought beside the file, gets its permissions and stands on the
+  /// disk. Refused when the file was changed since it was read; `was_changed` tells that afterwards.
+  [[nodiscard]] bool settle() noexcept;
+  bool was_changed() const noexcept { return was_changed_; }
+  /// Settles the copy and puts it in the file's place. Refused while anybody else has the file open. `own`
+  /// is the caller's own open file: the old one if refused, else the new one.
   [[nodiscard]] bool commit(std::unique_ptr<file>& own) noexcept;
   /// The same for a caller who has closed the file.
   [[nodiscard]] bool commit() noexcept;
@@ -48,7 +54,10 @@ class file_replacement {
   wide target_;  ///< the path behind links once the work has begun
   wide copy_name_;
   std::unique_ptr<file> copy_;
+  std::optional<file_stamp> before_;
   bool beside_ = false;
+  bool settled_ = false;
+  bool was_changed_ = false;
 };
 
 }  // namespace ovf

@@ -1,6 +1,5 @@
 #include "table/edit_words.h"
 
-#include "platform/system_error.h"
 #include "table/table_replacement.h"
 #include "table/work_progress.h"
 
@@ -13,7 +12,7 @@ edit_refusal refusal_in_flight(const edit_words& words) {
     return {wide_format(words.no_copy).arg(wide_view(failure.reason)).text(), E_FAIL};
   } catch (const not_replaced& refusal) {
     return {
-        wide_format(words.not_replaced).arg(wide_view(refusal.path)).arg(system_message(refusal.code)).text(),
+        wide_format(words.not_replaced).arg(wide_view(refusal.path)).arg(wide_view(refusal.reason)).text(),
         E_FAIL};
   } catch (const not_reopened& failure) {
     return {
@@ -22,7 +21,7 @@ edit_refusal refusal_in_flight(const edit_words& words) {
   } catch (const not_restored& failure) {
     return {wide_format(words.not_restored)
                 .arg(wide_view(failure.refusal.path))
-                .arg(system_message(failure.refusal.code))
+                .arg(wide_view(failure.refusal.reason))
                 .arg(wide_view(failure.reason))
                 .text(),
             E_FAIL};

@@ -15,6 +15,16 @@ constexpr edit_words words{
     .stopped = OLESTR("Error: DeleteRow failed, it was stopped."),
 };
 
+/// A description that the host has given the schema goes into the new file; the table's own is carried over
+/// to its last character, which no schema shows.
+bool describes_anew(IOvSchema& schema, table& opened) {
+  ovfile::text described;
+  throw_on_failure(schema.get_Description(described.out()));
+  const wide own = opened.getDescription();
+  const auto end = own.find_last_not_of(OLESTR(' '));
+  return !described.view().empty() && described.view() != wide_view(own).substr(0, end + 1);
+}
+
 }  // namespace
 
 HRESULT COvTableADO::DeleteRow(LONG lRow) {
@@ -25,7 +35,8 @@ HRESULT COvTableADO::DeleteRow(LONG lRow) {
     rows.erase(rows.begin() + (lRow - 1));
     return run_edit(*this, words, [&] {
       if (!core_.schema) throw no_copy_made();
-      keep_rows(core_, *core_.schema.get(), rows);
+      IOvSchema& schema = *core_.schema.get();
+      keep_rows(core_, schema, rows, !describes_anew(schema, core_.opened()));
     });
   });
 }

@@ -82,7 +82,8 @@ bool describes(IOvSchema& schema, const rebuild_request& request) {
 void run(table_core& core, const rebuild_request& request) {
   const std::vector<std::uint32_t> rows = rows_of(core, request);
   const auto schema = request.schema != nullptr ? copy_of(*request.schema) : schema_of(core.opened());
-  if (request.schema == nullptr && request.column_of == nullptr) return keep_rows(core, *schema.get(), rows);
+  if (request.schema == nullptr && request.column_of == nullptr)
+    return keep_rows(core, *schema.get(), rows, true);
   const std::vector<column_origin> origins = origins_of(core.opened(), *schema.get(), request);
   rebuild_table(core, *schema.get(), {origins, long_texts::refused}, rows,
                 !describes(*schema.get(), request));

@@ -37,11 +37,26 @@ opening table_core::open_target(std::unique_ptr<table>& found) {
   return followed;
 }
 
+void table_core::note_stamp() {
+  file_stamp now;
+  stamp_ = files().stamp(path_, now) ? std::optional(now) : std::nullopt;
+  stamped_ = table_->version();
+}
+
+std::optional<file_stamp> table_core::stamp() {
+  if (!stamp_ || opened().version() != stamped_) {
+    opened().flush();
+    note_stamp();
+  }
+  return stamp_;
+}
+
 HRESULT table_core::hold(std::unique_ptr<table> found) {
   ovfile::pointer<IOvSchema> filled = new_schema();
   const HRESULT status = fill_schema(*filled.get(), *found);
   path_ = absolute_path(found->getFileName());
   table_ = std::move(found);
+  note_stamp();
   schema = std::move(filled);
   at_end = false;
   at_beginning = false;
@@ -58,6 +73,7 @@ void table_core::create(ovfile::pointer<IOvSchema> definition) {
   }
   table_ = create_table(name, made);
   path_ = absolute_path(name);
+  stamp_.reset();
   refill(*schema.get());
 }
 

@@ -4,11 +4,13 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
 #include "engine/table.h"
 #include "ovfile/ovfile.h"
 #include "ovfile/progress.h"
 #include "ovfile/smart.h"
+#include "platform/file.h"
 
 namespace ovf {
 
@@ -42,6 +44,9 @@ class table_core {
   /// The open table; throws not_open when there is none.
   table& opened() const;
   struct not_open {};
+  /// What the open table's file was like when this object knew all of it: when it was opened, or where the
+  /// object has changed it since, now. Writes what is still in memory. Nothing when the system does not tell.
+  std::optional<file_stamp> stamp();
   /// The absolute path of the open table's file, whatever `name` and the current folder have become.
   const wide& path() const noexcept { return path_; }
 
@@ -75,7 +80,12 @@ class table_core {
   /// Brings the schema of a new table up to what the file says; its read-only latch stays as it was.
   void refill(IOvSchema& definition) const;
 
+  /// Notes what the file is like.
+  void note_stamp();
+
   std::unique_ptr<table> table_;
+  std::optional<file_stamp> stamp_;
+  std::optional<table_version> stamped_;  ///< what the table's version was then
   wide path_;
 };
 

@@ -24,8 +24,8 @@ std::vector<column_origin> same_columns(IOvSchema& schema) {
 }
 
 void copy_under(IOvSchema& schema, table& from, table_replacement& made, std::span<const std::uint32_t> rows,
-                work_progress& work) {
-  table& copy = made.begin(definition_of(schema), true);
+                work_progress& work, bool keep_description) {
+  table& copy = made.begin(definition_of(schema), keep_description);
   if (have_like_records(from, copy)) {
     copy_rows(from, copy, rows, work);
   } else {
@@ -38,10 +38,11 @@ void copy_under(IOvSchema& schema, table& from, table_replacement& made, std::sp
 
 }  // namespace
 
-void keep_rows(table_core& core, IOvSchema& schema, std::span<const std::uint32_t> rows) {
+void keep_rows(table_core& core, IOvSchema& schema, std::span<const std::uint32_t> rows,
+               bool keep_description) {
   table_replacement made(core);
   work_progress work(core.progress, rows.size() * steps_per_copied_row);
-  copy_under(schema, core.opened(), made, rows, work);
+  copy_under(schema, core.opened(), made, rows, work, keep_description);
 }
 
 void sort_table(table_core& core, LONG column, bool ascending) {
@@ -50,7 +51,7 @@ void sort_table(table_core& core, LONG column, bool ascending) {
   const auto schema = schema_of(core.opened());
   work_progress work(core.progress, core.opened().getRowCount() * (1 + steps_per_copied_row));
   const std::vector<std::uint32_t> rows = sorted_rows(core.opened(), field_index(column), ascending, work);
-  copy_under(*schema.get(), core.opened(), made, rows, work);
+  copy_under(*schema.get(), core.opened(), made, rows, work, true);
 }
 
 void rebuild_table(table_core& core, IOvSchema& schema, const cell_plan& plan,

@@ -7,6 +7,7 @@ namespace ovf {
 namespace {
 
 constexpr wide_view no_file = OLESTR("there is no such file");
+constexpr wide_view changed_meanwhile = OLESTR("another program has changed it meanwhile");
 
 /// Some messages name the file alone: the system's words follow them.
 wide with_systems_words(wide message, system_code code) {
@@ -50,6 +51,7 @@ void table_replacement::make_copy(const table_definition& definition, bool keep_
   for (std::uint64_t i = 0; i < old.getFieldCount(); ++i) copied.known_names.insert(old.getFieldName(i));
   new_table made(copied);
   made.carry_over(old, keep_description);
+  if (before_) file_.expect(*before_);
   if (!file_.begin()) throw file_error(with_system_error(OLESTR("cannot create file (%x: %s)")));
   file_.close();
   copy_ = create_table(file_.copy_name(), made);
@@ -58,17 +60,20 @@ void table_replacement::make_copy(const table_definition& definition, bool keep_
 void table_replacement::commit() {
   copy_->flush();
   copy_.reset();
+  if (!file_.settle()) {
+    throw not_replaced{path_,
+                       file_.was_changed() ? wide(changed_meanwhile) : system_message(last_system_error())};
+  }
   const auto schema = core_.schema;
   core_.release_table();
   const bool is_placed = file_.commit();
-  const system_code code = is_placed ? 0 : last_system_error();
-  const not_replaced refusal{path_, code};
+  const wide refusal = is_placed ? wide() : system_message(last_system_error());
   const std::optional<wide> failure = reopen();
   if (failure && is_placed) throw not_reopened{path_, *failure};
-  if (failure) throw not_restored{refusal, *failure};
+  if (failure) throw not_restored{{path_, refusal}, *failure};
   if (!is_placed) {
     core_.schema = schema;
-    throw not_replaced{refusal};
+    throw not_replaced{path_, refusal};
   }
   cursor_.give_up();
 }

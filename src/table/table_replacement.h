@@ -24,7 +24,7 @@ struct no_copy_made {
 /// The copy was not let into the file's place; the old table is open.
 struct not_replaced {
   wide path;
-  std::uint32_t code;  ///< the system's
+  wide reason;
 };
 /// The copy is in the file's place, and it could not be opened; no table is open.
 struct not_reopened {
@@ -40,9 +40,10 @@ struct not_restored {
 
 class table_replacement {
  public:
-  /// The core has a table open, and outlives this.
+  /// The core has a table open, and outlives this. From here on nobody else may change the file, or `commit`
+  /// refuses. Throws what writing the table throws.
   explicit table_replacement(table_core& core)
-      : core_(core), cursor_(core), path_(core.path()), file_(path_) {}
+      : core_(core), cursor_(core), path_(core.path()), file_(path_), before_(core.stamp()) {}
 
   /// Makes the copy, a table without rows. Names and owner of the header are carried over, the description
   /// where `keep_description` says so. Throws no_copy_made.
@@ -62,6 +63,7 @@ class table_replacement {
   kept_cursor cursor_;
   wide path_;
   file_replacement file_;
+  std::optional<file_stamp> before_;
   std::unique_ptr<table> copy_;
 };
 

@@ -21,7 +21,7 @@ namespace ovtest {
 /// The code that failing calls leave: input/output error on Linux, access denied on Windows.
 inline constexpr ovf::system_code failing_code = 5;
 
-enum class call { open, size, seek, read, write, set_end, sync, remove, replace, resolve, rights };
+enum class call { open, size, seek, read, write, set_end, sync, remove, replace, resolve, rights, stamp };
 
 /// What becomes of one call.
 enum class fate {
@@ -83,6 +83,9 @@ class failing_files final : public ovf::file_system {
     return std::make_unique<watched>(shared_, ovf::wide(name), std::move(real));
   }
   ovf::file_kind kind(ovf::wide_view name) noexcept override { return ovf::system_files().kind(name); }
+  bool stamp(ovf::wide_view name, ovf::file_stamp& found) noexcept override {
+    return shared_->ask(call::stamp, name) == fate::works && ovf::system_files().stamp(name, found);
+  }
   bool remove(ovf::wide_view name) noexcept override {
     return shared_->ask(call::remove, name) == fate::works && ovf::system_files().remove(name);
   }

@@ -77,6 +77,9 @@ class forgetful_files final : public ovf::file_system {
     return std::make_unique<watched>(disk_, whole(ovf::wide(name)), std::move(real));
   }
   ovf::file_kind kind(ovf::wide_view name) noexcept override { return ovf::system_files().kind(name); }
+  bool stamp(ovf::wide_view name, ovf::file_stamp& found) noexcept override {
+    return ovf::system_files().stamp(name, found);
+  }
   bool remove(ovf::wide_view name) noexcept override {
     return disk_->goes_on() && ovf::system_files().remove(name);
   }

@@ -133,6 +133,19 @@ TEST_P(DeleteRow, TheSchemaThatTheObjectHoldsCounts) {
   EXPECT_EQ(depths(), (std::vector<double>{2, 3}));
 }
 
+TEST_P(DeleteRow, ADescriptionThatTheHostHasSetIsWritten) {
+  open_rows(3);
+  ovfile::pointer<IOvSchema> schema;
+  ASSERT_EQ(set_->get_Schema(schema.out()), S_OK);
+  ASSERT_EQ(schema->put_Description(words("infill of the second year").get()), S_OK);
+  EXPECT_EQ(set_->DeleteRow(1), S_OK);
+  ASSERT_EQ(set_->get_Schema(schema.out()), S_OK);
+  ovfile::text description;
+  EXPECT_EQ(schema->get_Description(description.out()), S_OK);
+  EXPECT_EQ(description.utf8(), "infill of the second year");
+  EXPECT_EQ(depths(), (std::vector<double>{2, 3}));
+}
+
 TEST_P(DeleteRow, AWidenedTextTakesTheLongRoad) {
   open_rows(3);
   auto wider = ovfile::create_schema();

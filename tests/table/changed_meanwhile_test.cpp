@@ -1,0 +1,127 @@
+// Edits that make a file anew while another program changes it: what that program wrote is not lost.
+#include <chrono>
+#include <thread>
+
+#include "progress_sink.h"
+#include "table_edits_list.h"
+
+namespace {
+
+using ovtest::give_progress;
+
+class ChangedMeanwhile : public ovtest::EditedTable {
+ protected:
+  /// As another program does: opens the table, puts 777 into row 5 and closes it.
+  void change_elsewhere() {
+    // Systems note the moment of a write in steps of some milliseconds.
+    std::this_thread::sleep_for(std::chrono::milliseconds(40));
+    const auto other = ovfile::create_table();
+    ASSERT_EQ(other->Open(ovtest::text_of(path()).get(), 0), S_OK);
+    ASSERT_EQ(other->GetRowAt(5), S_OK);
+    ASSERT_EQ(other->SetColumnDouble(2, 777), S_OK);
+    ASSERT_EQ(other->Close(), S_OK);
+    changed_ = content();
+    ASSERT_TRUE(changed_ != old_);
+  }
+  void follow(IOvProgress* sink) {
+    ASSERT_EQ(GetParam().by_record_set ? give_progress(set_, sink) : give_progress(table_, sink), S_OK);
+  }
+  void expect_refused() {
+    SetErrorInfo(0, nullptr);
+    EXPECT_EQ(run(), E_FAIL);
+    EXPECT_TRUE(ovtest::reported().starts_with(GetParam().not_replaced)) << ovtest::reported();
+    EXPECT_TRUE(content() == changed_);
+    EXPECT_EQ(current(), 9);
+    EXPECT_EQ(left_behind(), std::set<std::string>{"table.ovt"});
+  }
+
+  ovtest::bytes changed_;
+};
+
+TEST_P(ChangedMeanwhile, AFileThatIsChangedDuringTheWorkIsNotReplaced) {
+  open_anew();
+  ovtest::progress_sink sink;
+  bool is_changed = false;
+  sink.meanwhile = [&] {
+    if (!std::exchange(is_changed, true)) change_elsewhere();
+  };
+  follow(&sink);
+  expect_refused();
+  follow(nullptr);
+  EXPECT_TRUE(is_changed);
+}
+
+TEST_P(ChangedMeanwhile, AFileThatWasChangedSinceItWasOpenedIsNotReplaced) {
+  open_anew();
+  change_elsewhere();
+  expect_refused();
+}
+
+TEST_P(ChangedMeanwhile, AnotherFileUnderTheNameIsNotReplaced) {
+  open_anew();
+  changed_ = old_;
+  ovtest::progress_sink sink;
+  sink.meanwhile = [this] {
+    // Some systems do not let a file go that is open.
+    std::error_code refused;
+    std::filesystem::copy_file(path(), path("other"), std::filesystem::copy_options::overwrite_existing,
+                               refused);
+    std::filesystem::rename(path("other"), path(), refused);
+    std::filesystem::remove(path("other"), refused);
+  };
+  follow(&sink);
+  const HRESULT status = run();
+  follow(nullptr);
+  EXPECT_TRUE(status == E_FAIL ? content() == old_ : content() == new_);
+  EXPECT_EQ(left_behind(), std::set<std::string>{"table.ovt"});
+}
+
+TEST_P(ChangedMeanwhile, AfterOpeningAgainTheTableIsReplaced) {
+  open_anew();
+  change_elsewhere();
+  EXPECT_EQ(run(), E_FAIL);
+  close();
+  if (GetParam().by_record_set) {
+    ASSERT_EQ(open_set(), S_OK);
+  } else {
+    ASSERT_EQ(open(), S_OK);
+  }
+  EXPECT_EQ(run(), S_OK);
+  EXPECT_TRUE(content() != changed_);
+}
+
+/// Its own changes do not count, written or not, nor do edits before.
+TEST_P(ChangedMeanwhile, WhatTheObjectHasChangedItselfIsInTheNewFile) {
+  open_anew();
+  if (GetParam().by_record_set) {
+    ASSERT_EQ(set_->SetColumn(2, ovfile::variant(99.0).get()), S_OK);
+  } else {
+    ASSERT_EQ(table_->SetColumnDouble(2, 99), S_OK);
+    ASSERT_EQ(table_->FlushChanges(), S_OK);
+  }
+  ASSERT_EQ(second_column(), 99);
+  EXPECT_EQ(run(), S_OK);
+  EXPECT_EQ(run(), GetParam().name == "Rebuild" ? E_FAIL : S_OK);  // a Rebuild of rows that are not there
+  EXPECT_TRUE(content() != old_);
+}
+
+TEST_P(ChangedMeanwhile, AFileThatTellsNothingOfItselfIsNotReplaced) {
+  open_anew();
+  for (int nth = 1; nth < 10; ++nth) {
+    ovtest::failing_files disk;
+    disk.fail_nth(ovtest::call::stamp, nth);
+    if (SUCCEEDED(run())) {
+      EXPECT_GT(nth, 1);
+      return;
+    }
+    disk.fail_nothing();
+    expect_untouched();
+    EXPECT_EQ(left_behind(), std::set<std::string>{"table.ovt"});
+  }
+  FAIL() << "no run went through";
+}
+
+INSTANTIATE_TEST_SUITE_P(Edits, ChangedMeanwhile, ::testing::ValuesIn(ovtest::table_edits()),
+                         [](const auto& test) { return test.param.name; });
+
+}  // namespace
