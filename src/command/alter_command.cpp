@@ -40,7 +40,7 @@ void run_alter(const alteration_request& request) {
   origins.reserve(columns.size());
   for (const altered_column& column : columns) origins.push_back(column.from);
   const auto schema = schema_of(view, columns);
-  rebuild(view, nullptr, schema.get(), origins);
+  rebuild_columns(view, *schema.get(), origins);
 }
 
 }  // namespace

@@ -12,9 +12,8 @@ namespace command {
 namespace {
 
 constexpr const char* help =
-    "Deletes the rows that meet a CONDITION like \"AU IS ABSENT\", or those of a list like 3,10-20. The "
-    "table\n"
-    "is written anew and takes the old one's place in one step.";
+    "Deletes the rows that meet a CONDITION like \"AU IS ABSENT\", or those of a list like 3,10-20. The\n"
+    "table is written anew and takes the old one's place in one step.";
 
 struct deletion_request {
   std::string table;
@@ -34,7 +33,7 @@ void run_delete_rows(const deletion_request& request) {
     for (LONG row = 1; row <= view.rows(); ++row) {
       if (!doomed.has(row)) kept.push_back(row);
     }
-    rebuild(view, &kept);
+    keep_rows(view, kept);
   }
   say(fmt::format("{} of {} deleted", doomed.count(), counted(view.rows(), "row")));
 }

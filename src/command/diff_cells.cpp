@@ -52,7 +52,12 @@ void diff_side::read(diff_cell* cells) const {
 void diff_side::read_key(std::string& words, const std::vector<column_pair>& key) const {
   words.clear();
   for (const column_pair& pair : key) {
-    view_.append_cell(words, pair.*side_, "-");
+    const field_view& field = pair.*side_;
+    if (!field.is_text && view_.number(field) == 0) {
+      words += '0';  // whatever its sign: equal numbers are one key
+    } else {
+      view_.append_cell(words, field, "-");
+    }
     words += '\0';
   }
 }

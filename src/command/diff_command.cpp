@@ -14,11 +14,9 @@ namespace command {
 namespace {
 
 constexpr const char* help =
-    "Compares two tables: precision, description and columns, then the rows, in order or by a key whose "
-    "rows\n"
-    "belong together wherever they stand. Lines of the old table begin with -, of the new one with +, and "
-    "rows\n"
-    "with their number. Exit status: 0 equal, 1 different, 2 failed or wrong usage.";
+    "Compares two tables: precision, description and columns, then the rows, in order or by a key whose\n"
+    "rows belong together wherever they stand. Lines of the old table begin with -, of the new one with +,\n"
+    "and rows with their number. Exit status: 0 equal, 1 different, 2 failed or wrong usage.";
 
 struct diff_request {
   std::string old_table;

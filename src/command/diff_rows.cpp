@@ -4,7 +4,6 @@
 #include <cmath>
 #include <unordered_map>
 
-#include "console.h"
 #include "csv_text.h"
 #include "progress.h"
 #include "row_choice.h"
@@ -53,9 +52,19 @@ std::string names_of(const std::vector<column_pair>& columns) {
   return names;
 }
 
-bool shows_to_terminal() { return is_terminal(standard_stream::output); }
-
 }  // namespace
+
+/// The rows that are read, of all that will be.
+class row_comparison::steps {
+ public:
+  explicit steps(std::uint64_t all) : bar_("comparing"), all_(all) {}
+  void step() { bar_.at(++done_, all_); }
+
+ private:
+  progress bar_;
+  std::uint64_t all_;
+  std::uint64_t done_ = 0;
+};
 
 /// Rows of the old table that wait for those of the new one.
 class row_comparison::piece {
@@ -130,7 +139,7 @@ void row_comparison::compare_in_order() {
   const LONG rows = std::max(before_.rows(), after_.rows());
   std::vector<diff_cell> one(before_.columns());
   std::vector<diff_cell> other(after_.columns());
-  progress bar("comparing", !shows_to_terminal());
+  steps work(static_cast<std::uint64_t>(rows));
   for (LONG row = 1; row <= rows; ++row) {
     const bool in_before = row <= before_.rows();
     const bool in_after = row <= after_.rows();
@@ -142,19 +151,20 @@ void row_comparison::compare_in_order() {
       after_.go_to(row);
       after_.read(other.data());
     }
-    bar.at(static_cast<std::uint64_t>(row), static_cast<std::uint64_t>(rows));
+    work.step();
     if (in_before && in_after && same(one.data(), other.data())) continue;
     if (in_before) out_.add('-', before_.line(row, one.data()));
     if (in_after) out_.add('+', after_.line(row, other.data()));
   }
 }
 
-void row_comparison::compare_piece(piece& rows) {
+void row_comparison::compare_piece(piece& rows, steps& work) {
   std::vector<diff_cell> other(after_.columns());
   for (const std::size_t i : rows.in_order_of_after()) {
     after_.go_to(rows[i].after);
     after_.read(other.data());
     if (!same(rows.cells(i), other.data())) rows[i].differs = after_.line(rows[i].after, other.data());
+    work.step();
   }
   for (std::size_t i = 0; i < rows.size(); ++i) {
     if (rows[i].after != 0 && rows[i].differs.empty()) continue;
@@ -168,13 +178,13 @@ void row_comparison::compare_by_key(const std::vector<column_pair>& key) {
   key_index index(after_.rows());
   row_choice met(after_.rows());
   std::string words;
-  progress bar("comparing", !shows_to_terminal());
-  const auto all = static_cast<std::uint64_t>(before_.rows()) + static_cast<std::uint64_t>(after_.rows());
+  // The new table's rows are read once for their keys and once for their cells.
+  steps work(static_cast<std::uint64_t>(before_.rows()) + 2 * static_cast<std::uint64_t>(after_.rows()));
   for (LONG row = 1; row <= after_.rows(); ++row) {
     after_.go_to(row);
     after_.read_key(words, key);
     index.add(words, row);
-    bar.at(static_cast<std::uint64_t>(row), all);
+    work.step();
   }
   piece rows(before_);
   for (LONG row = 1; row <= before_.rows(); ++row) {
@@ -183,16 +193,17 @@ void row_comparison::compare_by_key(const std::vector<column_pair>& key) {
     const LONG other = index.take(words);
     if (other != 0) met.choose(other);
     rows.add(before_, row, other);
-    if (rows.is_full()) compare_piece(rows);
-    bar.at(static_cast<std::uint64_t>(after_.rows()) + static_cast<std::uint64_t>(row), all);
+    if (rows.is_full()) compare_piece(rows, work);
+    work.step();
   }
-  compare_piece(rows);
+  compare_piece(rows, work);
   std::vector<diff_cell> cells(after_.columns());
   for (LONG row = 1; row <= after_.rows(); ++row) {
     if (met.has(row)) continue;
     after_.go_to(row);
     after_.read(cells.data());
     out_.add('+', after_.line(row, cells.data()));
+    work.step();
   }
 }
 

@@ -24,9 +24,10 @@ class row_comparison {
 
  private:
   class piece;
+  class steps;
 
   bool same(const diff_cell* before, const diff_cell* after) const;
-  void compare_piece(piece& rows);
+  void compare_piece(piece& rows, steps& work);
 
   diff_side before_;
   diff_side after_;

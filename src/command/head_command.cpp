@@ -132,11 +132,11 @@ void define_head(CLI::App& program) {
   add_table_argument(*app, request->options.table);
   app->add_option("-n,--rows", request->count, "how many rows")
       ->type_name("N")
-      ->check(CLI::Range(LONG{0}, std::numeric_limits<LONG>::max()))
+      ->transform(whole_number(0, std::numeric_limits<LONG>::max()))
       ->capture_default_str();
   app->add_option("--from", request->from, "the first row to show")
       ->type_name("ROW")
-      ->check(CLI::Range(LONG{1}, std::numeric_limits<LONG>::max()))
+      ->transform(whole_number(1, std::numeric_limits<LONG>::max()))
       ->capture_default_str();
   add_row_options(*app, request->options);
   app->callback([request] { run_head(*request); });

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 
 #include "console.h"
 #include "words.h"
@@ -27,6 +28,9 @@ const auto start = std::chrono::steady_clock::now();
 constexpr auto between_looks = milliseconds(100);
 constexpr std::size_t bar_width = 30;
 
+/// Whether the terminal's last line is a bar, whosever it is.
+bool is_drawn = false;
+
 }  // namespace
 
 progress::progress(std::string title, bool wanted)
@@ -34,8 +38,8 @@ progress::progress(std::string title, bool wanted)
       shown_(wanted && is_terminal(standard_stream::error)),
       next_(start + patience()) {}
 
-progress::~progress() {
-  if (drawn_) std::fputs("\r\x1B[K", stderr);
+void progress::wipe() {
+  if (std::exchange(is_drawn, false)) std::fputs("\r\x1B[K", stderr);
 }
 
 void progress::look(std::uint64_t done, std::uint64_t total) {
@@ -43,7 +47,7 @@ void progress::look(std::uint64_t done, std::uint64_t total) {
   const auto now = std::chrono::steady_clock::now();
   if (now < next_) return;
   next_ = now + between_looks;
-  drawn_ = true;
+  is_drawn = true;
   const double share =
       total == 0 ? 0.0 : std::min(1.0, static_cast<double>(done) / static_cast<double>(total));
   const auto full = static_cast<std::size_t>(share * static_cast<double>(bar_width));

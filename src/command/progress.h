@@ -10,9 +10,9 @@ namespace command {
 
 class progress {
  public:
-  /// `wanted` false keeps it silent (its line would run into the output).
+  /// `wanted` false keeps it silent (where output flows all the time it would only flicker).
   explicit progress(std::string title, bool wanted = true);
-  ~progress();
+  ~progress() { wipe(); }
   progress(const progress&) = delete;
   progress& operator=(const progress&) = delete;
 
@@ -22,6 +22,9 @@ class progress {
   }
   /// The same for steps that are large, or of which there may be few.
   void look(std::uint64_t done, std::uint64_t total);
+  /// Takes away the bar that stands on the terminal, if any: for who is about to write there. Work that goes
+  /// on draws it again.
+  static void wipe();
 
  private:
   static constexpr unsigned calls_per_look = 1024;
@@ -29,7 +32,6 @@ class progress {
   std::string title_;
   bool shown_;
   unsigned calls_ = 0;
-  bool drawn_ = false;
   std::chrono::steady_clock::time_point next_;
 };
 

@@ -5,20 +5,38 @@
 
 namespace command {
 
-void rebuild(const table_view& view, const std::vector<LONG>* rows, IOvSchema* schema,
-             const std::vector<LONG>& columns) {
+namespace {
+
+/// `call` gets the table and rebuilds it.
+template <class Call>
+void rebuild(const table_view& view, Call call) {
   const interrupt_guard guard;
-  const long_call call(view, "writing");
+  const long_call shown(view, "writing");
   const auto maintenance = ovfile::pointer<IOvTable>(&view.table()).query<IOvTableMaintenance>();
-  if (!maintenance) view.check(E_NOINTERFACE);
-  const LONG none = 0;  // a list without rows is not the absence of a list
-  const LONG* const row_of = rows == nullptr ? nullptr : rows->empty() ? &none : rows->data();
-  const HRESULT status = maintenance->Rebuild(schema, static_cast<LONG>(columns.size()),
-                                              columns.empty() ? nullptr : columns.data(),
-                                              rows == nullptr ? 0 : static_cast<LONG>(rows->size()), row_of);
+  const HRESULT status = maintenance ? call(*maintenance.get()) : E_NOINTERFACE;
   long_call::throw_if_stopped(status);
   view.check_copied(status);
   view.close();
+}
+
+/// A list without entries is not the absence of a list, which null would be.
+const LONG* begin_of(const std::vector<LONG>& list) noexcept {
+  static constexpr LONG none = 0;
+  return list.empty() ? &none : list.data();
+}
+
+}  // namespace
+
+void keep_rows(const table_view& view, const std::vector<LONG>& rows) {
+  rebuild(view, [&rows](IOvTableMaintenance& table) {
+    return table.Rebuild(nullptr, 0, nullptr, static_cast<LONG>(rows.size()), begin_of(rows));
+  });
+}
+
+void rebuild_columns(const table_view& view, IOvSchema& schema, const std::vector<LONG>& columns) {
+  rebuild(view, [&](IOvTableMaintenance& table) {
+    return table.Rebuild(&schema, static_cast<LONG>(columns.size()), begin_of(columns), 0, nullptr);
+  });
 }
 
 }  // namespace command

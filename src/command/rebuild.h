@@ -7,11 +7,13 @@
 
 namespace command {
 
-/// Puts a table of these rows of `view` (in this order, each at most once; null: all) in the place of the old
-/// one and closes it. With a schema the table gets its columns, of which the i-th has the values of column
-/// `columns[i]`, or its default where that is 0. Throws `failure`, and `interrupted` when a stop was asked
-/// for before the new table stood there; the old table stays then.
-void rebuild(const table_view& view, const std::vector<LONG>* rows, IOvSchema* schema = nullptr,
-             const std::vector<LONG>& columns = {});
+/// Each puts a new table in the place of that of `view` and closes it. Throws `failure`, and `interrupted`
+/// when a stop was asked for before the new table stood there; the old table stays then.
+
+/// Of these rows, in this order, each at most once.
+void keep_rows(const table_view& view, const std::vector<LONG>& rows);
+/// Of all rows with the columns of `schema`; the i-th has the values of column `columns[i]`, or its default
+/// where that is 0.
+void rebuild_columns(const table_view& view, IOvSchema& schema, const std::vector<LONG>& columns);
 
 }  // namespace command

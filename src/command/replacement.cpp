@@ -49,17 +49,19 @@ std::string make_beside(const std::string& target, const std::string& shown) {
   // Told at once, not when the work is done.
   if (is_in_use(target)) throw failure("cannot replace " + shown + ": it is open in another program");
   std::error_code error;
-  const bool secret = fs::exists(path_of(target), error);
+  const bool replaces = fs::exists(path_of(target), error);
   const fs::path folder = path_of(target).parent_path();
   for (int number = 0;; ++number) {
     const std::string leaf = ".NEW" + std::to_string(process_number()) + "-" + std::to_string(number);
     std::string name = utf8_of(folder / path_of(leaf));
     bool taken = false;
     try {
-      raw_file::make_new(name, secret, taken).close();
+      raw_file::make_new(name, replaces, taken).close();
       return name;
     } catch (const failure&) {
-      if (!taken) throw failure("cannot create " + shown + ": " + last_reason());
+      if (taken) continue;
+      const char* const words = replaces ? ": no file can be made in its folder: " : ": ";
+      throw failure((replaces ? "cannot replace " : "cannot create ") + shown + words + last_reason());
     }
   }
 }

@@ -16,9 +16,8 @@ namespace command {
 namespace {
 
 constexpr const char* help =
-    "Sets columns of the rows that meet a CONDITION like \"AU < 0\" to a value. In a column of numbers - "
-    "and\n"
-    "absent (or nothing) are the absent number. All values are checked before the first row is changed.";
+    "Sets columns of the rows that meet a CONDITION like \"AU < 0\" to a value. In a column of numbers -\n"
+    "and absent (or nothing) are the absent number. All values are checked before the first row is changed.";
 
 struct set_request {
   std::string table;

@@ -13,10 +13,9 @@ namespace command {
 namespace {
 
 constexpr const char* help =
-    "Prints the signature of a table: 40 hexadecimal digits made of its columns and rows, which are the "
-    "same\n"
-    "for tables that hold the same. A tight one counts the description, the order of the columns and the\n"
-    "precision, a loose one none of them.";
+    "Prints the signature of a table: 40 hexadecimal digits made of its columns and rows, which are the\n"
+    "same for tables that hold the same. A tight one counts the description, the order of the columns and\n"
+    "the precision, a loose one none of them.";
 
 struct signature_request {
   std::string table;
@@ -26,8 +25,8 @@ struct signature_request {
 };
 
 std::string signature(const table_view& view, const signature_request& request) {
-  const long_call call(view, "signing");
   std::optional<interrupt_guard> guard;  // where nobody asks for the flag a signal shall end the work
+  const long_call call(view, "signing");
   if (call.can_be_stopped()) guard.emplace();
   const VARIANT_BOOL ignore = request.loose ? VARIANT_TRUE : VARIANT_FALSE;
   ovfile::text digits;
@@ -58,7 +57,7 @@ void define_sign(CLI::App& program) {
   app->add_option("--decimals", request->decimals,
                   "numbers with exactly so many decimals; by default six at most, without zeros at the end")
       ->type_name("N")
-      ->check(CLI::Range(LONG{0}, LONG{1000}));
+      ->transform(whole_number(0, 1000));
   app->callback([request] { run_sign(*request); });
 }
 

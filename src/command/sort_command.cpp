@@ -12,11 +12,9 @@ namespace {
 
 constexpr const char* help =
     "Sorts the rows of a table by a column, by the next one where those are equal, and so on; rows that are\n"
-    "equal in all keep their order. --by A,B is --by A --by B. An absent number is -1e30 and stands first, "
-    "what\n"
-    "is no number (nan) last; texts go a, ab, b, capitals before small letters. With --descending all is "
-    "the\n"
-    "other way round. The table is written anew and takes the old one's place in one step.";
+    "equal in all keep their order. --by A,B is --by A --by B. An absent number is -1e30 and stands first,\n"
+    "what is no number (nan) last; texts go a, ab, b, capitals before small letters. With --descending all\n"
+    "is the other way round. The table is written anew and takes the old one's place in one step.";
 
 struct sort_request {
   std::string table;
@@ -30,7 +28,7 @@ void run_sort(const sort_request& request) {
   for (const std::string& name : request.by) columns.push_back(view.field(name));
   // The library's own way to sort puts rows with equal values in any order.
   const std::vector<LONG> rows = sorted_rows(view, columns, request.descending);
-  if (!std::is_sorted(rows.begin(), rows.end())) rebuild(view, &rows);
+  if (!std::is_sorted(rows.begin(), rows.end())) keep_rows(view, rows);
 }
 
 }  // namespace

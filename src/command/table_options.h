@@ -1,11 +1,15 @@
 // Options that commands have in common.
 #pragma once
 
+#include <charconv>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "commands.h"
+#include "ovfile/component.h"
+#include "words.h"
 
 namespace command {
 
@@ -18,6 +22,22 @@ struct row_options {
 
 inline void add_table_argument(CLI::App& app, std::string& table) {
   app.add_option("table", table, "the table file")->required();
+}
+
+/// For options of whole numbers. The number goes on without zeros in front, which would make it octal.
+inline CLI::Validator whole_number(LONG least, LONG most) {
+  const auto problem = [least, most](std::string& words) -> std::string {
+    long long number = 0;
+    const char* const end = words.data() + words.size();
+    const auto [stop, error] = std::from_chars(words.data(), end, number);
+    if (stop != end || error == std::errc::invalid_argument) return words + " is not a whole number";
+    if (error != std::errc() || number < least || number > most) {
+      return fmt::format("{} is not in the range {} to {}", words, least, most);
+    }
+    words = std::to_string(number);
+    return {};
+  };
+  return {problem, {}};
 }
 
 inline void add_description_option(CLI::App& app, std::optional<std::string>& description) {

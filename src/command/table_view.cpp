@@ -81,6 +81,7 @@ void table_view::fail_at(const field_view* field, HRESULT status) const {
 std::vector<field_view> table_view::choose(const std::vector<std::string>& names) const {
   if (names.empty()) return fields_;
   std::vector<field_view> chosen;
+  chosen.reserve(names.size());
   for (const std::string& name : names) chosen.push_back(field(name));
   return chosen;
 }
@@ -88,6 +89,8 @@ std::vector<field_view> table_view::choose(const std::vector<std::string>& names
 const field_view& table_view::field(const std::string& name) const {
   const field_view* const found = find_field(fields_, name);
   if (found != nullptr) return *found;
+  if (name.empty()) throw wrong_usage("the name of a column is empty");
+  if (fields_.empty()) throw failure(fmt::format("{} has no column {}; it has no columns", file_, name));
   std::vector<std::string> names;
   for (const field_view& there : fields_) names.push_back(there.name);
   const std::vector<std::string> similar = names_near(names, name);

@@ -32,7 +32,8 @@ class table_view {
   /// The fields of these names in this order; all where there are none.
   std::vector<field_view> choose(const std::vector<std::string>& names) const;
 
-  /// The field of this name. Throws `failure` that tells which names are near it.
+  /// The field of this name. Throws `failure` that tells which names are near it, and `wrong_usage` when the
+  /// name is empty.
   const field_view& field(const std::string& name) const;
   /// Throws `failure` when the table cannot have a new field of this name.
   void check_new_name(const std::string& name) const;

@@ -1,6 +1,8 @@
 #include "text_output.h"
 
+#include "console.h"
 #include "failure.h"
+#include "progress.h"
 
 namespace command {
 namespace {
@@ -13,9 +15,12 @@ raw_file open_end(const std::string& name, std::optional<replacement>& file) {
 
 }  // namespace
 
-text_output::text_output(const std::string& name) : file_(open_end(name, replacement_)) {}
+text_output::text_output(const std::string& name)
+    : file_(open_end(name, replacement_)),
+      to_terminal_(!replacement_ && is_terminal(standard_stream::output)) {}
 
 void text_output::write() {
+  if (to_terminal_ && !text_.empty()) progress::wipe();
   file_.write(text_);
   text_.clear();
 }

@@ -13,7 +13,7 @@ namespace command {
 class text_output {
  public:
   /// Standard output.
-  text_output() : file_(raw_file::standard_output()) {}
+  text_output() : text_output("-") {}
   /// A file; `-` is standard output.
   explicit text_output(const std::string& name);
 
@@ -32,6 +32,7 @@ class text_output {
 
   std::optional<replacement> replacement_;
   raw_file file_;
+  bool to_terminal_;
   std::string text_;
 };
 

@@ -39,7 +39,7 @@ void define_truncate(CLI::App& program) {
   add_table_argument(*app, request->table);
   app->add_option("--rows", request->rows, "how many rows stay")
       ->type_name("N")
-      ->check(CLI::Range(LONG{0}, std::numeric_limits<LONG>::max()))
+      ->transform(whole_number(0, std::numeric_limits<LONG>::max()))
       ->required();
   app->callback([request] { run_truncate(*request); });
 }

@@ -105,8 +105,19 @@ TEST_F(alter_test, many_rows_stay) {
   });
 }
 
+TEST_F(alter_test, a_table_without_columns_says_so) {
+  round_trip("A\n");
+  run_quietly({"alter", "t.ovt", "--drop", "A"});
+  expect_unchanged({"sort", "t.ovt", "--by", "A"}, "t.ovt has no column A; it has no columns");
+  expect_unchanged({"alter", "t.ovt", "--drop", "A"}, "t.ovt has no column A; it has no columns");
+}
+
 TEST_F(alter_test, what_is_not_possible_changes_nothing) {
   make();
+  const std::string before = read("t.ovt");
+  expect_wrong_usage({"alter", "t.ovt", "--drop", ""}, "the name of a column is empty");
+  expect_wrong_usage({"alter", "t.ovt", "--order", ""}, "the name of a column is empty");
+  EXPECT_TRUE(read("t.ovt") == before);
   expect_unchanged({"alter", "t.ovt", "--drop", "D"}, "t.ovt has no column D; its columns are A, B, C, ZONE");
   expect_unchanged({"alter", "t.ovt", "--order", "D"},
                    "t.ovt has no column D; its columns are A, B, C, ZONE");

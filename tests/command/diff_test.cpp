@@ -78,6 +78,19 @@ TEST_F(diff_test, a_key_brings_rows_together) {
   expect_equal({"--key", "H,F"});
 }
 
+TEST_F(diff_test, both_zeros_are_one_key) {
+  for (const names& options : {names{}, names{"--single"}}) {
+    make("a.ovt", "F,V\n5,1\n-0,2\n", options);
+    make("b.ovt", "F,V\n0,2\n5,1\n", options);
+    expect_equal({"--key", "F"});
+    make("b.ovt", "F,V\n0,3\n5,1\n", options);
+    EXPECT_EQ(difference({"--key", "F"}), "--- a.ovt\n+++ b.ovt\n@@ rows: F,V @@\n-2 -0,2\n+1 0,3\n");
+  }
+  make("a.ovt", "F,V\n-0,1\n0,2\n");
+  make("b.ovt", "F,V\n0,1\n-0,2\n");
+  expect_equal({"--key", "F"});
+}
+
 TEST_F(diff_test, rows_of_one_key_meet_in_their_order) {
   make("a.ovt", "H,V\nh,1\nh,2\nh,3\n");
   make("b.ovt", "H,V\nh,1\ng,0\nh,5\n");
@@ -178,6 +191,7 @@ TEST_F(diff_test, what_goes_wrong_is_no_difference) {
   expect_trouble({"diff", "a.ovt", "none.ovt"}, "none.ovt: File does not exist");
   expect_trouble({"diff", "none.ovt", "a.ovt"}, "none.ovt: File does not exist");
   expect_trouble({"diff", "a.ovt", "a.ovt", "--key", "B"}, "a.ovt has no column B; its columns are A");
+  expect_trouble({"diff", "a.ovt", "a.ovt", "--key", ""}, "the name of a column is empty");
   EXPECT_EQ(run({"diff", "a.ovt"}).status, 2);
 }
 

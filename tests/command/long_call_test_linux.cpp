@@ -1,6 +1,8 @@
 // Long calls of the library: they show how far they have come, and a signal ends them.
+#include <fcntl.h>
 #include <pty.h>
 #include <signal.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -11,6 +13,12 @@
 namespace {
 
 using ovtest::names;
+
+/// A signal that is sent as soon as the terminal has seen these words.
+struct answer {
+  std::string words;
+  int signal = 0;
+};
 
 class long_call_test : public ovtest::edit_test {
  protected:
@@ -60,7 +68,7 @@ class long_call_test : public ovtest::edit_test {
   }
 
   /// What a shell script writes to a terminal; $OVFILE is the program.
-  std::string on_terminal(const std::string& script, int& status) const {
+  std::string on_terminal(const std::string& script, int& status, const answer& sent = {}) const {
     ovtest::set_environment("OVFILE", program());
     int terminal = -1;
     const pid_t child = ::forkpty(&terminal, nullptr, nullptr, nullptr);
@@ -70,9 +78,14 @@ class long_call_test : public ovtest::edit_test {
       ::_exit(127);
     }
     std::string seen;
+    bool waits = sent.signal != 0;
     char bytes[4096];
     for (ssize_t done = 0; (done = ::read(terminal, bytes, sizeof bytes)) > 0;) {
       seen.append(bytes, static_cast<std::size_t>(done));
+      if (waits && seen.find(sent.words) != seen.npos) {
+        ::kill(child, sent.signal);
+        waits = false;
+      }
     }
     ::close(terminal);
     ::waitpid(child, &status, 0);
@@ -88,6 +101,24 @@ class long_call_test : public ovtest::edit_test {
     EXPECT_EQ(status, 0);
     return seen;
   }
+};
+
+/// A named pipe that takes nothing: whoever has something to say waits, however fast the work was.
+class full_pipe {
+ public:
+  explicit full_pipe(const std::filesystem::path& name) {
+    if (::mkfifo(name.c_str(), 0600) == 0) handle_ = ::open(name.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
+    EXPECT_GE(handle_, 0);
+    for (const std::string some(4096, ' '); handle_ >= 0;) {
+      if (::write(handle_, some.data(), some.size()) < 0) break;
+    }
+  }
+  ~full_pipe() { ::close(handle_); }
+  full_pipe(const full_pipe&) = delete;
+  full_pipe& operator=(const full_pipe&) = delete;
+
+ private:
+  int handle_ = -1;
 };
 
 struct stopped_work {
@@ -124,23 +155,18 @@ TEST_F(long_call_test, a_signal_while_a_table_is_written_anew_leaves_the_old_one
 TEST_F(long_call_test, a_signal_ends_a_signature) {
   make_long_table();
   const std::string before = read("t.ovt");
+  const full_pipe output(folder() / "full");
+  ovtest::set_environment("OVFILE_PROGRESS", "0");
   for (const int signal : {SIGINT, SIGTERM}) {
-    bool stopped = false;
-    // The signal may come when the signature has been printed already.
-    for (int attempt = 0; attempt < 20 && !stopped; ++attempt) {
-      const pid_t child = start({"sign", "t.ovt"});
-      ::usleep(30000);
-      ::kill(child, signal);
-      int status = 0;
-      ::waitpid(child, &status, 0);
-      stopped = WIFSIGNALED(status);
-      if (stopped) {
-        EXPECT_EQ(WTERMSIG(status), signal);
-      }
-    }
-    EXPECT_TRUE(stopped);
+    int status = 0;
+    const std::string seen =
+        on_terminal("exec \"$OVFILE\" sign t.ovt >full", status, {"\rsigning [", signal});
+    EXPECT_NE(seen.find("\rsigning ["), seen.npos) << seen;
+    EXPECT_EQ(seen.substr(seen.size() - 4), "\r\x1B[K") << "wiped away";
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == signal) << status;
     EXPECT_TRUE(read("t.ovt") == before);
   }
+  ovtest::set_environment("OVFILE_PROGRESS", "");
 }
 
 TEST_F(long_call_test, a_terminal_sees_how_far_a_new_table_has_come) {

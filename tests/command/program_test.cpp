@@ -34,7 +34,7 @@ TEST_F(program_test, wrong_usage_is_status_2) {
   expect_wrong_usage({"import"}, "csv is required (see --help)");
   expect_wrong_usage({"info"}, "table is required (see --help)");
   expect_wrong_usage({"head", "t.ovt", "-n", "-1"},
-                     "--rows: Value -1 not in range 0 to 2147483647 (see --help)");
+                     "--rows: -1 is not in the range 0 to 2147483647 (see --help)");
   for (const std::vector<std::string>& arguments : {std::vector<std::string>{"frobnicate"},
                                                     {"info", "t.ovt", "--frobnicate"},
                                                     {"info", "t.ovt", "u.ovt"},

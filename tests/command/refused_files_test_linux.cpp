@@ -160,11 +160,15 @@ TEST_F(refused_files_test, a_copy_in_a_folder_that_takes_none_says_so) {
   make_wide_table();
   const std::string before = read("t.ovt");
   set_mode(".", 0555);
-  const std::string line = "cannot create t.ovt: Permission denied";
+  const std::string line = "cannot replace t.ovt: no file can be made in its folder: Permission denied";
   expect_refused({"add-implicit", "t.ovt", "LAST=7"}, line);
   expect_refused({"alter", "t.ovt", "--drop", "C1"}, line);
   expect_refused({"sort", "t.ovt", "--by", "C1"}, line);
   expect_refused({"delete-rows", "t.ovt", "--rows", "1"}, line);
+  expect_refused({"import", "in.csv", "t.ovt"}, line);
+  expect_refused({"export", "t.ovt", "in.csv"},
+                 "cannot replace in.csv: no file can be made in its folder: Permission denied");
+  expect_refused({"import", "in.csv", "new.ovt"}, "cannot create new.ovt: Permission denied");
   EXPECT_EQ(run_as_user({"rename", "t.ovt", "C1", "D1"}).status, 0);
   EXPECT_EQ(run_as_user({"rename", "t.ovt", "D1", "C1"}).status, 0);
   set_mode(".", 0755);

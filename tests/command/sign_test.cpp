@@ -29,7 +29,10 @@ TEST_F(sign_test, wrong_usage_is_told) {
   expect_failure({"sign", "none.ovt"}, "none.ovt: File does not exist");
   round_trip("A\n1\n");
   EXPECT_EQ(run({"sign", "t.ovt", "--loose", "--tight"}).status, 2);
-  EXPECT_EQ(run({"sign", "t.ovt", "--decimals", "-1"}).status, 2);
+  expect_wrong_usage({"sign", "t.ovt", "--decimals", "-1"},
+                     "--decimals: -1 is not in the range 0 to 1000 (see --help)");
+  expect_wrong_usage({"sign", "t.ovt", "--decimals", "1.5"},
+                     "--decimals: 1.5 is not a whole number (see --help)");
 }
 
 }  // namespace

@@ -128,6 +128,10 @@ TEST_F(sort_test, a_column_that_is_not_there_changes_nothing) {
   expect_unchanged({"sort", "t.ovt", "--by", "A", "--by", "C"},
                    "t.ovt has no column C; its columns are A, B");
   EXPECT_EQ(run({"sort", "t.ovt"}).status, 2);
+  const std::string before = read("t.ovt");
+  expect_wrong_usage({"sort", "t.ovt", "--by", ""}, "the name of a column is empty");
+  expect_wrong_usage({"sort", "t.ovt", "--by", "A", "--by", ""}, "the name of a column is empty");
+  EXPECT_TRUE(read("t.ovt") == before);
 }
 
 }  // namespace
