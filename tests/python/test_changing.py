@@ -307,9 +307,17 @@ def test_signatures(tmp_path):
 # Interrupting.
 
 
+@pytest.fixture
+def ctrl_c():
+    """The usual handler, also where the tests were started by a shell that ignores the signal."""
+    before = signal.signal(signal.SIGINT, signal.default_int_handler)
+    yield
+    signal.signal(signal.SIGINT, before)
+
+
 @pytest.mark.skipif(os.name == "nt", reason="sends itself a signal as Linux does")
 @pytest.mark.parametrize("work", ["sort", "add_column", "signature"])
-def test_long_calls_are_interrupted(path, monkeypatch, work):
+def test_long_calls_are_interrupted(path, monkeypatch, ctrl_c, work):
     """A signal that comes while the library works stops it, and the table is as it was."""
     ovfile.write({"N": np.arange(300_000)[::-1]}, path)
     before = path.read_bytes()
@@ -332,7 +340,7 @@ def test_long_calls_are_interrupted(path, monkeypatch, work):
 
 
 @pytest.mark.skipif(os.name == "nt", reason="sends itself a signal as Linux does")
-def test_a_signal_at_any_time(path):
+def test_a_signal_at_any_time(path, ctrl_c):
     ovfile.write({"N": np.arange(1_000_000)[::-1]}, path)
     with ovfile.open(path, "r+") as table:
         for delay in (0.05, 0.1, 0.15):
