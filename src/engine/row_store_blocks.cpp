@@ -170,6 +170,7 @@ void row_store<Precision>::commit_rows(added_rows& added) {
 template <class Precision>
 void row_store<Precision>::give_up_rows(added_rows& added) noexcept {
   if (!added.are_written) return;
+  note_change();  // the file is not the one that was last looked at
   records_.forget();
   if (!added.kept_bytes.empty()) {
     (void)write_at(*file_, added.kept_page * Precision::page_bytes, added.kept_bytes);

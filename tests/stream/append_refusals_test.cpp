@@ -217,6 +217,17 @@ TEST_F(StreamRefusals, LeaveTheFileAsItWas) {
   EXPECT_TRUE(content("many.ovt") == before);
 }
 
+TEST_F(StreamRefusals, AreNoChangesOfAnotherProgram) {
+  make_holes(5000, true, "many.ovt");
+  ASSERT_EQ(table_->Close(), S_OK);
+  open(0, "many.ovt");
+  std::vector<made_batch> batches(300, made_batch{depths(std::vector<double>(170, 1))});
+  made_stream from(std::move(batches));
+  from.fails_at = 299;
+  expect_refused(from, "Append failed, the stream failed");
+  EXPECT_EQ(table_->Sort(2, VARIANT_FALSE), S_OK);
+}
+
 TEST_F(StreamRefusals, ReadOnlyTables) {
   ASSERT_EQ(table_->Close(), S_OK);
   open(1);
