@@ -45,6 +45,8 @@ struct OvStreamRequest {
 
 #define OVFILE_METHOD virtual HRESULT STDMETHODCALLTYPE
 
+/// One thread at a time uses a table and its streams, their release included; batches and types that were
+/// handed out are free of that.
 struct IOvTableStream : IUnknown {
   /// Makes a stream of the open table's rows as they are now, in `pStream`, which the caller releases. It
   /// reads through the table's own handle and keeps the object alive, but not the file open: once the
@@ -65,7 +67,8 @@ struct IOvTableStream : IUnknown {
   /// column has to be the one that all rows have.
   ///
   /// What does not fit is reported with its column and row (counted from 1 in the stream) and leaves the
-  /// table with the rows that it had. The cursor does not move.
+  /// table with the rows that it had; streams that are being read may end with an error all the same. The
+  /// cursor does not move. While rows are appended, the stream's own code cannot append to the table.
   OVFILE_METHOD Append(struct ArrowArrayStream* pStream, LONG* pRows) = 0;
 };
 

@@ -1,6 +1,8 @@
 // Columns of a stream that is read, made from the records of a table.
 #pragma once
 
+#include <cstddef>
+#include <limits>
 #include <memory>
 
 #include "engine/field.h"
@@ -40,7 +42,9 @@ class column_builder {
   /// Bytes that a row takes, about.
   virtual std::size_t row_bytes() const noexcept = 0;
   /// Rows that fit one array at most.
-  virtual std::size_t most_rows() const noexcept { return ~std::size_t{0}; }
+  virtual std::size_t most_rows() const noexcept {
+    return static_cast<std::size_t>(std::numeric_limits<std::ptrdiff_t>::max()) / sizeof(double);
+  }
 };
 
 /// The type of the columns that `make_builder` gives for the field, without name and metadata.

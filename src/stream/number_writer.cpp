@@ -30,11 +30,19 @@ auto value_at(const value_span& from, std::int64_t place) noexcept {
   }
 }
 
-/// What a host's value is before the table narrows it: a float for doubles keeps its decimal digits.
+/// A float's decimal digits in a double; the numbers with a meaning stay these numbers.
+double widened(float value) noexcept {
+  for (const double special : {absent_number, top_number, trace_number}) {
+    if (value == static_cast<float>(special)) return special;
+  }
+  return tidied(value);
+}
+
+/// What a host's value is before the table narrows it.
 template <class Precision, class Value>
 auto as_given(Value value) noexcept {
   if constexpr (Precision::is_double && std::is_same_v<Value, float>) {
-    return tidied(value);
+    return widened(value);
   } else {
     return value;
   }

@@ -34,7 +34,7 @@ class table_reader {
     for (const std::uint64_t index : plan.fields) {
       columns_.push_back(make_builder(opened.fields().at(index), layout, plan.choices, page_));
     }
-    rows_per_batch_ = batch_rows(plan.rows_per_batch);
+    rows_per_batch_ = std::min(batch_rows(plan.rows_per_batch), rows_in_file(opened));
   }
 
   void type(ArrowSchema& out) const { export_type(type_, out); }
@@ -79,6 +79,11 @@ class table_reader {
   const char* error() const noexcept { return error_; }
 
  private:
+  /// More rows than the file has room for, which a header may promise, are no reason to ask for memory.
+  static std::uint64_t rows_in_file(table& opened) {
+    return opened.facts().file_bytes / std::max<std::size_t>(opened.recordBytes(), 1) + 1;
+  }
+
   std::uint64_t batch_rows(std::uint64_t wanted) const {
     std::size_t bytes = 1;
     std::size_t most = ~std::size_t{0};

@@ -63,6 +63,13 @@ void column_ranges::widen(LONG column, double value) noexcept {
   widened.low = std::min(widened.low, value);
 }
 
+void column_ranges::take(const column_ranges& other) noexcept {
+  for (std::size_t i = 0; i < other.ranges_.size(); ++i) {
+    take(static_cast<LONG>(i + 1), other.ranges_[i].low);
+    take(static_cast<LONG>(i + 1), other.ranges_[i].high);
+  }
+}
+
 const column_ranges::range* column_ranges::of(LONG column) const noexcept {
   if (column < 1 || static_cast<std::size_t>(column) > ranges_.size()) return nullptr;
   return &ranges_[static_cast<std::size_t>(column - 1)];

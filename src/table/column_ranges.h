@@ -27,6 +27,9 @@ class column_ranges {
     if (!ranges_.empty()) widen(column, value);
   }
 
+  /// The same by all values that `other`, of the same columns, was widened by.
+  void take(const column_ranges& other) noexcept;
+
  private:
   struct range {
     double low;

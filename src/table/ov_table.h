@@ -130,6 +130,7 @@ class COvTable final : public component_class<COvTable, table_face, zu_table_fac
   table_core core_;
   column_ranges ranges_;
   row_filter filter_;
+  bool is_appending_ = false;  ///< a stream's rows
 };
 
 }  // namespace ovf

@@ -5,6 +5,8 @@ namespace ovf {
 namespace {
 
 constexpr wide_view append_read_only = OLESTR("Append failed, file is open in read-only mode");
+constexpr wide_view append_in_append =
+    OLESTR("Append failed, rows of another stream are being appended to this table");
 constexpr wide_view no_stream = OLESTR("Append failed, the stream was released before");
 
 }  // namespace
@@ -48,21 +50,32 @@ HRESULT COvTable::Append(ArrowArrayStream* pStream, LONG* pRows) {
   return guard(*this, [&]() -> HRESULT {
     if (core_.is_read_only()) return report(*this, append_read_only);
     (void)core_.opened();
+    // The rows of both would go to the same place.
+    if (is_appending_) return report(*this, append_in_append);
     *pRows = append_rows(*from.get());
     return S_OK;
   });
 }
 
 LONG COvTable::append_rows(ArrowArrayStream& from) {
-  // A host's code runs in between, and may let go of the object.
+  // A host's code runs in between, and may let go of the object, or ask it for ranges.
   const stream_owner owner(*this);
+  struct mark {
+    bool& is_set;
+    explicit mark(bool& of) : is_set(of) { is_set = true; }
+    ~mark() { is_set = false; }
+  };
+  const mark appending(is_appending_);
+  const bool were_known = ranges_.are_known();
   column_ranges widened = ranges_;
   number_listener listener;
-  if (ranges_.are_known()) {
-    listener = [&widened](LONG column, double value) { widened.take(column, value); };
-  }
+  if (were_known) listener = [&widened](LONG column, double value) { widened.take(column, value); };
   const std::uint64_t rows = append_to_table(owner, from, listener);
-  if (listener) ranges_ = std::move(widened);
+  if (were_known) {
+    ranges_.take(widened);
+  } else if (ranges_.are_known() && rows != 0) {
+    ranges_ = {};  // found without the new rows: they are found again when somebody asks
+  }
   return static_cast<LONG>(rows);
 }
 

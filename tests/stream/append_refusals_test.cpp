@@ -274,6 +274,29 @@ TEST_F(StreamRefusals, TheTableItselfAsItsSource) {
   EXPECT_EQ(read().cells[1][999], double_cell(500));
 }
 
+TEST_F(StreamRefusals, AnAppendWithinAnAppend) {
+  make_holes(5000, true, "many.ovt");
+  std::vector<made_batch> many(60, made_batch{depths(std::vector<double>(1000, 7))});
+  made_stream from(many);
+  int refused = 0;
+  from.meanwhile = [&] {
+    made_stream inner(many);
+    inner.fails_at = 50;
+    clear_error();
+    EXPECT_EQ(append(inner), E_FAIL);
+    if (take_error_text() == "Append failed, rows of another stream are being appended to this table") {
+      ++refused;
+    }
+  };
+  LONG appended = 0;
+  EXPECT_EQ(append(from, &appended), S_OK);
+  EXPECT_EQ(appended, 60'000);
+  EXPECT_EQ(refused, 61);
+  EXPECT_EQ(rows(), 65'000);
+  const auto depths_read = read().cells[1];
+  for (std::size_t row = 5000; row < 65'000; ++row) ASSERT_EQ(depths_read[row], double_cell(7)) << row;
+}
+
 TEST_F(StreamRefusals, ATableThatIsChangedMeanwhile) {
   const std::string words = "Append failed, the table was closed or changed while rows were appended to it";
   made_stream adding({{depths({1})}, {depths({2})}});

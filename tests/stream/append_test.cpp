@@ -173,6 +173,17 @@ TEST_P(StreamAppend, TheRangesWiden) {
   EXPECT_EQ(high, 8);
 }
 
+TEST_P(StreamAppend, RangesThatAreAskedForMeanwhileWidenToo) {
+  make_holes(3, GetParam());
+  made_stream from({{numbers<double>("DEPTH", "g", {200})}});
+  double high = 0;
+  from.meanwhile = [&] { EXPECT_EQ(table_->GetColumnMax(2, &high), S_OK); };
+  ASSERT_EQ(append(from), S_OK);
+  EXPECT_EQ(high, 3);
+  EXPECT_EQ(table_->GetColumnMax(2, &high), S_OK);
+  EXPECT_EQ(high, 200);
+}
+
 TEST_P(StreamAppend, RangesStayWhenNothingIsAppended) {
   make_holes(3, GetParam());
   double before = 0;

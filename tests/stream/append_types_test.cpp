@@ -61,8 +61,12 @@ TEST_F(StreamAppendTypes, IntegersAreRoundedOnce) {
 
 TEST_F(StreamAppendTypes, FloatsKeepTheirDecimalDigitsInDoubles) {
   const auto column = numbers<float>("", "f", {0.1F, 1234.5678F, 123456.7F, -1e30F});
-  EXPECT_EQ(depths_of(column), doubles({0.1, 1234.568, 123456.703125, static_cast<double>(-1e30F)}));
+  EXPECT_EQ(depths_of(column), doubles({0.1, 1234.568, 123456.703125, -1e30}));
   EXPECT_EQ(depths_of(column, false)[0], float_cell(0.1F));
+}
+
+TEST_F(StreamAppendTypes, NumbersWithAMeaningKeepItInDoubles) {
+  EXPECT_EQ(depths_of(numbers<float>("", "f", {-1e30F, 1e30F, 1e-30F})), doubles({-1e30, 1e30, 1e-30}));
 }
 
 TEST_F(StreamAppendTypes, DoublesAreRoundedToFloats) {
