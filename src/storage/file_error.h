@@ -14,7 +14,15 @@ namespace ovf {
 /// `what()` is UTF-8.
 class file_error : public std::runtime_error {
  public:
-  explicit file_error(wide_view message) : std::runtime_error(utf8_from_wide(message)) {}
+  explicit file_error(wide_view message) : file_error(message, last_system_error()) {}
+  file_error(wide_view message, system_code code)
+      : std::runtime_error(utf8_from_wide(message)), code_(code) {}
+
+  /// The system's, as it was when this was thrown: unwinding may change the last error.
+  system_code code() const noexcept { return code_; }
+
+ private:
+  system_code code_;
 };
 
 /// A header that no table can have, or no table at all.

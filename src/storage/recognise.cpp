@@ -11,7 +11,9 @@ namespace ovf {
 namespace {
 
 /// A file whose words cannot be read at all: not the same as one that ends early.
-struct unreadable {};
+struct unreadable {
+  system_code code = last_system_error();
+};
 
 /// One word of the file header; nothing when the file ends before it.
 template <class Precision>
@@ -71,8 +73,8 @@ recognition recognise(wide_view name) {
     if (const auto order = find_mark<single_precision>(*opened)) return {false, *order};
     if (const auto order = find_mark<double_precision>(*opened)) return {true, *order};
     return {false, find_field_count(*opened)};
-  } catch (const unreadable&) {
-    throw file_error(wide(OLESTR("cannot open file ")).append(name));
+  } catch (const unreadable& failure) {
+    throw file_error(wide(OLESTR("cannot open file ")).append(name), failure.code);
   }
 }
 

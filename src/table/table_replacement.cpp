@@ -18,11 +18,10 @@ wide with_systems_words(wide message, system_code code) {
 
 /// What the exception says that is being handled.
 wide reason_in_flight() {
-  const system_code code = last_system_error();
   try {
     throw;
   } catch (const file_error& error) {
-    return with_systems_words(wide_from_utf8(error.what()), code);
+    return with_systems_words(wide_from_utf8(error.what()), error.code());
   } catch (const MyExceptionClass& error) {
     return wide(error.message());
   } catch (const std::exception& error) {
