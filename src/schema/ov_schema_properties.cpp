@@ -1,6 +1,6 @@
 #include "schema/ov_schema.h"
-#include "schema/special_values.h"
 #include "storage/file_error.h"
+#include "storage/special_values.h"
 
 namespace ovf {
 

@@ -5,8 +5,8 @@
 #include "ovfile/smart.h"
 #include "schema/leading_number.h"
 #include "schema/refusals.h"
-#include "schema/special_values.h"
 #include "storage/format.h"
+#include "storage/special_values.h"
 
 namespace ovf {
 

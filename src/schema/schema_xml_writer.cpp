@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-#include "schema/special_values.h"
+#include "storage/special_values.h"
 
 namespace ovf {
 

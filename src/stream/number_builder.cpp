@@ -1,7 +1,7 @@
 #include "engine/values.h"
 #include "platform/decimal_tidy.h"
+#include "storage/special_values.h"
 #include "stream/column_builder.h"
-#include "stream/special.h"
 #include "stream/validity.h"
 
 namespace ovf {
@@ -84,7 +84,7 @@ class number_builder final : public column_builder {
   }
 
   void mark_absent(const Value* values, std::size_t rows) noexcept {
-    constexpr auto absent = static_cast<Value>(static_cast<number>(absent_number));
+    constexpr auto absent = static_cast<Value>(static_cast<number>(absent_value));
     for (std::size_t i = 0; i < rows; ++i) {
       if (values[i] == absent) there_.miss(taken_ + i);
     }

@@ -4,9 +4,9 @@
 
 #include "engine/values.h"
 #include "platform/decimal_tidy.h"
+#include "storage/special_values.h"
 #include "stream/column_writer.h"
 #include "stream/half_float.h"
-#include "stream/special.h"
 
 namespace ovf {
 namespace {
@@ -32,7 +32,7 @@ auto value_at(const value_span& from, std::int64_t place) noexcept {
 
 /// A float's decimal digits in a double; the numbers with a meaning stay these numbers.
 double widened(float value) noexcept {
-  for (const double special : {absent_number, top_number, trace_number}) {
+  for (const double special : {absent_value, top_value, trace_value}) {
     if (value == static_cast<float>(special)) return special;
   }
   return tidied(value);
@@ -122,7 +122,7 @@ class writer_of final : public number_writer<Precision> {
   void put_one(const column_span& from, std::int64_t row, std::byte* record) const {
     const std::int64_t place = from.place_of(row);
     if (place == column_span::null) {
-      this->put_number(row, record, static_cast<number>(absent_number), absent_number);
+      this->put_number(row, record, static_cast<number>(absent_value), absent_value);
       return;
     }
     const auto given = as_given<Precision>(value_at<Value>(from.values, place));
@@ -138,10 +138,10 @@ class null_writer final : public number_writer<Precision> {
   using number_writer<Precision>::number_writer;
 
   void put(const column_span&, std::int64_t first, std::byte* records, std::size_t rows) override {
-    const auto absent = static_cast<typename Precision::number>(absent_number);
+    const auto absent = static_cast<typename Precision::number>(absent_value);
     for (std::size_t i = 0; i < rows; ++i) {
       this->put_number(first + static_cast<std::int64_t>(i), records + i * this->stride(), absent,
-                       absent_number);
+                       absent_value);
     }
   }
 };

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "schema/special_values.h"
 #include "storage/file_error.h"
+#include "storage/special_values.h"
 #include "table/column_values.h"
 
 namespace ovf {

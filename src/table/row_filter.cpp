@@ -2,7 +2,7 @@
 
 #include "platform/printed_float.h"
 #include "schema/schema_filling.h"
-#include "schema/special_values.h"
+#include "storage/special_values.h"
 #include "table/column_values.h"
 
 namespace ovf {
