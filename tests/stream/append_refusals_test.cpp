@@ -292,7 +292,7 @@ TEST_F(StreamRefusals, AnAppendWithinAnAppend) {
   EXPECT_EQ(append(from, &appended), S_OK);
   EXPECT_EQ(appended, 60'000);
   EXPECT_EQ(refused, 61);
-  EXPECT_EQ(rows(), 65'000);
+  ASSERT_EQ(rows(), 65'000);
   const auto depths_read = read().cells[1];
   for (std::size_t row = 5000; row < 65'000; ++row) ASSERT_EQ(depths_read[row], double_cell(7)) << row;
 }
