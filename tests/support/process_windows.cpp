@@ -38,10 +38,8 @@ void append_quoted(std::wstring& line, const std::wstring& argument) {
   line += L'"';
 }
 
-}  // namespace
-
-process_result run_process(const std::vector<std::string>& arguments, const std::filesystem::path& folder,
-                           const std::string& input) {
+process_result run_once(const std::vector<std::string>& arguments, const std::filesystem::path& folder,
+                        const std::string& input) {
   const scratch_folder streams;
   write_bytes(streams / "in", bytes(input.begin(), input.end()));
   std::wstring line;
@@ -64,6 +62,20 @@ process_result run_process(const std::vector<std::string>& arguments, const std:
   CloseHandle(process.hThread);
   CloseHandle(process.hProcess);
   return {static_cast<int>(status), read_text(streams / "out"), read_text(streams / "err")};
+}
+
+}  // namespace
+
+process_result run_process(const std::vector<std::string>& arguments, const std::filesystem::path& folder,
+                           const std::string& input) {
+  // Under Wine a start can fail on a busy machine, silently and at once, while our programs say something
+  // before they fail: silence means that there was no start.
+  constexpr int most_starts = 3;
+  for (int start = 1;; ++start) {
+    process_result result = run_once(arguments, folder, input);
+    const bool silent = result.output.empty() && result.error.empty();
+    if (result.status == 0 || !silent || start == most_starts) return result;
+  }
 }
 
 void set_environment(const std::string& name, const std::filesystem::path& value) {
