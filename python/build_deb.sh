@@ -34,6 +34,7 @@ Maintainer: OvFile <ovfile@localhost>
 Installed-Size: $size
 Depends: python3 (>= 3.9), python3-numpy, libovfile (>= $version)
 Recommends: python3-pandas
+Suggests: python3-dask, python3-distributed
 Description: Table files of mines as numpy arrays and data frames
  Opens, reads, makes and changes the table files in which mines keep drillholes,
  block models, wireframes and estimates: whole columns as numpy arrays, tables as

@@ -6,7 +6,7 @@ check_packages=(python3 dpkg-dev pkg-config clang-14 libclang-rt-14-dev clang-fo
   g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix mingw-w64-tools libwine-dev wine wine64)
 
 python_packages=(python3-numpy python3-pandas python3-pytest python3-setuptools python3-wheel python3-pip
-  python3-venv)
+  python3-venv python3-dask python3-distributed python3-openpyxl)
 
 missing_packages() {
   local package

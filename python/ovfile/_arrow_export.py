@@ -144,13 +144,13 @@ def _children(kind: Any, parts: Sequence[Any]) -> Any:
 
 
 class Batch:
-    """Rows: the values of each column."""
+    """Rows: the values of each column, and how many rows are said to be null as a whole."""
 
-    def __init__(self, length: int, columns: Sequence[Any]) -> None:
-        self.length, self.columns = length, columns
+    def __init__(self, length: int, columns: Sequence[Any], null_count: int = 0) -> None:
+        self.length, self.columns, self.null_count = length, columns, null_count
 
     def fill(self, out: ArrowArray) -> None:
-        ArrayParts(self.length, [None]).fill(out, self.columns)
+        ArrayParts(self.length, [None], self.null_count).fill(out, self.columns)
 
 
 class Producer:
@@ -179,7 +179,8 @@ class Producer:
             work()
             return 0
         except BaseException as failure:
-            self.failure = failure
+            # Its frames would keep alive whoever is to release the stream, and so this producer.
+            self.failure = failure.with_traceback(None)
             self.words = ctypes.create_string_buffer(str(failure).encode("utf-8", "replace"))
             return errno.EINVAL
 

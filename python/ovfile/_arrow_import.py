@@ -79,44 +79,44 @@ class ColumnView:
     def __init__(self, field: Field, array: ArrowArray, owner: Owner) -> None:
         self.field = field
         self.length = int(array.length)
-        self._array = array
-        self._owner = owner
+        self.array = array
+        self.owner = owner
 
     def nulls(self) -> Optional[Array]:
         """Where nothing is, as booleans; None: there is something everywhere."""
-        array = self._array
+        array = self.array
         if self.field.format == "n":
             return np.ones(self.length, bool)
         if array.null_count == 0 or array.n_buffers == 0 or not array.buffers[0]:
             return None
         end = array.offset + self.length
         bits = np.unpackbits(
-            view(self._owner, array.buffers[0], (end + 7) // 8, np.uint8), bitorder="little"
+            view(self.owner, array.buffers[0], (end + 7) // 8, np.uint8), bitorder="little"
         )
         nulls = bits[array.offset : end] == 0
         return nulls if nulls.any() else None
 
     def numbers(self) -> Array:
         """The values of a numeric column, or the indexes of a dictionary's; a view."""
-        array, offset = self._array, self._array.offset
+        array, offset = self.array, self.array.offset
         kind = NUMBERS[self.field.format]
-        return view(self._owner, array.buffers[1], offset + self.length, kind)[offset:]
+        return view(self.owner, array.buffers[1], offset + self.length, kind)[offset:]
 
     def dictionary(self) -> "ColumnView":
         plain = object.__new__(Field)
         plain.__dict__.update(self.field.__dict__)
         plain.format, plain.is_dictionary = self.field.value_format, False
-        return ColumnView(plain, self._array.dictionary.contents, self._owner)
+        return ColumnView(plain, self.array.dictionary.contents, self.owner)
 
     def encoded(self) -> Tuple[Array, Array]:
         """A text column's bounds (one more than rows) and the bytes between them, UTF-8."""
-        array, offset = self._array, self._array.offset
+        array, offset = self.array, self.array.offset
         bounds = view(
-            self._owner, array.buffers[1], offset + self.length + 1, OFFSETS[self.field.format]
+            self.owner, array.buffers[1], offset + self.length + 1, OFFSETS[self.field.format]
         )[offset:]
         if len(bounds) == 0:
             return np.zeros(1, np.int64), np.empty(0, np.uint8)
-        return bounds, view(self._owner, array.buffers[2], int(bounds[-1]), np.uint8)
+        return bounds, view(self.owner, array.buffers[2], int(bounds[-1]), np.uint8)
 
     def texts(self) -> Array:
         """The values of a text column, str objects; nulls are empty texts."""

@@ -23,6 +23,7 @@ from ._reading import Span, open_stream
 from ._schema import TEXT, Column
 
 _FEW_ROWS = 1000  # not worth the search for rows alike
+_SAMPLE = 32768  # rows that tell whether it is; one in 64 of a long table's
 
 
 def passing_rows(
@@ -115,7 +116,11 @@ def _rows_alike(
     kinds = np.zeros(span.count, np.int64)
     for column in columns:
         codes = _codes(table, column, span)
+        if codes is None:
+            return None
         kinds = kinds * (int(codes.max()) + 1) + codes
+        if _look_different(kinds):
+            return None
         _, rows, kinds = np.unique(kinds, return_index=True, return_inverse=True)
         if len(rows) > span.count // 2:
             return None
@@ -125,8 +130,21 @@ def _rows_alike(
     return rows[order], renumbered[kinds]
 
 
-def _codes(table: Interface, column: int, span: Span) -> Array:
-    """A number for each row, the same where the values are the same to the last bit."""
+def _look_different(values: Array) -> bool:
+    """Whether a sample says that more than half of the values are different, to save a sort of all.
+
+    Among m values drawn at random there are m * m / 2k pairs alike when k are different.
+    """
+    count = len(values)
+    drawn = max(_SAMPLE, count // 64)
+    if count < 2 * drawn:
+        return False
+    sample = values[np.random.default_rng(count).integers(0, count, drawn)]
+    return drawn - len(np.unique(sample)) < drawn * drawn // count
+
+
+def _codes(table: Interface, column: int, span: Span) -> Optional[Array]:
+    """A number for each row, the same where the values are the same to the last bit. None as above."""
     flags = STREAM_DICTIONARIES | STREAM_TRAILING_BLANKS
     parts: List[Array] = []
     places: Dict[str, int] = {}
@@ -139,6 +157,8 @@ def _codes(table: Interface, column: int, span: Span) -> Array:
     joined = np.concatenate(parts)
     if joined.dtype == np.int64:
         return joined
+    if _look_different(joined):
+        return None
     return np.unique(joined, return_inverse=True)[1].astype(np.int64)
 
 

@@ -15,6 +15,7 @@ from ._changing import Wanted, add_column, append, sort
 from ._choosing import Choice, Reader
 from ._component import Interface
 from ._errors import Error
+from ._filter import passing_rows
 from ._interruption import interruptible
 from ._naming import Key, Keys, is_key, places_of, unique_names
 from ._reading import Rows, Span, open_stream
@@ -212,6 +213,11 @@ class Table:
             choice = Choice(places, where, rows, widen=widen, codes=categories)
             arrays = Reader(handle, self.schema).arrays(choice)
             return frame_of(self._names(places), arrays, blank)
+
+    def _passing(self, where: str, first: int, count: int) -> Array:
+        """Which of `count` rows from `first` (from 0) on a condition lets through, as booleans."""
+        with self._about() as handle:
+            return passing_rows(handle, self.schema.columns, where, first, count)
 
     def _names(self, places: Sequence[int]) -> List[str]:
         names = self.columns

@@ -14,6 +14,7 @@ from typing import Any, Dict, Iterator, List, Mapping, Optional, Sequence, Union
 from ._arrow_abi import ArrowArrayStream, release, take_stream
 from ._arrow_export import Batch, Borrowed, Producer
 from ._arrow_import import NUMBERS, Owner, Stream, child_of
+from ._arrow_views import without_views
 from ._columns import Source, batches_of
 from ._component import Interface
 from ._errors import Error, column_error
@@ -249,6 +250,6 @@ def _implicit_column(name: str, value: Union[float, str, None]) -> Column:
 
 
 def arrow_stream_of(data: Any) -> Optional[ArrowArrayStream]:
-    """The stream of an object that has one."""
+    """The stream of an object that has one, in a form that the library takes."""
     made = getattr(data, "__arrow_c_stream__", None)
-    return None if made is None else take_stream(made())
+    return None if made is None else without_views(take_stream(made()))

@@ -321,6 +321,84 @@ def test_types_of_texts(path, code):
     assert rows.alive == 0
 
 
+def views(*values, sizes=(10**9, 10**9)):
+    """Texts as views: those of more than 12 bytes lie in two buffers, turn and turn about."""
+    made, long = b"", [b"", b""]
+    for number, value in enumerate(values):
+        data = value.encode()
+        if len(data) <= 12:
+            made += struct.pack("=i12s", len(data), data)
+        else:
+            place = number % 2
+            made += struct.pack("=i4sii", len(data), data[:4], place, len(long[place]))
+            long[place] += data
+    lengths = [min(len(data), size) for data, size in zip(long, sizes)]
+    return made, *long, struct.pack("=qq", *lengths)
+
+
+LONG = ["a text of 20 letters", "ein Text mit Küstenlänge", "the shortest "]
+
+
+def test_texts_as_views(path):
+    values = ["", "Küste", "exactly twel", *LONG, "x"]
+    rows = one_column("vu", 7, [b"\x3f", *views(*values)], 1)
+    assert ovfile.write(rows, path) == 7
+    assert rows.alive == 0
+    with ovfile.open(path, "r+") as table:
+        assert table.schema["V"].width == 24
+        assert table["V"].tolist() == ["", "Küste", "exactly twel", LONG[0], LONG[1], "the shortest", ""]
+        again = one_column("vu", 2, [None, *views("gone", *LONG[:2])], 0, 1)
+        assert table.append(again) == 2
+        assert table["V"].tolist()[7:] == LONG[:2]
+    gc.collect()
+    assert again.alive == 0
+
+
+def test_many_texts_as_views(path):
+    """More than are laid out at once, beside a column that passes as it is."""
+    count = 70_000
+    values = [f"{number} is a number" if number % 3 else str(number) for number in range(count)]
+    numbers = doubles(*range(count))
+    columns = [(count, [None, *views(*values)]), (count, [None, numbers])]
+    rows = Producer([("T", "vu"), ("N", "g")], [(count, columns), (count, columns)])
+    assert ovfile.write(rows, path) == 2 * count
+    with ovfile.open(path) as table:
+        assert table["T"].tolist() == values * 2
+        assert np.array_equal(table["N"], np.tile(np.arange(count, dtype=float), 2))
+
+
+def test_dictionaries_of_views(path):
+    inner = (2, [None, *views("ORE", LONG[0])])
+    rows = one_column("I:vu", 4, [b"\x0b", array.array("I", [1, 0, 0, 1])], 1, 0, inner)
+    assert ovfile.write(rows, path) == 4
+    with ovfile.open(path) as table:
+        assert table["V"].tolist() == [LONG[0], "ORE", "", LONG[0]]
+
+
+@pytest.mark.parametrize(
+    "buffers",
+    [
+        views(*LONG, sizes=(3, 1000)),
+        (struct.pack("=i4sii", 20, b"text", 5, 0), b"", struct.pack("=q", 0)),
+        (struct.pack("=i4sii", 20, b"text", 0, -1), b"x" * 20, struct.pack("=q", 20)),
+        (struct.pack("=i12s", -1, b""), struct.pack("=q", 0)),
+    ],
+    ids=["too long", "no such buffer", "before the buffer", "negative length"],
+)
+def test_views_that_lead_nowhere(path, buffers):
+    rows = one_column("vu", 1, [None, *buffers])
+    with pytest.raises(ovfile.Error, match="column V, row 1: a text lies outside its memory"):
+        ovfile.write(rows, path)
+    assert not path.exists()
+    gc.collect()
+    assert rows.alive == 0
+
+
+def test_views_without_their_buffers(path):
+    with pytest.raises(ovfile.Error, match="column V: the texts' buffers are missing"):
+        ovfile.write(one_column("vu", 1, [None, b"\0" * 16]), path)
+
+
 def test_dictionaries(path):
     inner = (2, [None, *texts("u", "ORE", "WASTE")])
     rows = one_column("i:u", 4, [b"\x0b", array.array("i", [1, 0, 0, 1])], 1, 0, inner)
@@ -385,7 +463,7 @@ def test_a_stream_that_fails(path):
     "rows, words",
     [
         (lambda: one_column("tdD", 1, [None, b"\0\0\0\0"]), "the Arrow type 'tdD' have no place"),
-        (lambda: one_column("vu", 1, [None, b"\0" * 16]), "the Arrow type 'vu' have no place"),
+        (lambda: one_column("vz", 1, [None, b"\0" * 16, b""]), "the Arrow type 'vz' have no place"),
         (lambda: Producer([], [], root="g"), "no columns"),
     ],
 )

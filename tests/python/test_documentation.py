@@ -1,37 +1,109 @@
-"""The programs of docs/data-tools.md run, one after the other, in a folder of their own."""
+"""The programs of docs/data-tools.md run, chapter by chapter, in a folder of their own."""
 
 import re
 
+import pytest
 from conftest import ROOT
 
 PAGE = ROOT / "docs" / "data-tools.md"
 
 
-def test_the_programs_run(tmp_path, monkeypatch, capsys):
-    (tmp_path / "samples").symlink_to(ROOT / "samples")
-    monkeypatch.chdir(tmp_path)
+def chapter(title):
+    """The programs of a chapter in their order."""
     text = PAGE.read_text(encoding="utf-8")
-    section = text[text.index("## Python: numpy and pandas") :]
-    section = section.split("\n## ", 1)[0]
-    programs = re.findall(r"^```python\n(.*?)^```$", section, re.DOTALL | re.MULTILINE)
-    assert len(programs) >= 8
-    names = {}
+    section = text[text.index(f"\n## {title}\n") :].split("\n## ", 2)[1]
+    return re.findall(r"^```python\n(.*?)^```$", section, re.DOTALL | re.MULTILINE)
+
+
+def run(programs, needs=()):
+    for name in needs:
+        pytest.importorskip(name, reason=f"{name} is not installed")
+    names = {"__name__": "__main__"}
     for program in programs:
         exec(compile(program, str(PAGE), "exec"), names)
+    return names
+
+
+@pytest.fixture
+def folder(tmp_path, monkeypatch):
+    (tmp_path / "samples").symlink_to(ROOT / "samples")
+    monkeypatch.chdir(tmp_path)
+    return tmp_path
+
+
+def made(folder):
+    return {path.name for path in folder.iterdir()} - {"samples"}
+
+
+def test_the_programs_run(folder, capsys):
+    programs = chapter("Python: numpy and pandas")
+    assert len(programs) >= 8
+    run(programs, needs=["pandas"])
     shown = capsys.readouterr().out
     assert "assays 164 ['BHID', 'FROM', 'TO', 'SAMPLE', 'CU', 'AU', 'DENSITY', 'LITH']" in shown
     assert "LOGGED column LOGGED: dates have no place in a table" in shown
     assert "block model 24" in shown
-    made = {path.name for path in tmp_path.iterdir()} - {"samples"}
-    assert made == {"composites.ovt", "model.ovt", "copy.ovt"}
+    assert made(folder) == {"composites.ovt", "model.ovt", "copy.ovt"}
 
 
-def test_the_example_runs(tmp_path, monkeypatch):
-    (tmp_path / "samples").symlink_to(ROOT / "samples")
-    monkeypatch.chdir(tmp_path)
+def test_the_first_program_stands_alone(folder, capsys):
+    """What a new user tries first."""
+    run(chapter("Python: numpy and pandas")[:1], needs=["pandas"])
+    assert "LK001" in capsys.readouterr().out
+
+
+def test_polars(folder):
+    programs = chapter("Polars")
+    assert len(programs) == 1
+    run(programs, needs=["polars"])
+    assert made(folder) == {"rich.ovt"}
+
+
+def test_dask(folder, capsys):
+    programs = chapter("Dask")
+    assert len(programs) == 2
+    run(programs[:1], needs=["dask"])
+    shown = capsys.readouterr().out
+    assert "4 partitions" in shown and "SKARN" in shown
+
+
+def test_dask_with_workers(folder, capsys):
+    dask = pytest.importorskip("dask", reason="dask is not installed")
+
+    with dask.config.set({"temporary-directory": str(folder / "workers")}):
+        run(chapter("Dask")[1:], needs=["dask", "distributed"])
+    shown = capsys.readouterr().out
+    assert re.search(r"^count +[1-9]", shown, re.MULTILINE) and "METAL" in shown
+
+
+def test_parquet_for_spark_and_trino(folder):
+    programs = chapter("Spark and Trino")
+    assert len(programs) == 2
+    run(programs[:1], needs=["dask", "pyarrow"])
+    assert (folder / "assays" / "LITH=SKARN").is_dir()
+    run(programs[1:], needs=["pyspark"])
+
+
+def test_excel(folder):
+    programs = chapter("Excel")
+    assert len(programs) == 1
+    names = run(programs, needs=["pandas", "openpyxl"])
+    with names["ovfile"].open("edited.ovt") as table:
+        assert table.columns == ["BHID", "FROM", "TO", "SAMPLE", "CU", "AU", "DENSITY", "LITH"]
+        assert [column.kind for column in table.schema if column.name in ("BHID", "CU", "LITH")] == [
+            "text",
+            "number",
+            "text",
+        ]
+        rich = names["rich"]
+        assert len(table) == len(rich) > 0
+        assert table["CU"].tolist() == rich["CU"].tolist()
+        assert table["LITH"].tolist() == rich["LITH"].tolist()
+
+
+def test_the_example_runs(folder):
     example = ROOT / "docs" / "examples" / "rich_samples.py"
-    names = {}
-    exec(compile(example.read_text(encoding="utf-8"), str(example), "exec"), names)
+    names = run([example.read_text(encoding="utf-8")], needs=["pandas"])
     with names["ovfile"].open("rich.ovt") as table:
         assert table.columns == ["BHID", "CU"]
         assert len(table) == len(names["frame"]) > 0

@@ -3,6 +3,7 @@
 import glob
 import os
 import pathlib
+import re
 import shutil
 import subprocess
 import sys
@@ -10,6 +11,7 @@ import zipfile
 
 import pytest
 from conftest import ROOT
+from test_documentation import chapter
 
 import ovfile
 from ovfile._library import candidates
@@ -54,8 +56,28 @@ def test_what_the_wheel_is(wheel):
     assert wheel.name == f"ovfile-{ovfile.__version__}-py3-none-linux_{os.uname().machine}.whl"
     names = zipfile.ZipFile(wheel).namelist()
     libraries = ("lib/libovfile.so", "lib/libovfilter.so", "lib/ovfile-components.reg")
-    for name in ("__init__.py", "py.typed", *libraries):
+    for name in ("__init__.py", "dask.py", "py.typed", *libraries):
         assert f"ovfile/{name}" in names
+
+
+@pytest.fixture(scope="module")
+def environment(wheel, tmp_path_factory):
+    """With the wheel and without a network."""
+    folder = tmp_path_factory.mktemp("environment")
+    python = new_environment(folder)
+    run(python, "-m", "pip", "install", "--no-index", "--disable-pip-version-check", wheel)
+    return folder
+
+
+@pytest.mark.parametrize("title, needs", [("Python: numpy and pandas", "pandas"), ("Dask", "dask")])
+def test_what_a_new_user_runs_first(environment, tmp_path, title, needs):
+    """The first program of a chapter, in a process that knows the wheel alone."""
+    pytest.importorskip(needs, reason=f"{needs} is not installed")
+    (tmp_path / "samples").symlink_to(ROOT / "samples")
+    program = chapter(title)[0] + "print(ovfile.__file__)\n"
+    shown = run(environment / "bin" / "python", "-c", program, cwd=tmp_path)
+    assert shown.splitlines()[-1].startswith(str(environment))
+    assert re.search("^(LK001|SKARN) ", shown, re.MULTILINE)
 
 
 def test_the_wheel_needs_nothing_else(wheel, tmp_path):

@@ -76,6 +76,25 @@ def test_both_roads_agree_on_many_rows(path, monkeypatch):
     assert passing(path, where) == expected
 
 
+@pytest.mark.parametrize("different", [200_000, 150_000, 70_000, 1000])
+def test_a_sample_tells_whether_rows_are_alike(different):
+    generator = np.random.default_rng(2)
+    values = generator.permutation(np.arange(200_000) % different)
+    assert _filter._look_different(values) == (different > 100_000)
+    assert not _filter._look_different(values[:1000])  # too few for a sample
+
+
+def test_the_sample_changes_no_answer(path, monkeypatch):
+    generator = np.random.default_rng(3)
+    values = generator.random(20_000)
+    ovfile.write({"N": range(20_000), "CU": values}, path)
+    expected = np.flatnonzero(values > 0.75).tolist()
+    for size in (100, 20_000):
+        monkeypatch.setattr(_filter, "_SAMPLE", size)
+        assert passing(path, "CU > 0.75") == expected
+        assert passing(path, "CU > 0.75 AND N < 5000") == [row for row in expected if row < 5000]
+
+
 def test_rows_of_which_none_are_alike(path):
     ovfile.write({"N": range(3000)}, path)
     assert passing(path, "N >= 2998") == [2998, 2999]
