@@ -16,6 +16,8 @@ void remember_signal(int signal) { stop_signal = signal; }
 
 constexpr int stop_signals[] = {SIGINT, SIGTERM, SIGHUP};
 struct sigaction old_actions[3];
+/// The first of those that are inside one another sets the actions, and the same one gives them back.
+int guards = 0;
 
 /// A standard stream that is closed would lend its number to the next file that is opened, and messages
 /// would end up in a table. What stands in for it refuses to be read or written as one expects.
@@ -37,6 +39,7 @@ std::vector<std::string> start_console(int count, char** values) {
 bool is_terminal(standard_stream stream) noexcept { return ::isatty(static_cast<int>(stream)) == 1; }
 
 interrupt_guard::interrupt_guard() {
+  if (guards++ > 0) return;
   for (std::size_t i = 0; i < std::size(stop_signals); ++i) {
     ::sigaction(stop_signals[i], nullptr, &old_actions[i]);
     if (old_actions[i].sa_handler == SIG_IGN) continue;
@@ -47,6 +50,7 @@ interrupt_guard::interrupt_guard() {
 }
 
 interrupt_guard::~interrupt_guard() {
+  if (--guards > 0) return;
   for (std::size_t i = 0; i < std::size(stop_signals); ++i) {
     ::sigaction(stop_signals[i], &old_actions[i], nullptr);
   }

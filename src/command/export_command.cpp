@@ -1,9 +1,11 @@
-// ovfile export: a table becomes a CSV.
+// ovfile export: a table becomes a CSV, or Parquet.
 #include <memory>
 
 #include "commands.h"
 #include "csv_text.h"
 #include "failure.h"
+#include "parquet_export.h"
+#include "parquet_file.h"
 #include "progress.h"
 #include "replacement.h"
 #include "row_condition.h"
@@ -17,11 +19,16 @@ namespace {
 constexpr const char* help =
     "Writes a table as a CSV: UTF-8, lines that end with LF, column names first. Numbers have the shortest\n"
     "form that reads back to the same value; an absent number is an empty cell. A CONDITION is like\n"
-    "\"AU > 1 AND ROCK = 'ORE'\".";
+    "\"AU > 1 AND ROCK = 'ORE'\".\n"
+    "A name that ends in .parquet, or --partition-by, makes Parquet, where an absent value is null: a file, "
+    "or\n"
+    "a folder with a folder for each value. This needs DuckDB's library, which `ovfile setup sql` gets.";
 
 struct export_request {
   row_options options;
   std::string csv = "-";
+  std::vector<std::string> partition_by;
+  sql_options database;
 };
 
 class csv_exporter {
@@ -78,12 +85,17 @@ void check_target(const std::string& table, const std::string& csv) {
   if (csv == "-") return;
   if (same_file(table, csv)) throw wrong_usage("the table and the CSV are one file: " + csv);
   if (is_named_as_table(csv)) {
-    throw wrong_usage(csv + ": export writes a CSV, and the name is a table's; nothing is written");
+    throw wrong_usage(csv + ": export does not write tables, and the name is a table's; nothing is written");
   }
 }
 
-void run_export(const export_request& request) {
-  check_target(request.options.table, request.csv);
+void run_parquet_export(const export_request& request) {
+  parquet_export_request wanted{request.options, request.csv, request.partition_by, request.database};
+  if (!request.options.absent.empty()) wanted.options.absent = request.options.absent;
+  export_parquet(wanted);
+}
+
+void run_csv_export(const export_request& request) {
   table_view view(request.options.table);
   ovfile::text opened;
   view.check(view.table().get_Name(opened.out()));
@@ -101,15 +113,30 @@ void run_export(const export_request& request) {
   output.finish();
 }
 
+void run_export(const export_request& request) {
+  check_target(request.options.table, request.csv);
+  const bool parquet = is_named_as_parquet(request.csv) || !request.partition_by.empty();
+  if (!request.partition_by.empty() && request.csv == "-")
+    throw wrong_usage("--partition-by needs a folder's name");
+  if (!parquet && (!request.database.memory.empty() || request.database.threads > 0)) {
+    throw wrong_usage("--memory and --threads are for Parquet");
+  }
+  parquet ? run_parquet_export(request) : run_csv_export(request);
+}
+
 }  // namespace
 
 void define_export(CLI::App& program) {
   auto request = std::make_shared<export_request>();
-  CLI::App* const app = program.add_subcommand("export", "Write a table as a CSV");
+  CLI::App* const app = program.add_subcommand("export", "Write a table as a CSV or as Parquet");
   app->footer(help);
   add_table_argument(*app, request->options.table);
-  app->add_option("csv", request->csv, "the CSV to make; - is standard output")->capture_default_str();
+  app->add_option("csv", request->csv, "the CSV or Parquet to make; - is standard output")
+      ->capture_default_str();
   add_row_options(*app, request->options);
+  add_names_option(*app, "--partition-by", request->partition_by,
+                   "make a folder of Parquet files, one for each value of these columns");
+  add_sql_options(*app, request->database);
   app->callback([request] { run_export(*request); });
 }
 

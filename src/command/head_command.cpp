@@ -7,6 +7,7 @@
 #include "commands.h"
 #include "failure.h"
 #include "row_condition.h"
+#include "shown_cell.h"
 #include "table_options.h"
 #include "table_view.h"
 #include "text_output.h"
@@ -77,18 +78,9 @@ class row_printer {
     return request_.from - 1;
   }
 
-  /// Control characters would move the cursor, or worse: they show as full stops.
   void take(std::string_view utf8) {
     cell_.clear();
-    length_ = 0;
-    bool valid = true;
-    while (!utf8.empty()) {
-      const std::string_view before = utf8;
-      const std::uint32_t c = ovfile::take_utf8(utf8, valid);
-      const bool control = c < 0x20 || (c >= 0x7F && c < 0xA0);
-      cell_ += control ? "." : before.substr(0, before.size() - utf8.size());
-      ++length_;
-    }
+    length_ = append_shown(cell_, utf8);
   }
 
   void append_padded(std::string& line, std::size_t i, bool is_text) const {

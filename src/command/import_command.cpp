@@ -1,4 +1,4 @@
-// ovfile import: a CSV becomes a table.
+// ovfile import: a CSV, or Parquet, becomes a table.
 #include <memory>
 
 #include "commands.h"
@@ -7,6 +7,8 @@
 #include "failure.h"
 #include "import_request.h"
 #include "import_scan.h"
+#include "parquet_file.h"
+#include "parquet_import.h"
 #include "progress.h"
 #include "replacement.h"
 #include "table_limits.h"
@@ -20,7 +22,10 @@ namespace {
 constexpr const char* help =
     "Makes a table from a CSV (comma-separated, first line column names, UTF-8 or Windows-1252).\n"
     "A column whose cells are all numbers or empty is one of numbers, an empty cell is absent; every other\n"
-    "column is text, as wide as its longest value. Names are changed where a table does not allow them.";
+    "column is text, as wide as its longest value. Names are changed where a table does not allow them.\n"
+    "A name that ends in .parquet, or a folder of such files, is read as Parquet, where null is absent. "
+    "This\n"
+    "needs DuckDB's library, which `ovfile setup sql` gets.";
 
 forced_text parse_forced_text(const std::string& argument) {
   const std::size_t colon = argument.rfind(':');
@@ -47,14 +52,22 @@ void fill(table_writer& writer, csv_input& input, const import_plan& plan) {
   if (rows != plan.rows) throw failure(input.name() + " changed while it was read");
 }
 
-void run_import(const import_request& request) {
-  if (request.description) check_description("--description", *request.description);
+void check_names(const import_request& request) {
   if (same_file(request.csv, request.table))
     throw wrong_usage("the CSV and the table are one file: " + request.csv);
-  if (is_named_as_table(request.csv))
-    throw wrong_usage(request.csv + ": import reads a CSV, and the name is a table's; nothing is written");
-  if (is_named_as_csv(request.table))
-    throw wrong_usage(request.table + ": import makes a table, and the name is a CSV's; nothing is written");
+  if (is_named_as_table(request.csv)) {
+    throw wrong_usage(request.csv +
+                      ": import reads CSV and Parquet, and the name is a table's; nothing is written");
+  }
+  for (const auto& [is_other, what] : {std::pair(is_named_as_csv(request.table), "CSV"),
+                                       std::pair(is_named_as_parquet(request.table), "Parquet file")}) {
+    if (!is_other) continue;
+    throw wrong_usage(fmt::format("{}: import makes a table, and the name is a {}'s; nothing is written",
+                                  request.table, what));
+  }
+}
+
+void import_csv(const import_request& request) {
   csv_input input(request.csv);
   const import_plan plan = scan_csv(input, request);
   input.start_again();
@@ -69,6 +82,16 @@ void run_import(const import_request& request) {
   for (const std::string& note : plan.notes) say(note);
 }
 
+void run_import(const import_request& request, const sql_options& options) {
+  if (request.description) check_description("--description", *request.description);
+  check_names(request);
+  if (is_parquet(request.csv)) return import_parquet(request, options);
+  if (!options.memory.empty() || options.threads > 0 || options.absent != "null") {
+    throw wrong_usage("--memory, --threads and --absent are for Parquet");
+  }
+  import_csv(request);
+}
+
 }  // namespace
 
 void define_import(CLI::App& program) {
@@ -76,11 +99,13 @@ void define_import(CLI::App& program) {
     import_request request;
     std::vector<std::string> texts;
     std::vector<std::string> implicits;
+    sql_options database;
   };
   auto given = std::make_shared<arguments>();
-  CLI::App* const app = program.add_subcommand("import", "Make a table from a CSV");
+  CLI::App* const app = program.add_subcommand("import", "Make a table from a CSV or from Parquet");
   app->footer(help);
-  app->add_option("csv", given->request.csv, "the CSV; - is standard input")->required();
+  app->add_option("csv", given->request.csv, "the CSV, Parquet file or folder; - is standard input")
+      ->required();
   app->add_option("table", given->request.table, "the table to make; one that is there is replaced")
       ->required();
   app->add_flag("--single", given->request.single, "numbers of 4 bytes (7 digits) instead of 8");
@@ -93,12 +118,16 @@ void define_import(CLI::App& program) {
       ->expected(1)
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
   add_description_option(*app, given->request.description);
+  add_sql_options(*app, given->database);
+  app->add_option("--absent", given->database.absent,
+                  "of Parquet: nan, or how an absent value is written, beside null")
+      ->type_name("WORD");
   app->callback([given] {
     for (const std::string& text : given->texts) given->request.texts.push_back(parse_forced_text(text));
     for (const std::string& text : given->implicits) {
       given->request.implicits.push_back(parse_implicit("--implicit ", text));
     }
-    run_import(given->request);
+    run_import(given->request, given->database);
   });
 }
 

@@ -15,7 +15,7 @@ struct forced_text {
 };
 
 struct import_request {
-  std::string csv;  ///< `-` is standard input
+  std::string csv;  ///< or Parquet; `-` is standard input, a CSV
   std::string table;
   bool single = false;
   std::vector<forced_text> texts;

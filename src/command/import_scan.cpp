@@ -15,20 +15,6 @@
 namespace command {
 namespace {
 
-std::vector<planned_field> plan_implicits(const import_request& request, std::size_t longest) {
-  std::vector<planned_field> fields;
-  std::set<std::string> names;
-  for (const implicit_field& wanted : request.implicits) {
-    const std::string problem = name_problem(wanted.name, longest);
-    if (!problem.empty()) throw failure(fmt::format("--implicit {}: {}", wanted.name, problem));
-    if (!names.insert(wanted.name).second) {
-      throw failure(fmt::format("--implicit {}: the name is given twice", wanted.name));
-    }
-    fields.push_back(plan_implicit("--implicit ", wanted, request.single));
-  }
-  return fields;
-}
-
 /// The header's cells as UTF-8. A header that is no UTF-8 is Windows-1252.
 std::vector<std::string> read_header(csv_reader& reader, const std::string& file) {
   if (!reader.next())
@@ -121,6 +107,20 @@ void note_lost_digits(import_plan& plan, const type_finder& types) {
 }
 
 }  // namespace
+
+std::vector<planned_field> plan_implicits(const import_request& request, std::size_t longest) {
+  std::vector<planned_field> fields;
+  std::set<std::string> names;
+  for (const implicit_field& wanted : request.implicits) {
+    const std::string problem = name_problem(wanted.name, longest);
+    if (!problem.empty()) throw failure(fmt::format("--implicit {}: {}", wanted.name, problem));
+    if (!names.insert(wanted.name).second) {
+      throw failure(fmt::format("--implicit {}: the name is given twice", wanted.name));
+    }
+    fields.push_back(plan_implicit("--implicit ", wanted, request.single));
+  }
+  return fields;
+}
 
 void check_cell_count(const csv_reader& reader, const std::string& file, std::size_t columns) {
   const std::size_t cells = reader.cells().size();

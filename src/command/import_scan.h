@@ -24,6 +24,9 @@ struct import_plan {
   std::vector<std::string> notes;  ///< what was changed, for the user
 };
 
+/// The implicit fields that the user asked for. Throws `failure`, also for a name longer than `longest`.
+std::vector<planned_field> plan_implicits(const import_request& request, std::size_t longest);
+
 /// Throws `failure` with the place where a row has not as many cells as there are columns.
 void check_cell_count(const csv_reader& reader, const std::string& file, std::size_t columns);
 

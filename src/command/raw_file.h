@@ -29,6 +29,8 @@ class raw_file {
 
   /// The name that messages use.
   const std::string& name() const noexcept { return name_; }
+  /// The C runtime's number, for a child that goes on with the file.
+  int handle() const noexcept { return handle_; }
 
   /// Up to `count` bytes; 0 at the end alone.
   std::size_t read(char* bytes, std::size_t count);

@@ -15,19 +15,12 @@
 #include "failure.h"
 #include "ovfile/smart.h"
 #include "raw_file.h"
+#include "system_reason.h"
 
 namespace command {
 namespace {
 
 constexpr std::size_t largest_piece = 1 << 30;
-
-std::string system_reason(DWORD code) {
-  wchar_t words[512];
-  DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, code, 0,
-                                words, static_cast<DWORD>(std::size(words)), nullptr);
-  while (length > 0 && (words[length - 1] == L'\n' || words[length - 1] == L'\r')) --length;
-  return ovfile::to_utf8({words, length});
-}
 
 int open_handle(const std::string& name, int flags, int sharing) {
   int handle = -1;

@@ -35,14 +35,6 @@ std::string resolve(const std::string& target) {
   return utf8_of(end);
 }
 
-/// Whether the name ends so; case does not count.
-bool ends_in(const std::string& name, std::string_view suffix) {
-  if (name.size() < suffix.size()) return false;
-  return std::equal(suffix.rbegin(), suffix.rend(), name.rbegin(), [](char want, char have) {
-    return want == (have >= 'A' && have <= 'Z' ? static_cast<char>(have - 'A' + 'a') : have);
-  });
-}
-
 /// Makes the file under the first name that is free. What takes another file's place may hold what few
 /// shall read, so nobody else reads it before it has that file's rights.
 std::string make_beside(const std::string& target, const std::string& shown) {
@@ -80,6 +72,13 @@ void replacement::commit() {
   sync_file(name_, shown_);
   replace_file(name_, target_, shown_);
   committed_ = true;
+}
+
+bool ends_in(const std::string& name, std::string_view suffix) {
+  if (name.size() < suffix.size()) return false;
+  return std::equal(suffix.rbegin(), suffix.rend(), name.rbegin(), [](char want, char have) {
+    return want == (have >= 'A' && have <= 'Z' ? static_cast<char>(have - 'A' + 'a') : have);
+  });
 }
 
 bool is_named_as_table(const std::string& name) { return ends_in(name, ".ovt"); }

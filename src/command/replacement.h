@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "console.h"
 
@@ -30,6 +31,8 @@ class replacement {
   bool committed_ = false;
 };
 
+/// Whether the name ends in `suffix`, which has small letters; those of the name do not count.
+bool ends_in(const std::string& name, std::string_view suffix);
 /// Whether a file's name says that it holds a table, or a CSV.
 bool is_named_as_table(const std::string& name);
 bool is_named_as_csv(const std::string& name);

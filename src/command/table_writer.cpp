@@ -2,6 +2,7 @@
 
 #include "absent.h"
 #include "column_types.h"
+#include "console.h"
 #include "decimal.h"
 #include "failure.h"
 #include "words.h"
@@ -80,6 +81,15 @@ void table_writer::set_text(LONG column, std::string_view cell) {
   const HRESULT status = table_->SetColumnString(column, value.get());
   check(status);
   if (status == S_FALSE) throw failure(changed);  // it was cut
+}
+
+std::int64_t table_writer::add_rows(ovfile::arrow_stream rows) {
+  try {
+    return ovfile::append_stream(table_, std::move(rows));
+  } catch (const ovfile::error& error) {
+    throw_if_interrupted();
+    throw failure(fmt::format("cannot write {}: {}", shown_, error.what()));
+  }
 }
 
 void table_writer::close() { check(table_->Close()); }

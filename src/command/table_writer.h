@@ -1,12 +1,13 @@
 // The second of an import's two passes: makes the table that the first one planned and fills it.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "import_scan.h"
-#include "ovfile/smart.h"
+#include "ovfile/stream.h"
 
 namespace command {
 
@@ -19,6 +20,9 @@ class table_writer {
   /// Appends one row of a CSV; as many cells as the plan has stored fields. Throws `failure`, also when a
   /// cell is not what the plan says.
   void add_row(const std::vector<std::string_view>& cells);
+  /// Appends the rows of a stream whose columns are called as the table's; returns how many they were.
+  /// Throws `failure`, and `interrupted`.
+  std::int64_t add_rows(ovfile::arrow_stream rows);
   /// Writes the rest and lets go of the file. Throws `failure`.
   void close();
 

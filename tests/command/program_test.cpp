@@ -5,8 +5,10 @@ namespace {
 
 using program_test = ovtest::command_test;
 
-constexpr const char* commands[] = {"import", "info",   "head",         "export", "schema",
-                                    "new",    "rename", "add-implicit", "kinds",  "settings"};
+constexpr const char* commands[] = {"import",      "info",     "head",  "export", "stats",        "diff",
+                                    "sign",        "schema",   "new",   "set",    "default",      "sort",
+                                    "delete-rows", "truncate", "alter", "rename", "add-implicit", "kinds",
+                                    "settings",    "sql",      "setup"};
 
 TEST_F(program_test, help_names_every_command) {
   const std::string help = run_quietly({"--help"});

@@ -1,0 +1,12 @@
+#include <cstdlib>
+
+#include "environment.h"
+
+namespace command {
+
+std::string environment_value(const char* name) {
+  const char* const value = std::getenv(name);
+  return value == nullptr ? "" : value;
+}
+
+}  // namespace command

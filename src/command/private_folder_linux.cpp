@@ -1,0 +1,24 @@
+#include <cstdlib>
+#include <filesystem>
+#include <system_error>
+
+#include "failure.h"
+#include "private_folder.h"
+#include "raw_file.h"
+
+namespace command {
+
+private_folder::private_folder(const std::string& purpose) {
+  const char* const set = std::getenv("TMPDIR");
+  name_ = std::string(set != nullptr && *set != '\0' ? set : "/tmp") + "/" + purpose + "-XXXXXX";
+  if (::mkdtemp(name_.data()) == nullptr) {
+    throw failure("cannot create a temporary folder " + name_ + ": " + last_reason());
+  }
+}
+
+private_folder::~private_folder() {
+  std::error_code ignored;
+  std::filesystem::remove_all(name_, ignored);
+}
+
+}  // namespace command

@@ -1,0 +1,19 @@
+// Columns on their way from a table's batches into a query's vectors.
+#pragma once
+
+#include "duckdb_abi.h"
+#include "scanned_table.h"
+
+namespace command {
+
+struct column_form {
+  bool is_text;
+  bool is_float;
+  bool absent_is_nan;  ///< instead of null, for numbers
+};
+
+/// Copies the reader's rows of its i-th column, those that are chosen alone where there is a choice.
+void copy_column(const duckdb::functions& library, const range_reader& reader, std::size_t i,
+                 const column_form& form, duckdb::vector vector);
+
+}  // namespace command

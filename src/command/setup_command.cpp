@@ -1,0 +1,60 @@
+// ovfile setup: what the program can use and does not bring with it.
+#include <memory>
+
+#include "commands.h"
+#include "duckdb_file.h"
+#include "duckdb_package.h"
+#include "setup_sql.h"
+#include "text_output.h"
+#include "words.h"
+
+namespace command {
+namespace {
+
+void print(const std::string& text) {
+  text_output output;
+  output.text() = text;
+  output.finish();
+}
+
+std::string sql_help() {
+  return fmt::format(
+      "Downloads the package {} (version {}, {} MB) with the system's curl from npm's registry, or the one "
+      "that\nnpm_config_registry names, checks its digest, and puts the library into the user's folder.\n"
+      "Nothing happens when it is there already. On a machine without a network use `npm pack\n{}@{}`\n"
+      "elsewhere and --from FILE here.",
+      duckdb_package.name, duckdb_package.version, duckdb_package.bytes / 1'000'000, duckdb_package.name,
+      duckdb_package.version);
+}
+
+void define_setup_sql(CLI::App& setup) {
+  auto request = std::make_shared<setup_request>();
+  auto tried = std::make_shared<std::string>();
+  CLI::App* const app = setup.add_subcommand("sql", "Put DuckDB's library in place, which SQL needs");
+  app->footer(sql_help());
+  app->add_option("--from", request->from, "the package's file, instead of a download")->type_name("FILE");
+  app->add_option("--registry", request->registry, "where the package comes from")->type_name("URL");
+  app->add_option("--folder", request->folder, "where the library goes")->type_name("FOLDER");
+  app->add_option("--version", request->version, "another version of the package")->type_name("VERSION");
+  app->add_option("--integrity", request->integrity, "the digest that the package must have (sha512-...)")
+      ->type_name("DIGEST");
+  app->add_flag("--force", request->force, "also when it is there already");
+  // For this program itself: loads a library and prints its version. No group: it is not shown.
+  app->add_option("--try", *tried)->group("");
+  app->callback([request, tried] {
+    tried->empty() ? set_up_sql(*request) : print(duckdb_version(load_duckdb_file(*tried)) + "\n");
+  });
+}
+
+}  // namespace
+
+void define_setup(CLI::App& program) {
+  CLI::App* const app =
+      program.add_subcommand("setup", "Put in place what the program does not bring with it");
+  define_setup_sql(*app);
+  app->callback([app] {
+    if (app->get_subcommands().empty()) print(app->help("ovfile"));
+  });
+}
+
+}  // namespace command

@@ -1,0 +1,118 @@
+// ovfile sql: a question to tables, in SQL.
+#include <memory>
+#include <optional>
+
+#include "commands.h"
+#include "failure.h"
+#include "parquet_file.h"
+#include "progress.h"
+#include "query_table.h"
+#include "replacement.h"
+#include "sql_database.h"
+#include "sql_options.h"
+#include "sql_output.h"
+#include "sql_statements.h"
+#include "table_limits.h"
+#include "text_output.h"
+#include "words.h"
+
+namespace command {
+namespace {
+
+constexpr const char* help =
+    "Answers a question in SQL, in which the names of table files stand for tables: select BHID, avg(CU) "
+    "from\n"
+    "'assays.ovt' join 'collars.ovt' using (BHID) group by BHID. CSV and Parquet files are read likewise.\n"
+    "read_ovt('assays.ovt', condition := 'CU > 1') takes a condition as --where does. Of several "
+    "statements,\n"
+    "which semicolons separate, the last one's rows are written. An absent number or text is NULL.\n"
+    "It needs DuckDB's library, which `ovfile setup sql` gets.";
+
+struct sql_request {
+  std::string statements;
+  std::string form;  ///< table, csv, json, parquet; empty: by the output's name
+  std::string output = "-";
+  sql_options options;
+  query_table_request made;
+};
+
+bool makes_table(const sql_request& request) { return is_named_as_table(request.output); }
+
+std::string form_of(const sql_request& request) {
+  if (!request.form.empty()) return request.form;
+  if (is_named_as_csv(request.output)) return "csv";
+  if (is_named_as_parquet(request.output)) return "parquet";
+  return is_named_as_json(request.output) ? "json" : "table";
+}
+
+void write_to_table(sql_database& database, const sql_request& request, const std::string& statement) {
+  const sql_shape shape = database.shape_of(statement);
+  if (!shape.is_query) throw failure("this statement gives no rows to make a table of");
+  // The rows are looked at twice, and the second time has to find the same.
+  database.execute(fmt::format("create temp table ovfile_rows as select * from (\n{}\n) as q({})", statement,
+                               fmt::join(own_column_names(shape.columns.size()), ", ")));
+  std::vector<std::string> notes;
+  query_table_request made = request.made;
+  made.nan_is_absent = request.options.absent_value() == absent_value::nan;
+  make_table(database, "ovfile_rows", shape.columns, request.output, made, notes);
+  for (const std::string& note : notes) say(note);
+}
+
+void write_to_parquet(sql_database& database, const sql_request& request, const std::string& statement) {
+  if (request.output == "-") throw wrong_usage("-o parquet needs --output FILE");
+  if (!database.shape_of(statement).is_query) throw failure("this statement gives no rows to write");
+  write_parquet(database, statement, request.output);
+}
+
+void write_text(sql_database& database, const sql_request& request, const std::string& statement) {
+  const std::string form = form_of(request);
+  sql_rows rows(database, statement, form == "json");
+  text_output output(request.output);
+  const row_format format = form == "csv"    ? row_format::csv
+                            : form == "json" ? row_format::json
+                                             : row_format::table;
+  write_rows(rows, format, request.options.shown_absent(), output);
+  output.finish();
+}
+
+void run_sql(const sql_request& request) {
+  const std::vector<std::string> statements = split_statements(request.statements);
+  if (statements.empty()) throw wrong_usage("there is no statement");
+  if (makes_table(request) && !request.form.empty()) {
+    throw wrong_usage(request.output + " is a table's name; -o does not go with it");
+  }
+  if (request.made.description) check_description("--description", *request.made.description);
+  sql_database database(request.options.settings());
+  for (std::size_t i = 0; i + 1 < statements.size(); ++i) database.execute(statements[i]);
+  if (makes_table(request)) {
+    write_to_table(database, request, statements.back());
+  } else if (form_of(request) == "parquet") {
+    write_to_parquet(database, request, statements.back());
+  } else {
+    write_text(database, request, statements.back());
+  }
+}
+
+}  // namespace
+
+void define_sql(CLI::App& program) {
+  auto request = std::make_shared<sql_request>();
+  CLI::App* const app = program.add_subcommand("sql", "Ask tables a question in SQL");
+  app->footer(help);
+  app->add_option("statement", request->statements, "the statement")->required();
+  app->add_option("-o,--format", request->form, "table, csv, json or parquet; by the output's name otherwise")
+      ->type_name("FORMAT")
+      ->check(CLI::IsMember({"table", "csv", "json", "parquet"}).description(""));
+  app->add_option("--output", request->output, "the file to make, also a table (.ovt); - is standard output")
+      ->type_name("FILE")
+      ->capture_default_str();
+  add_sql_options(*app, request->options);
+  app->add_option("--absent", request->options.absent,
+                  "what an absent value is: null, nan, keep (-1e30), or the text that is written for NULL")
+      ->type_name("WORD");
+  app->add_flag("--single", request->made.single, "a table that is made has numbers of 4 bytes");
+  add_description_option(*app, request->made.description);
+  app->callback([request] { run_sql(*request); });
+}
+
+}  // namespace command
