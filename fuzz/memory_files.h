@@ -86,6 +86,8 @@ class memory_files final : public ovf::file_system {
     files_[ovf::wide(name)] = std::make_shared<content>(std::move(bytes));
   }
   std::size_t count() const { return files_.size(); }
+  /// What a file that is there holds.
+  const content& at(ovf::wide_view name) const { return *files_.at(ovf::wide(name)); }
 
   std::unique_ptr<ovf::file> open(ovf::wide_view name, ovf::open_mode mode) noexcept override {
     using enum ovf::open_mode;

@@ -14,15 +14,16 @@ inline constexpr IID IID_IOvProgressSource{
 /// The host's side.
 struct IOvProgress : IUnknown {
   /// `done` of `total` steps are behind the call: called on its thread, many times a second, with a `done`
-  /// that never falls. S_OK goes on. Anything else stops the call, which then fails with E_ABORT and leaves
-  /// the table as it was. The table must not be called from here.
+  /// that never falls. A `total` of 0: nobody knows how many there will be. S_OK goes on. Anything else stops
+  /// the call, which then fails with E_ABORT and leaves the table as it was. The table must not be called
+  /// from here.
   OVFILE_METHOD Progress(LONGLONG done, LONGLONG total) = 0;
 };
 
 /// The table's side.
 struct IOvProgressSource : IUnknown {
-  /// `pProgress` hears from then on of `Sort`, `Repair`, `Rebuild`, `DeleteRow` and the signatures; null:
-  /// nobody does. The table holds a reference.
+  /// `pProgress` hears from then on of `Sort`, `Repair`, `Rebuild`, `DeleteRow`, the signatures and `Append`
+  /// (IOvTableStream; rows, of a total that nobody knows); null: nobody does. The table holds a reference.
   OVFILE_METHOD SetProgress(IOvProgress* pProgress) = 0;
 };
 

@@ -68,10 +68,11 @@ class basic_ovtable final : public table {
   byte_order order() const noexcept override { return rows_.order(); }
   void readRows(std::uint64_t first, std::uint64_t rows, block_buffer& buffer,
                 const record_reader& take) override;
-  added_rows beginRows() override;
-  void putRows(added_rows& added, std::uint64_t rows, const record_writer& fill) override;
-  void commitRows(added_rows& added) override;
-  void giveUpRows(added_rows& added) noexcept override;
+  std::uint64_t roomForRows() const noexcept override { return rows_.room_for_rows(); }
+  void beginRows() override;
+  void putRows(std::uint64_t rows, const record_writer& fill) override { rows_.put_rows(rows, fill); }
+  void commitRows() override;
+  void giveUpRows() noexcept override { rows_.give_up_rows(); }
   table_version version() const noexcept override { return rows_.version(); }
 
  protected:
@@ -81,7 +82,7 @@ class basic_ovtable final : public table {
   void resolve_columns();
   /// Runs a body that may bring other pages into memory; the current row's record stays in reach.
   template <class Body>
-  auto keeping_record(Body body);
+  void keeping_record(Body body);
   /// Changes the field list; the current row and its record stay.
   template <class Change>
   void change_fields(Change change);

@@ -2,12 +2,14 @@
 // without a step for each row.
 //
 // Rows that are appended in blocks stand behind the counted ones, and count all at once when they are
-// committed: whoever gives up leaves the table as it was.
+// committed. Until then the counted pages are not touched, so that giving up means cutting the file; any
+// change of the table, and its closing, gives them up.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <vector>
 
 namespace ovf {
@@ -17,6 +19,9 @@ using record_reader = std::function<void(const std::byte* records, std::size_t r
 
 /// Is given new records with the fields' defaults, to put values in.
 using record_writer = std::function<void(std::byte* records, std::size_t rows)>;
+
+/// Rows that a table can have.
+inline constexpr std::uint64_t most_rows = std::numeric_limits<std::int32_t>::max();
 
 /// Bytes that are read or written at a time.
 inline constexpr std::size_t block_bytes = std::size_t{1} << 18;
@@ -44,20 +49,30 @@ struct table_version {
 /// A number that no other open table of this process has had.
 std::uint64_t new_table_number() noexcept;
 
+/// The last counted page, where it has room for more rows: it takes the first ones, and is written when
+/// they count.
+struct begun_page {
+  std::uint64_t index = 0;
+  std::vector<std::byte> before;
+  std::vector<std::byte> after;  ///< no bytes: there is no such page
+  bool is_filled = true;         ///< rows that follow go elsewhere
+  bool is_written = false;
+};
+
 /// Rows that were put behind a table's end and do not count yet.
 struct added_rows {
   std::uint64_t rows = 0;
+  std::vector<std::byte> record;  ///< one of defaults
+  std::size_t records = 0;        ///< on the page that is being filled
+
+  begun_page begun;
+
+  // Pages behind the counted ones.
   std::vector<std::byte> pages;  ///< not written yet; the last of them is being filled
   std::uint64_t first_page = 0;  ///< where they belong in the file
   std::size_t whole_pages = 0;   ///< of them
-  std::size_t records = 0;       ///< on the page that is being filled
-
-  // What is needed to take everything back.
-  bool are_written = false;           ///< some of the pages are in the file
-  std::uint64_t file_bytes = 0;       ///< the file's size before
-  std::uint64_t kept_page = 0;        ///< the page that had room for more
-  std::vector<std::byte> kept_bytes;  ///< its bytes; none when no page had room
-  std::vector<std::byte> record;      ///< one record of defaults
+  bool are_written = false;      ///< some are in the file
+  std::uint64_t file_bytes = 0;  ///< the file's size before
 };
 
 }  // namespace ovf

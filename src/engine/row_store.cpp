@@ -1,7 +1,6 @@
 #include "engine/row_store.h"
 
 #include <algorithm>
-#include <limits>
 
 #include "engine/values.h"
 #include "storage/file_error.h"
@@ -12,8 +11,6 @@ namespace {
 constexpr wide_view nothing_stored = OLESTR("AddRow failed, the table has no stored fields");
 constexpr wide_view cut_failed =
     OLESTR("OvFile Error: onSetRowCount failed to set the end of the file. (%x: %s)");
-
-constexpr std::uint64_t most_rows = std::numeric_limits<std::int32_t>::max();
 
 }  // namespace
 
@@ -31,6 +28,7 @@ row_store<Precision>::row_store(std::unique_ptr<file> opened, wide path, bool re
 
 template <class Precision>
 row_store<Precision>::~row_store() {
+  give_up_rows();
   try {
     flush();
   } catch (...) {

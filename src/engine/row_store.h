@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
 #include "engine/field.h"
 #include "engine/row_blocks.h"
@@ -60,10 +61,11 @@ class row_store {
   // Blocks of rows, as the table has them.
 
   void read_rows(std::uint64_t first, std::uint64_t rows, block_buffer& buffer, const record_reader& take);
-  added_rows begin_rows();
-  void put_rows(added_rows& added, std::uint64_t rows, const record_writer& fill);
-  void commit_rows(added_rows& added);
-  void give_up_rows(added_rows& added) noexcept;
+  std::uint64_t room_for_rows() const noexcept;
+  void begin_rows();
+  void put_rows(std::uint64_t rows, const record_writer& fill);
+  void commit_rows();
+  void give_up_rows() noexcept;
   /// Which part of the file is in memory: located records are where they were as long as it stays.
   std::uint64_t held_segment() const noexcept { return records_.segment(); }
   table_version version() const noexcept { return version_; }
@@ -73,8 +75,11 @@ class row_store {
     note_change();
     records_.mark_changed();
   }
-  /// Anything else was.
-  void note_change() noexcept { ++version_.changes; }
+  /// Anything else was, or is about to be. Rows that were put and not committed are given up.
+  void note_change() noexcept {
+    if (added_) give_up_rows();
+    ++version_.changes;
+  }
   void flush_records() { records_.flush(); }
   /// Rows first: the header never promises rows that are not in the file.
   void flush();
@@ -93,10 +98,17 @@ class row_store {
     std::size_t pages;
   };
   page_run pages_from(std::uint64_t page, std::uint64_t last, block_buffer& buffer);
+  added_rows& added();
   void require_room_for(std::uint64_t rows) const;
-  std::byte* page_being_filled(added_rows& added) const;
-  void write_pages(added_rows& added, std::size_t pages);
+  /// Brings the last counted page into reach when it has room for more rows.
+  void take_begun_page(added_rows& to);
+  static std::byte* page_being_filled(added_rows& of);
+  void end_page(added_rows& of);
+  void write_pages(added_rows& of, std::size_t pages);
+  void write_rest(added_rows& of);
+  void require_written(std::uint64_t page, std::span<const std::byte> bytes);
   void cut_spare_bytes(std::uint64_t page);
+  void count_rows(std::uint64_t rows);
   void fill_with_defaults(std::byte* record) const;
 
   /// Without a mark the count of atoms alone tells the byte order: throws MyExceptionClass for one that
@@ -125,6 +137,7 @@ class row_store {
   std::size_t records_per_page_ = 0;
   std::uint64_t row_count_ = 0;
   table_version version_{new_table_number(), 0};
+  std::optional<added_rows> added_;
 };
 
 }  // namespace ovf

@@ -1,6 +1,7 @@
 // Blocks of rows, read and put behind the table's end.
 #include <algorithm>
 #include <atomic>
+#include <utility>
 
 #include "engine/row_store.h"
 #include "storage/file_error.h"
@@ -9,6 +10,7 @@ namespace ovf {
 namespace {
 
 constexpr wide_view nothing_stored = OLESTR("AddRow failed, the table has no stored fields");
+constexpr wide_view nothing_begun = OLESTR("AddRow failed, the rows that were being added were given up");
 
 template <class Precision>
 constexpr std::size_t block_pages = block_bytes / Precision::page_bytes;
@@ -68,22 +70,41 @@ auto row_store<Precision>::pages_from(std::uint64_t page, std::uint64_t last, bl
 }
 
 template <class Precision>
-added_rows row_store<Precision>::begin_rows() {
+std::uint64_t row_store<Precision>::room_for_rows() const noexcept {
+  const std::uint64_t pages = Precision::largest_count - counts_.header_pages;
+  const bool pages_decide = records_per_page_ != 0 && pages < most_rows / records_per_page_;
+  const std::uint64_t most = pages_decide ? pages * records_per_page_ : most_rows;
+  return most - std::min(most, row_count_);
+}
+
+template <class Precision>
+void row_store<Precision>::begin_rows() {
   if (records_per_page_ == 0) throw MyExceptionClass(wide(nothing_stored));
+  give_up_rows();
   records_.flush();
-  added_rows added;
-  added.file_bytes = file_bytes();
-  added.first_page = counts_.header_pages + row_count_ / records_per_page_;
-  added.records = static_cast<std::size_t>(row_count_ % records_per_page_);
-  added.record.resize(record_bytes());
-  fill_with_defaults(added.record.data());
-  const bool is_counted = added.records != 0 || added.first_page < counts_.pages;
-  if (!is_counted) return added;
-  const std::byte* page = records_.page(added.first_page, counts_);
-  added.kept_page = added.first_page;
-  added.kept_bytes.assign(page, page + Precision::page_bytes);
-  added.pages = added.kept_bytes;
-  return added;
+  added_rows made;
+  made.file_bytes = file_bytes();
+  made.first_page = counts_.header_pages + row_count_ / records_per_page_;
+  made.records = static_cast<std::size_t>(row_count_ % records_per_page_);
+  made.record.resize(record_bytes());
+  fill_with_defaults(made.record.data());
+  if (made.records != 0 || made.first_page < counts_.pages) take_begun_page(made);
+  added_ = std::move(made);
+}
+
+template <class Precision>
+void row_store<Precision>::take_begun_page(added_rows& to) {
+  const std::byte* page = records_.page(to.first_page, counts_);
+  to.begun.index = to.first_page++;
+  to.begun.before.assign(page, page + Precision::page_bytes);
+  to.begun.after = to.begun.before;
+  to.begun.is_filled = false;
+}
+
+template <class Precision>
+added_rows& row_store<Precision>::added() {
+  if (!added_) throw MyExceptionClass(wide(nothing_begun));
+  return *added_;
 }
 
 template <class Precision>
@@ -95,35 +116,70 @@ void row_store<Precision>::require_room_for(std::uint64_t rows) const {
 }
 
 template <class Precision>
-std::byte* row_store<Precision>::page_being_filled(added_rows& added) const {
-  const std::size_t begin = added.whole_pages * Precision::page_bytes;
-  if (added.pages.size() < begin + Precision::page_bytes) {
-    added.pages.resize(begin + Precision::page_bytes);
-  } else if (added.records == 0 && (added.are_written || begin != 0)) {
-    // The room of a page that was written before.
-    std::memset(added.pages.data() + begin, 0, Precision::page_bytes);
+void row_store<Precision>::put_rows(std::uint64_t rows, const record_writer& fill) {
+  added_rows& to = added();
+  require_room_for(to.rows + rows);
+  while (rows > 0) {
+    std::byte* records = page_being_filled(to) + to.records * record_bytes();
+    const auto here = static_cast<std::size_t>(std::min<std::uint64_t>(rows, records_per_page_ - to.records));
+    for (std::size_t i = 0; i < here; ++i) {
+      std::memcpy(records + i * record_bytes(), to.record.data(), record_bytes());
+    }
+    fill(records, here);
+    to.records += here;
+    to.rows += here;
+    rows -= here;
+    if (to.records == records_per_page_) end_page(to);
   }
-  return added.pages.data() + begin;
 }
 
 template <class Precision>
-void row_store<Precision>::put_rows(added_rows& added, std::uint64_t rows, const record_writer& fill) {
-  require_room_for(added.rows + rows);
-  while (rows > 0) {
-    std::byte* records = page_being_filled(added) + added.records * record_bytes();
-    const auto here =
-        static_cast<std::size_t>(std::min<std::uint64_t>(rows, records_per_page_ - added.records));
-    for (std::size_t i = 0; i < here; ++i) {
-      std::memcpy(records + i * record_bytes(), added.record.data(), record_bytes());
-    }
-    fill(records, here);
-    added.records += here;
-    added.rows += here;
-    rows -= here;
-    if (added.records < records_per_page_) continue;
-    added.records = 0;
-    if (++added.whole_pages == block_pages<Precision>) write_pages(added, added.whole_pages);
+std::byte* row_store<Precision>::page_being_filled(added_rows& of) {
+  if (!of.begun.is_filled) return of.begun.after.data();
+  const std::size_t begin = of.whole_pages * Precision::page_bytes;
+  if (of.pages.size() < begin + Precision::page_bytes) {
+    of.pages.resize(begin + Precision::page_bytes);
+  } else if (of.records == 0) {
+    // The room of a page that was written before.
+    std::memset(of.pages.data() + begin, 0, Precision::page_bytes);
   }
+  return of.pages.data() + begin;
+}
+
+template <class Precision>
+void row_store<Precision>::end_page(added_rows& of) {
+  of.records = 0;
+  if (!of.begun.is_filled) {
+    of.begun.is_filled = true;
+  } else if (++of.whole_pages == block_pages<Precision>) {
+    write_pages(of, of.whole_pages);
+  }
+}
+
+template <class Precision>
+void row_store<Precision>::write_pages(added_rows& of, std::size_t pages) {
+  if (pages == 0) return;
+  of.are_written = true;
+  require_written(of.first_page, std::span(of.pages).first(pages * Precision::page_bytes));
+  of.first_page += pages;
+  of.whole_pages = 0;
+}
+
+template <class Precision>
+void row_store<Precision>::require_written(std::uint64_t page, std::span<const std::byte> bytes) {
+  if (!write_at(*file_, page * Precision::page_bytes, bytes)) {
+    fail_with_system_error(Precision::add_page_write_failed);
+  }
+}
+
+template <class Precision>
+void row_store<Precision>::write_rest(added_rows& of) {
+  const bool is_begun = of.begun.is_filled && of.records != 0;
+  write_pages(of, of.whole_pages + (is_begun ? 1 : 0));
+  if (of.are_written) cut_spare_bytes(of.first_page);
+  if (of.begun.after.empty()) return;
+  of.begun.is_written = true;
+  require_written(of.begun.index, of.begun.after);
 }
 
 template <class Precision>
@@ -138,28 +194,20 @@ void row_store<Precision>::cut_spare_bytes(std::uint64_t page) {
 }
 
 template <class Precision>
-void row_store<Precision>::write_pages(added_rows& added, std::size_t pages) {
-  if (pages == 0) return;
-  const bool first = !added.are_written;
-  added.are_written = true;
-  const std::uint64_t fresh = added.first_page + (added.kept_bytes.empty() ? 0 : 1);
-  if (first && pages > fresh - added.first_page) cut_spare_bytes(fresh);
-  const std::span<const std::byte> bytes(added.pages.data(), pages * Precision::page_bytes);
-  if (!write_at(*file_, added.first_page * Precision::page_bytes, bytes)) {
-    fail_with_system_error(Precision::add_page_write_failed);
+void row_store<Precision>::commit_rows() {
+  added_rows& all = added();
+  if (all.rows != 0) {
+    header_.get(format::pages_word);  // what follows the writing needs no more of the file
+    write_rest(all);
+    count_rows(row_count_ + all.rows);
   }
-  added.first_page += pages;
-  added.whole_pages = 0;
+  added_.reset();
 }
 
 template <class Precision>
-void row_store<Precision>::commit_rows(added_rows& added) {
-  if (added.rows == 0) return;
-  header_.get(format::pages_word);  // what follows the writing needs no more of the file
-  write_pages(added, added.whole_pages + (added.records == 0 ? 0 : 1));
-  const std::uint64_t rows = row_count_ + added.rows;
+void row_store<Precision>::count_rows(std::uint64_t rows) {
   const std::uint64_t full = (rows - 1) / records_per_page_;
-  note_change();
+  ++version_.changes;
   records_.forget();
   row_count_ = rows;
   counts_.pages = counts_.header_pages + full + 1;
@@ -168,17 +216,18 @@ void row_store<Precision>::commit_rows(added_rows& added) {
 }
 
 template <class Precision>
-void row_store<Precision>::give_up_rows(added_rows& added) noexcept {
-  if (!added.are_written) return;
-  note_change();  // the file is not the one that was last looked at
-  records_.forget();
-  if (!added.kept_bytes.empty()) {
-    (void)write_at(*file_, added.kept_page * Precision::page_bytes, added.kept_bytes);
+void row_store<Precision>::give_up_rows() noexcept {
+  if (!added_) return;
+  const added_rows lost = *std::exchange(added_, std::nullopt);
+  if (!lost.are_written && !lost.begun.is_written) return;
+  ++version_.changes;  // the file is not the one that was last looked at
+  if (lost.begun.is_written) {
+    (void)write_at(*file_, lost.begun.index * Precision::page_bytes, lost.begun.before);
   }
   // Bytes behind the counted pages do no harm where they cannot be cut.
   std::uint64_t size = 0;
-  if (!file_->size(size) || size <= added.file_bytes) return;
-  if (file_->seek(static_cast<std::int64_t>(added.file_bytes), seek_origin::begin)) (void)file_->set_end();
+  if (!file_->size(size) || size <= lost.file_bytes) return;
+  if (file_->seek(static_cast<std::int64_t>(lost.file_bytes), seek_origin::begin)) (void)file_->set_end();
 }
 
 template class row_store<single_precision>;

@@ -135,14 +135,18 @@ class table {
   /// that cannot be read throws what a move to it would.
   virtual void readRows(std::uint64_t first, std::uint64_t rows, block_buffer& buffer,
                         const record_reader& take) = 0;
-  /// Begins to append. The three calls below want the table unchanged since: the same `version`.
-  virtual added_rows beginRows() = 0;
-  /// Puts rows behind those put so far; `fill` is given each of them once.
-  virtual void putRows(added_rows& added, std::uint64_t rows, const record_writer& fill) = 0;
+  /// Rows that a table of these fields can take yet.
+  virtual std::uint64_t roomForRows() const noexcept = 0;
+  /// Begins to append; what was begun before is given up. Every change of the table (another `version`)
+  /// and its destruction give the rows up as well, and the two calls below then throw MyExceptionClass.
+  virtual void beginRows() = 0;
+  /// Puts rows behind those put so far; `fill` is given each of them once, and must not touch the table.
+  /// Throws what `addRow` throws for more than there is room for. After a failure they can be given up alone.
+  virtual void putRows(std::uint64_t rows, const record_writer& fill) = 0;
   /// Makes them count; a failure throws and leaves them to be given up.
-  virtual void commitRows(added_rows& added) = 0;
-  /// Makes the file what it was.
-  virtual void giveUpRows(added_rows& added) noexcept = 0;
+  virtual void commitRows() = 0;
+  /// Makes the file what it was, but for bytes that no count includes. Does nothing when nothing was begun.
+  virtual void giveUpRows() noexcept = 0;
   virtual table_version version() const noexcept = 0;
 
   /// The place of a stored number of the current row, native byte order, for callers in a hurry; null

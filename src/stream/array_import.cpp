@@ -1,15 +1,11 @@
 #include "stream/array_import.h"
 
-#include <limits>
-
-#include "ovfile/exception.h"
-
 namespace ovf {
 namespace {
 
+constexpr wide_view impossible_length = OLESTR("its length or offset cannot be");
+constexpr wide_view impossible_batch = OLESTR("a batch has a length or offset that cannot be");
 constexpr wide_view outside = OLESTR("the index lies outside its dictionary");
-
-[[noreturn]] void refuse(wide_view what) { throw MyExceptionClass(wide(what)); }
 
 constexpr std::int64_t most = std::numeric_limits<std::int64_t>::max();
 
@@ -17,27 +13,42 @@ bool is_countable(const ArrowArray& array) noexcept {
   return array.length >= 0 && array.offset >= 0 && array.length <= most - array.offset - 1;
 }
 
+constexpr std::int64_t bits_of(value_kind kind) noexcept {
+  switch (kind) {
+    case value_kind::nothing:
+    case value_kind::boolean:
+      return 1;
+    case value_kind::int8:
+    case value_kind::uint8:
+      return 8;
+    case value_kind::int16:
+    case value_kind::uint16:
+    case value_kind::half_float:
+      return 16;
+    case value_kind::int32:
+    case value_kind::uint32:
+    case value_kind::single_float:
+    case value_kind::text:  // its offsets
+      return 32;
+    default:
+      return 64;
+  }
+}
+
 std::int64_t buffers_of(value_kind kind) noexcept {
   if (kind == value_kind::nothing) return 0;
   return is_text(kind) ? 3 : 2;
 }
 
-template <class Offset>
-void check_offsets(const Offset* offsets, std::int64_t texts, const void* characters) {
-  if (offsets[0] < 0) refuse(OLESTR("its texts begin before their buffer"));
-  for (std::int64_t i = 0; i < texts; ++i) {
-    if (offsets[i + 1] < offsets[i]) refuse(OLESTR("the offsets of its texts fall"));
-  }
-  if (characters == nullptr && offsets[texts] != offsets[0]) refuse(OLESTR("its texts have no buffer"));
-}
-
-void check_texts(const value_span& texts) {
-  if (texts.offsets == nullptr) refuse(OLESTR("its texts have no offsets"));
-  if (texts.kind == value_kind::text) {
-    check_offsets(static_cast<const std::int32_t*>(texts.offsets) + texts.offset, texts.length, texts.values);
-  } else {
-    check_offsets(static_cast<const std::int64_t*>(texts.offsets) + texts.offset, texts.length, texts.values);
-  }
+void take_texts(const void* offsets, value_span& texts) {
+  if (offsets == nullptr) refuse(OLESTR("its texts have no offsets"));
+  texts.offsets = offsets;
+  texts.first = texts.text_begin(0);
+  texts.last = texts.text_begin(texts.length);
+  if (texts.first < 0) refuse(OLESTR("its texts begin before their buffer"));
+  if (texts.last < texts.first) refuse(OLESTR("the offsets of its texts fall"));
+  if (!fits_memory(texts.last, 8)) refuse(OLESTR("its texts are longer than memory can be"));
+  if (texts.values == nullptr && texts.first != texts.last) refuse(OLESTR("its texts have no buffer"));
 }
 
 /// The values of an array from `skipped` on.
@@ -52,14 +63,14 @@ value_span checked_values(value_kind kind, const ArrowArray& array, std::int64_t
   if (array.n_children != 0) refuse(OLESTR("it has children"));
   if (buffers == 0 || length == 0) return found;
   if (array.buffers == nullptr) refuse(OLESTR("it has no buffers"));
+  if (!fits_memory(array.offset + array.length + 1, bits_of(kind))) refuse(impossible_length);
   if (array.null_count != 0) found.there = static_cast<const std::uint8_t*>(array.buffers[0]);
   if (array.null_count > 0 && found.there == nullptr) {
     refuse(OLESTR("it has nulls and does not tell which"));
   }
   found.values = array.buffers[buffers - 1];
   if (is_text(kind)) {
-    found.offsets = array.buffers[1];
-    check_texts(found);
+    take_texts(array.buffers[1], found);
   } else if (found.values == nullptr) {
     refuse(OLESTR("it has no values"));
   }
@@ -68,7 +79,7 @@ value_span checked_values(value_kind kind, const ArrowArray& array, std::int64_t
 
 void check_alive(const ArrowArray* array) {
   if (array == nullptr || array->release == nullptr) refuse(OLESTR("it is not there"));
-  if (!is_countable(*array)) refuse(OLESTR("its length or offset cannot be"));
+  if (!is_countable(*array)) refuse(impossible_length);
 }
 
 value_kind kind_of(const char* format) noexcept {
@@ -82,8 +93,7 @@ value_kind checked_kind(const char* format) {
   const value_kind kind = kind_of(format);
   if (kind != value_kind::nothing || (format != nullptr && std::string_view(format) == "n")) return kind;
   const std::string_view shown = format == nullptr ? std::string_view("(none)") : std::string_view(format);
-  throw MyExceptionClass(OLESTR("its type \"") + wide_from_utf8(shown) +
-                         OLESTR("\" is none that a table can take in"));
+  refuse(OLESTR("its type \"") + wide_from_utf8(shown) + OLESTR("\" is none that a table can take in"));
 }
 
 }  // namespace
@@ -111,8 +121,14 @@ column_type checked_type(const ArrowSchema& schema) {
   return type;
 }
 
-void check_batch(const ArrowArray& batch, std::size_t columns) {
-  if (!is_countable(batch)) refuse(OLESTR("a batch has a length or offset that cannot be"));
+void check_batch(const ArrowArray& batch, std::size_t columns, std::uint64_t room) {
+  if (!is_countable(batch)) refuse(impossible_batch);
+  if (static_cast<std::uint64_t>(batch.length) > room) {
+    refuse(wide_format(OLESTR("a batch has %d rows, and the table has room for %d more"))
+               .arg(static_cast<long long>(batch.length))
+               .arg(static_cast<long long>(room))
+               .text());
+  }
   if (batch.n_children < 0 || static_cast<std::uint64_t>(batch.n_children) != columns ||
       (columns != 0 && batch.children == nullptr)) {
     refuse(OLESTR("a batch has another number of columns than the stream"));
@@ -120,6 +136,7 @@ void check_batch(const ArrowArray& batch, std::size_t columns) {
   const bool has_nulls =
       batch.null_count != 0 && batch.n_buffers > 0 && batch.buffers != nullptr && batch.buffers[0] != nullptr;
   if (!has_nulls) return;
+  if (!fits_memory(batch.offset + batch.length, 1)) refuse(impossible_batch);
   const auto* there = static_cast<const std::uint8_t*>(batch.buffers[0]);
   for (std::int64_t bit = batch.offset; bit < batch.offset + batch.length; ++bit) {
     if ((there[bit / 8] >> (bit % 8) & 1) == 0) refuse(OLESTR("a batch has rows that are null"));
@@ -144,15 +161,12 @@ column_span checked_column(const column_type& type, const ArrowArray* column, st
   return found;
 }
 
-std::string_view value_span::text_at(std::int64_t index) const noexcept {
-  const auto part = [&](const auto* all) {
-    const auto* const ends = all + offset + index;
-    const auto bytes = static_cast<std::size_t>(ends[1] - ends[0]);
-    return bytes == 0 ? std::string_view()
-                      : std::string_view(static_cast<const char*>(values) + ends[0], bytes);
-  };
-  return kind == value_kind::text ? part(static_cast<const std::int32_t*>(offsets))
-                                  : part(static_cast<const std::int64_t*>(offsets));
+std::optional<std::string_view> value_span::text_at(std::int64_t index) const noexcept {
+  const std::int64_t begin = text_begin(index);
+  const std::int64_t end = text_begin(index + 1);
+  if (begin < first || end < begin || end > last) return std::nullopt;
+  if (begin == end) return std::string_view();
+  return std::string_view(static_cast<const char*>(values) + begin, static_cast<std::size_t>(end - begin));
 }
 
 std::int64_t value_span::integer_at(std::int64_t index) const noexcept {

@@ -1,14 +1,18 @@
 // A host's types and arrays, held against the layout that their formats promise before any value is read.
 // The sizes of buffers are not told by anybody: a host that promises bytes that are not there is beyond
-// help.
+// help. Buffers may stand anywhere, whatever their values would like to be aligned to.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
+#include <limits>
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "ovfile/arrow_abi.h"
-#include "platform/text.h"
+#include "stream/refusal.h"
 
 namespace ovf {
 
@@ -44,13 +48,21 @@ struct column_type {
   value_kind indexes = value_kind::nothing;
 };
 
-/// The type of a child of a stream's structure. Throws MyExceptionClass without a prefix: what is wrong
-/// with it.
+/// Whether `count` things of `bits` bits each can stand in a memory whose places differ by up to what
+/// `Place` can tell: a text of 64-bit offsets may promise more than a system of 32 bits has.
+template <class Place = std::ptrdiff_t>
+constexpr bool fits_memory(std::int64_t count, std::int64_t bits) noexcept {
+  return count / 8 < static_cast<std::int64_t>(std::numeric_limits<Place>::max()) / bits;
+}
+
+// These throw `refusal`.
+
+/// The type of a child of a stream's structure.
 column_type checked_type(const ArrowSchema& schema);
-/// Throws for a stream that is not one of structures.
+/// The stream has to be one of structures.
 void check_structure(const ArrowSchema& schema);
-/// Throws for a batch that is no structure of `columns` columns.
-void check_batch(const ArrowArray& batch, std::size_t columns);
+/// The batch has to be a structure of `columns` columns and at most `room` rows, none of them null.
+void check_batch(const ArrowArray& batch, std::size_t columns, std::uint64_t room);
 
 /// The values of one array.
 struct value_span {
@@ -59,7 +71,11 @@ struct value_span {
   std::int64_t length = 0;
   const std::uint8_t* there = nullptr;  ///< one bit for each; null: all are there
   const void* values = nullptr;         ///< of a text: the characters
-  const void* offsets = nullptr;        ///< of a text
+
+  // Of a text.
+  const void* offsets = nullptr;
+  std::int64_t first = 0;  ///< where the characters of all of them begin, and where they end
+  std::int64_t last = 0;
 
   bool is_there(std::int64_t index) const noexcept {
     const std::int64_t bit = offset + index;
@@ -67,21 +83,30 @@ struct value_span {
   }
   template <class Value>
   Value at(std::int64_t index) const noexcept {
-    return static_cast<const Value*>(values)[offset + index];
+    return loaded<Value>(values, offset + index);
   }
   bool bit_at(std::int64_t index) const noexcept {
     const std::int64_t bit = offset + index;
     return (static_cast<const std::uint8_t*>(values)[bit / 8] >> (bit % 8) & 1) != 0;
   }
-  std::string_view text_at(std::int64_t index) const noexcept;
+  /// Nothing when its offsets lead elsewhere.
+  std::optional<std::string_view> text_at(std::int64_t index) const noexcept;
+  /// Where a text begins, or with the index of the one behind, ends.
+  std::int64_t text_begin(std::int64_t index) const noexcept {
+    return kind == value_kind::text ? loaded<std::int32_t>(offsets, offset + index)
+                                    : loaded<std::int64_t>(offsets, offset + index);
+  }
   /// Of an integer kind; what is beyond 63 bits is negative.
   std::int64_t integer_at(std::int64_t index) const noexcept;
-};
 
-/// A value that the column cannot hold, of a row of the batch.
-struct bad_value {
-  std::int64_t row;
-  wide reason;
+ private:
+  template <class Value>
+  static Value loaded(const void* from, std::int64_t index) noexcept {
+    Value value;
+    std::memcpy(&value, static_cast<const std::byte*>(from) + index * std::int64_t{sizeof(Value)},
+                sizeof value);
+    return value;
+  }
 };
 
 /// A column of one batch.
@@ -104,8 +129,9 @@ struct column_span {
   std::int64_t place_in_dictionary(std::int64_t row) const;
 };
 
-/// `rows` values of a child that stand behind the structure's `offset`. Throws MyExceptionClass without a
-/// prefix.
+/// `rows` values of a child that stand behind the structure's `offset`. Throws `refusal`. Single texts are
+/// held against their buffer when they are asked for, so that a large dictionary is not gone through for
+/// every batch.
 column_span checked_column(const column_type& type, const ArrowArray* column, std::int64_t offset,
                            std::int64_t rows);
 

@@ -24,8 +24,8 @@ class column_writer {
 /// Is told every number that is put, as a double; may be empty.
 using value_listener = std::function<void(double)>;
 
-/// A writer for values of that kind; `page` outlives it. Throws MyExceptionClass without a prefix when the
-/// field cannot take the kind.
+/// A writer for values of that kind; `page` outlives it. Throws `refusal` when the field cannot take the
+/// kind.
 std::unique_ptr<column_writer> make_writer(const field& to, const record_layout& layout, value_kind kind,
                                            const ansi_page& page, const value_listener& listener);
 

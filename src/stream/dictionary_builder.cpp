@@ -1,9 +1,9 @@
 // Texts as indexes into those that a batch has, in the order in which they come first.
 #include <functional>
 
+#include "stream/nullable_builder.h"
 #include "stream/text_column.h"
 #include "stream/text_words.h"
-#include "stream/validity.h"
 
 namespace ovf {
 namespace {
@@ -59,48 +59,43 @@ class known_texts {
   std::vector<std::int32_t> places_;  ///< a power of 2 of them
 };
 
-class dictionary_builder final : public column_builder {
+class dictionary_builder final : public nullable_builder {
  public:
   dictionary_builder(const field& from, const record_layout& layout, const value_choices& choices,
                      const ansi_page& page)
-      : words_(from, layout, choices.trailing_blanks),
-        stride_(layout.record_bytes),
-        absent_as_null_(choices.absent_as_null),
+      : nullable_builder(layout, choices),
+        words_(from, layout, choices.trailing_blanks),
         room_(words_.width()),
         texts_(page) {}
 
-  void begin(std::size_t rows) override {
+  std::size_t row_bytes() const noexcept override { return sizeof(std::int32_t); }
+  std::size_t most_rows() const noexcept override { return text_column::most_characters / words_.width(); }
+
+ private:
+  void begin_values(std::size_t rows) override {
     indexes_ = raw_buffer(rows * sizeof(std::int32_t));
-    there_ = absent_as_null_ ? validity(rows) : validity();
-    taken_ = 0;
     known_.clear();
     texts_.begin(0, 0);
   }
 
-  void take(const std::byte* records, std::size_t rows) override {
+  void take_values(const std::byte* records, std::size_t rows) override {
+    std::int32_t* to = indexes_.as<std::int32_t>() + taken();
     for (std::size_t i = 0; i < rows; ++i) {
-      const std::string_view text = words_.read(records + i * stride_, room_.data());
-      const bool is_absent = absent_as_null_ && text_words::without_blanks(text).empty();
-      if (is_absent) there_.miss(taken_);
-      indexes_.as<std::int32_t>()[taken_++] = is_absent ? 0 : number_of(text);
+      const std::string_view text = words_.read(records + i * stride(), room_.data());
+      const bool is_null = absent_as_null() && text_words::without_blanks(text).empty();
+      if (is_null) miss(i);
+      to[i] = is_null ? 0 : number_of(text);
     }
   }
 
-  column_data finish() override {
+  column_data finish_values() override {
     column_data made;
-    made.length = static_cast<std::int64_t>(taken_);
-    made.nulls = there_.missing();
-    made.buffers[0] = there_.take();
     made.buffers[1] = std::move(indexes_);
     made.buffer_count = 2;
     made.dictionary = std::make_unique<column_data>(texts_.finish());
     return made;
   }
 
-  std::size_t row_bytes() const noexcept override { return sizeof(std::int32_t); }
-  std::size_t most_rows() const noexcept override { return text_column::most_characters / words_.width(); }
-
- private:
   std::int32_t number_of(std::string_view text) {
     bool is_new = false;
     const std::int32_t number = known_.number_of(text, is_new);
@@ -112,14 +107,10 @@ class dictionary_builder final : public column_builder {
   }
 
   text_words words_;
-  std::size_t stride_;
-  bool absent_as_null_;
   std::vector<char> room_;
   known_texts known_;
   text_column texts_;
   raw_buffer indexes_;
-  validity there_;
-  std::size_t taken_ = 0;
 };
 
 }  // namespace

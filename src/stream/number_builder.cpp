@@ -1,8 +1,7 @@
 #include "engine/values.h"
 #include "platform/decimal_tidy.h"
 #include "storage/special_values.h"
-#include "stream/column_builder.h"
-#include "stream/validity.h"
+#include "stream/nullable_builder.h"
 
 namespace ovf {
 namespace {
@@ -18,50 +17,41 @@ Value shown(Number number) noexcept {
 
 /// Numbers of a precision, as `Value`.
 template <class Precision, class Value>
-class number_builder final : public column_builder {
+class number_builder final : public nullable_builder {
  public:
   using number = typename Precision::number;
 
   number_builder(const field& from, const record_layout& layout, const value_choices& choices)
-      : order_(layout.order),
-        stride_(layout.record_bytes),
+      : nullable_builder(layout, choices),
+        order_(layout.order),
         is_implicit_(from.is_implicit()),
         offset_(is_implicit_ ? 0 : (from.atoms.front().position - 1) * Precision::word_bytes),
         // Implicit fields read their default as the file holds it.
-        constant_(
-            shown<Value>(load_number<Precision>(from.atoms.front().default_word.data(), byte_order::native))),
-        absent_as_null_(choices.absent_as_null) {}
+        constant_(shown<Value>(
+            load_number<Precision>(from.atoms.front().default_word.data(), byte_order::native))) {}
 
-  void begin(std::size_t rows) override {
-    values_ = raw_buffer(rows * sizeof(Value));
-    there_ = absent_as_null_ ? validity(rows) : validity();
-    taken_ = 0;
-  }
+  std::size_t row_bytes() const noexcept override { return sizeof(Value); }
 
-  void take(const std::byte* records, std::size_t rows) override {
-    Value* to = values_.as<Value>() + taken_;
+ private:
+  void begin_values(std::size_t rows) override { values_ = raw_buffer(rows * sizeof(Value)); }
+
+  void take_values(const std::byte* records, std::size_t rows) override {
+    Value* to = values_.as<Value>() + taken();
     if (is_implicit_) {
       std::fill_n(to, rows, constant_);
     } else {
       gather(records + offset_, rows, to);
     }
-    if (absent_as_null_) mark_absent(to, rows);
-    taken_ += rows;
+    if (absent_as_null()) mark_absent(to, rows);
   }
 
-  column_data finish() override {
+  column_data finish_values() override {
     column_data made;
-    made.length = static_cast<std::int64_t>(taken_);
-    made.nulls = there_.missing();
-    made.buffers[0] = there_.take();
     made.buffers[1] = std::move(values_);
     made.buffer_count = 2;
     return made;
   }
 
-  std::size_t row_bytes() const noexcept override { return sizeof(Value); }
-
- private:
   void gather(const std::byte* from, std::size_t rows, Value* to) const noexcept {
     switch (order_) {
       case byte_order::native:
@@ -77,28 +67,24 @@ class number_builder final : public column_builder {
 
   template <byte_order Order>
   void gather_as(const std::byte* from, std::size_t rows, Value* to) const noexcept {
-    const std::size_t stride = stride_;
+    const std::size_t between = stride();
     for (std::size_t i = 0; i < rows; ++i) {
-      to[i] = shown<Value>(load_number<Precision>(from + i * stride, Order));
+      to[i] = shown<Value>(load_number<Precision>(from + i * between, Order));
     }
   }
 
   void mark_absent(const Value* values, std::size_t rows) noexcept {
     constexpr auto absent = static_cast<Value>(static_cast<number>(absent_value));
     for (std::size_t i = 0; i < rows; ++i) {
-      if (values[i] == absent) there_.miss(taken_ + i);
+      if (values[i] == absent) miss(i);
     }
   }
 
   byte_order order_;
-  std::size_t stride_;
   bool is_implicit_;
   std::size_t offset_;
   Value constant_;
-  bool absent_as_null_;
   raw_buffer values_;
-  validity there_;
-  std::size_t taken_ = 0;
 };
 
 }  // namespace

@@ -113,10 +113,11 @@ class writer_of final : public number_writer<Precision> {
 
  private:
   void put_plain(const value_span& from, std::int64_t first, std::byte* records, std::size_t rows) const {
-    const auto* values = static_cast<const number*>(from.values) + from.offset + first;
+    const auto* values =
+        static_cast<const std::byte*>(from.values) + (from.offset + first) * std::int64_t{sizeof(number)};
     std::byte* to = this->place(records);
     const std::size_t stride = this->stride();
-    for (std::size_t i = 0; i < rows; ++i) std::memcpy(to + i * stride, values + i, sizeof(number));
+    for (; rows > 0; --rows, to += stride, values += sizeof(number)) std::memcpy(to, values, sizeof(number));
   }
 
   void put_one(const column_span& from, std::int64_t row, std::byte* record) const {

@@ -1,6 +1,5 @@
-#include <optional>
+#include <algorithm>
 
-#include "stream/column_writer.h"
 #include "stream/table_stream.h"
 
 namespace ovf {
@@ -9,174 +8,129 @@ namespace {
 constexpr wide_view prefix = OLESTR("Append failed, ");
 constexpr wide_view changed_since = OLESTR("the table was closed or changed while rows were appended to it");
 
-[[noreturn]] void refuse(wide_view what) { throw MyExceptionClass(wide(prefix).append(what)); }
+/// Rows that are put without a word to anybody.
+constexpr std::uint64_t rows_at_a_time = 1 << 14;
 
-wide about_column(std::string_view name, wide_view what) {
-  return OLESTR("column ") + wide_from_utf8(name) + OLESTR(": ") + wide(what);
-}
-
-/// What a host's stream says of its failure.
-[[noreturn]] void fail_with_stream(ArrowArrayStream& stream) {
-  const char* words = stream.get_last_error == nullptr ? nullptr : stream.get_last_error(&stream);
-  refuse(words == nullptr ? wide(OLESTR("the stream failed"))
-                          : OLESTR("the stream failed: ") + wide_from_utf8(words));
-}
-
+/// A structure that a host fills.
 template <class Structure>
-class released_at_the_end {
+class received {
  public:
-  released_at_the_end() = default;
-  released_at_the_end(const released_at_the_end&) = delete;
-  released_at_the_end& operator=(const released_at_the_end&) = delete;
-  ~released_at_the_end() {
-    if (held.release != nullptr) held.release(&held);
+  received() = default;
+  received(const received&) = delete;
+  received& operator=(const received&) = delete;
+  ~received() {
+    if (held_.release != nullptr) held_.release(&held_);
   }
 
-  Structure held{};
+  Structure* out() noexcept { return &held_; }
+  const Structure& operator*() const noexcept { return held_; }
+  const Structure* operator->() const noexcept { return &held_; }
+  bool is_there() const noexcept { return held_.release != nullptr; }
+
+ private:
+  Structure held_{};
 };
 
-/// One column of the stream.
-struct given_column {
-  column_type type;
-  std::unique_ptr<column_writer> writer;
-  column_span values;  ///< of the batch at hand
-};
-
+/// The host's code runs in the stream's functions and in what hears of the rows; any of them may close or
+/// change the table, so that it is looked for again after each.
 class table_appender {
  public:
-  table_appender(const table_owner& owner, ArrowArrayStream& from, const number_listener& listener)
-      : owner_(owner), stream_(from), listener_(listener) {}
+  table_appender(const table_owner& owner, ArrowArrayStream& from, const append_watch& watch)
+      : owner_(owner),
+        stream_(from),
+        watch_(watch),
+        table_(owner.opened()),
+        version_(require_table().version()),
+        columns_(*table_, watch.numbers) {}
+  table_appender(const table_appender&) = delete;
+  table_appender& operator=(const table_appender&) = delete;
+  ~table_appender() {
+    if (owner_.in_state(version_) != nullptr) table_->giveUpRows();
+  }
 
   std::uint64_t run() {
-    released_at_the_end<ArrowSchema> schema;
-    if (stream_.get_schema == nullptr || stream_.get_next == nullptr)
-      refuse(OLESTR("the stream is incomplete"));
-    if (stream_.get_schema(&stream_, &schema.held) != 0) fail_with_stream(stream_);
-    // The host's code may have closed it.
-    table_ = owner_.opened();
-    if (table_ == nullptr) refuse(changed_since);
-    version_ = table_->version();
-    take_columns(schema.held);
-    try {
-      while (append_batch()) {
-      }
-      if (added_) table_->commitRows(*added_);
-    } catch (...) {
-      if (added_ && owner_.in_state(version_) != nullptr) table_->giveUpRows(*added_);
-      throw;
+    take_types();
+    while (append_batch()) {
     }
-    return added_ ? added_->rows : 0;
+    if (watch_.finished) watch_.finished();
+    require_unchanged();
+    if (rows_ != 0) table_->commitRows();
+    return rows_;
   }
 
  private:
-  void take_columns(const ArrowSchema& schema) {
-    about_batch([&] { check_structure(schema); });
-    const auto count = static_cast<std::size_t>(schema.n_children);
-    for (std::size_t i = 0; i < count; ++i) take_column(schema, i);
+  table& require_table() const {
+    if (table_ == nullptr) refuse(changed_since);
+    return *table_;
+  }
+  void require_unchanged() const {
+    if (owner_.in_state(version_) == nullptr) refuse(changed_since);
   }
 
-  void take_column(const ArrowSchema& schema, std::size_t index) {
-    const ArrowSchema* child = schema.children[index];
-    if (child == nullptr || child->release == nullptr)
-      refuse(OLESTR("the stream has a column without a type"));
-    const std::string name = child->name == nullptr ? "" : child->name;
-    for (const given_column& each : columns_) {
-      if (each.type.name == name) refuse(about_column(name, OLESTR("the stream has it twice")));
+  void take_types() {
+    if (stream_.get_schema == nullptr || stream_.get_next == nullptr) {
+      refuse(OLESTR("the stream is incomplete"));
     }
-    try {
-      given_column made;
-      made.type = checked_type(*child);
-      const std::uint64_t place = field_of(name);
-      const record_layout layout{table_->isDouble(), table_->order(), table_->recordBytes()};
-      made.writer = make_writer(table_->fields().at(place), layout, made.type.kind, page_, heard(place));
-      columns_.push_back(std::move(made));
-    } catch (const MyExceptionClass& wrong) {
-      refuse(about_column(name, wrong.message()));
-    }
-  }
-
-  std::uint64_t field_of(std::string_view name) const {
-    const wide wanted = wide_from_utf8(name);
-    if (!table_->fields().contains(wanted)) throw MyExceptionClass(OLESTR("the table has no such column"));
-    return table_->fields().index_of(wanted);
-  }
-
-  value_listener heard(std::uint64_t place) const {
-    if (!listener_) return {};
-    return [this, column = static_cast<LONG>(place + 1)](double value) { listener_(column, value); };
+    received<ArrowSchema> types;
+    if (stream_.get_schema(&stream_, types.out()) != 0) fail_with_stream();
+    require_unchanged();
+    columns_.take_types(*types);
   }
 
   /// False at the end of the stream.
   bool append_batch() {
-    released_at_the_end<ArrowArray> batch;
-    if (stream_.get_next(&stream_, &batch.held) != 0) fail_with_stream(stream_);
-    if (owner_.in_state(version_) == nullptr) refuse(changed_since);
-    if (batch.held.release == nullptr) return false;
-    take_batch(batch.held);
-    if (batch.held.length == 0) return true;
-    if (!added_) added_.emplace(table_->beginRows());
-    before_ = added_->rows;
-    done_ = 0;
-    table_->putRows(*added_, static_cast<std::uint64_t>(batch.held.length),
-                    [this](std::byte* records, std::size_t rows) { put(records, rows); });
+    received<ArrowArray> batch;
+    if (stream_.get_next(&stream_, batch.out()) != 0) fail_with_stream();
+    require_unchanged();
+    if (!batch.is_there()) return false;
+    columns_.take_batch(*batch, table_->roomForRows() - rows_);
+    if (rows_ == 0 && batch->length != 0) table_->beginRows();
+    put(static_cast<std::uint64_t>(batch->length));
     return true;
   }
 
-  void take_batch(const ArrowArray& batch) {
-    about_batch([&] { check_batch(batch, columns_.size()); });
-    for (std::size_t i = 0; i < columns_.size(); ++i) {
-      given_column& each = columns_[i];
-      try {
-        each.values = checked_column(each.type, batch.children[i], batch.offset, batch.length);
-      } catch (const MyExceptionClass& wrong) {
-        refuse(about_column(each.type.name, wrong.message()));
-      }
+  /// The rows of the batch at hand.
+  void put(std::uint64_t rows) {
+    const std::uint64_t before = rows_;
+    std::int64_t done = 0;
+    const record_writer fill = [&](std::byte* records, std::size_t here) {
+      columns_.put(before, done, records, here);
+      done += static_cast<std::int64_t>(here);
+    };
+    while (rows_ - before < rows) {
+      const std::uint64_t now = std::min(rows - (rows_ - before), rows_at_a_time);
+      table_->putRows(now, fill);
+      rows_ += now;
+      if (!watch_.rows) continue;
+      watch_.rows(now);
+      require_unchanged();
     }
   }
 
-  void put(std::byte* records, std::size_t rows) {
-    for (const given_column& each : columns_) {
-      try {
-        each.writer->put(each.values, done_, records, rows);
-      } catch (const bad_value& wrong) {
-        refuse(about_value(each, wrong));
-      }
-    }
-    done_ += static_cast<std::int64_t>(rows);
-  }
-
-  wide about_value(const given_column& column, const bad_value& wrong) const {
-    const auto row = static_cast<long long>(before_) + wrong.row + 1;
-    return OLESTR("column ") + wide_from_utf8(column.type.name) +
-           wide_format(OLESTR(", row %d: ")).arg(row).text() + wrong.reason;
-  }
-
-  template <class Body>
-  static void about_batch(Body body) {
-    try {
-      body();
-    } catch (const MyExceptionClass& wrong) {
-      refuse(wrong.message());
-    }
+  /// What the stream says of its failure.
+  [[noreturn]] void fail_with_stream() const {
+    const char* words = stream_.get_last_error == nullptr ? nullptr : stream_.get_last_error(&stream_);
+    if (words == nullptr) refuse(OLESTR("the stream failed"));
+    refuse(OLESTR("the stream failed: ") + wide_from_utf8(words));
   }
 
   const table_owner& owner_;
   ArrowArrayStream& stream_;
-  const number_listener& listener_;
-  table* table_ = nullptr;
+  const append_watch& watch_;
+  table* table_;
   table_version version_;
-  ansi_page page_;
-  std::vector<given_column> columns_;
-  std::optional<added_rows> added_;
-  std::uint64_t before_ = 0;
-  std::int64_t done_ = 0;  ///< rows of the batch
+  given_columns columns_;
+  std::uint64_t rows_ = 0;  ///< put so far
 };
 
 }  // namespace
 
-std::uint64_t append_to_table(const table_owner& to, ArrowArrayStream& from,
-                              const number_listener& listener) {
-  return table_appender(to, from, listener).run();
+std::uint64_t append_to_table(const table_owner& to, ArrowArrayStream& from, const append_watch& watch) {
+  try {
+    return table_appender(to, from, watch).run();
+  } catch (const refusal& wrong) {
+    throw MyExceptionClass(wide(prefix) + wrong.reason);
+  }
 }
 
 }  // namespace ovf

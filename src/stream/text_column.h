@@ -25,22 +25,22 @@ class text_column {
     *offsets_.as<std::int32_t>() = 0;
   }
 
-  /// Where the next text may be put, if it is ASCII, with room for `width` characters whatever they are.
+  /// Where the next text may be put, as the code page has it, with room for `width` bytes.
   char* place(std::size_t width) {
-    characters_.grow(used_ + width * ansi_page::growth, used_);
+    characters_.grow(used_ + width, used_);
     return characters_.as<char>() + used_;
   }
 
   /// Appends a text of the code page, which may stand at `place`; there has to be room for one more.
   void append(std::string_view text) {
-    char* const end = place(text.size());
-    const std::size_t length = text.size();
     if (is_ascii(text)) {
+      const std::size_t length = text.size();
+      char* const end = place(length);
       if (text.data() != end && length != 0) std::memcpy(end, text.data(), length);
       used_ += length;
     } else {
       kept_.assign(text);
-      used_ += page_.to_utf8(kept_, end);
+      used_ += page_.to_utf8(kept_, place(kept_.size() * ansi_page::growth));
     }
     offsets_.as<std::int32_t>()[++count_] = static_cast<std::int32_t>(used_);
   }

@@ -1,10 +1,10 @@
 #include "engine/values.h"
-#include "ovfile/exception.h"
 #include "stream/column_writer.h"
 
 namespace ovf {
 namespace {
 
+constexpr wide_view bad_offsets = OLESTR("the text's offsets lead out of its buffer");
 constexpr wide_view not_utf8 = OLESTR("the text is no UTF-8");
 constexpr wide_view not_in_page = OLESTR("the text has a character outside the ANSI code page");
 constexpr wide_view has_nul = OLESTR("the text has a NUL character");
@@ -31,7 +31,9 @@ class text_writer final : public column_writer {
     for (std::size_t i = 0; i < rows; ++i) {
       const std::int64_t row = first + static_cast<std::int64_t>(i);
       const std::int64_t place = from.place_of(row);
-      take(row, place == column_span::null ? std::string_view() : from.values.text_at(place));
+      const auto text = place == column_span::null ? std::string_view() : from.values.text_at(place);
+      if (!text) throw bad_value{row, wide(bad_offsets)};
+      take(row, *text);
       if (!field_.is_implicit()) {
         put_text<Precision>(field_, records + i * stride_, ansi_);
       } else if (ansi_ != constant_) {
@@ -71,8 +73,8 @@ std::unique_ptr<column_writer> make_writer(const field& to, const record_layout&
                                            const ansi_page& page, const value_listener& listener) {
   const bool takes_text = to.kind == field_kind::alphanumeric;
   if (kind != value_kind::nothing && is_text(kind) != takes_text) {
-    throw MyExceptionClass(wide(takes_text ? OLESTR("it holds numbers, and the table's column texts")
-                                           : OLESTR("it holds texts, and the table's column numbers")));
+    refuse(takes_text ? OLESTR("it holds numbers, and the table's column texts")
+                      : OLESTR("it holds texts, and the table's column numbers"));
   }
   return takes_text ? make_text_writer(to, layout, page) : make_number_writer(to, layout, kind, listener);
 }

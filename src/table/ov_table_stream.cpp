@@ -1,12 +1,17 @@
 #include "stream/table_stream.h"
 #include "table/ov_table.h"
+#include "table/work_progress.h"
 
 namespace ovf {
 namespace {
 
+/// How many rows a stream will have.
+constexpr std::uint64_t nobody_knows = 0;
+
 constexpr wide_view append_read_only = OLESTR("Append failed, file is open in read-only mode");
 constexpr wide_view append_in_append =
     OLESTR("Append failed, rows of another stream are being appended to this table");
+constexpr wide_view stopped = OLESTR("Append failed, it was stopped");
 constexpr wide_view no_stream = OLESTR("Append failed, the stream was released before");
 
 }  // namespace
@@ -52,8 +57,12 @@ HRESULT COvTable::Append(ArrowArrayStream* pStream, LONG* pRows) {
     (void)core_.opened();
     // The rows of both would go to the same place.
     if (is_appending_) return report(*this, append_in_append);
-    *pRows = append_rows(*from.get());
-    return S_OK;
+    try {
+      *pRows = append_rows(*from.get());
+      return S_OK;
+    } catch (const work_stopped&) {
+      return ReportError(class_id, stopped, 0, nullptr, interface_id, E_ABORT);
+    }
   });
 }
 
@@ -68,9 +77,14 @@ LONG COvTable::append_rows(ArrowArrayStream& from) {
   const mark appending(is_appending_);
   const bool were_known = ranges_.are_known();
   column_ranges widened = ranges_;
-  number_listener listener;
-  if (were_known) listener = [&widened](LONG column, double value) { widened.take(column, value); };
-  const std::uint64_t rows = append_to_table(owner, from, listener);
+  work_progress work(core_.progress, nobody_knows);
+  append_watch watch;
+  if (were_known) watch.numbers = [&widened](LONG column, double value) { widened.take(column, value); };
+  if (core_.progress) {
+    watch.rows = [&work](std::uint64_t more) { work.step(more); };
+    watch.finished = [&work] { work.finish(); };
+  }
+  const std::uint64_t rows = append_to_table(owner, from, watch);
   if (were_known) {
     ranges_.take(widened);
   } else if (ranges_.are_known() && rows != 0) {

@@ -1,5 +1,6 @@
 #include "table/work_progress.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace ovf {
@@ -25,7 +26,7 @@ void work_progress::look() {
 
 void work_progress::finish() {
   if (!sink_) return;
-  done_ = total_;
+  done_ = std::max(done_, total_);  // a total that nobody knew is 0
   tell();
 }
 

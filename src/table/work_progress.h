@@ -19,6 +19,7 @@ class work_progress {
  public:
   /// For work that nobody asks about.
   work_progress() noexcept = default;
+  /// `total` is 0 when nobody knows it.
   work_progress(ovfile::pointer<IOvProgress> sink, std::uint64_t total);
 
   void step(std::uint64_t steps = 1) {

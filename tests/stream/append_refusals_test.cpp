@@ -152,12 +152,18 @@ TEST_F(StreamRefusals, ColumnsThatAreNotThere) {
 TEST_F(StreamRefusals, OffsetsThatFall) {
   auto column = names({"ab", "cd"});
   column.buffers[1] = bytes_of<std::int32_t>({0, 3, 2});
+  expect_refused({column}, "Append failed, column BHID, row 1: the text's offsets lead out of its buffer");
+  column.buffers[1] = bytes_of<std::int32_t>({2, 1, 4});
+  expect_refused({column}, "Append failed, column BHID, row 1: the text's offsets lead out of its buffer");
+  column.buffers[1] = bytes_of<std::int32_t>({3, 3, 2});
   expect_refused({column}, "Append failed, column BHID: the offsets of its texts fall");
   column.buffers[1] = bytes_of<std::int32_t>({-1, 3, 4});
   expect_refused({column}, "Append failed, column BHID: its texts begin before their buffer");
   auto large = texts<std::int64_t>("BHID", {"ab", "cd"});
   large.buffers[1] = bytes_of<std::int64_t>({0, 1LL << 40, 4});
-  expect_refused({large}, "Append failed, column BHID: the offsets of its texts fall");
+  expect_refused({large}, "Append failed, column BHID, row 1: the text's offsets lead out of its buffer");
+  large.buffers[1] = bytes_of<std::int64_t>({0, std::numeric_limits<std::int64_t>::min(), 4});
+  expect_refused({large}, "Append failed, column BHID, row 1: the text's offsets lead out of its buffer");
 }
 
 TEST_F(StreamRefusals, RowsThatAreNull) {

@@ -102,11 +102,13 @@ class made_stream {
     stream.get_schema = [](ArrowArrayStream* of, ArrowSchema* out) { return self(of).give_schema(out); };
     stream.get_next = [](ArrowArrayStream* of, ArrowArray* out) { return self(of).give_next(out); };
     stream.get_last_error = [](ArrowArrayStream* of) -> const char* {
+      self(of).tell(self(of).at_words);
       return self(of).words.empty() ? nullptr : self(of).words.c_str();
     };
     stream.release = [](ArrowArrayStream* of) {
       --self(of).alive;
       of->release = nullptr;
+      self(of).tell(self(of).at_release);
     };
     stream.private_data = this;
   }
@@ -118,6 +120,9 @@ class made_stream {
   std::function<void(ArrowSchema&)> bend_type;  ///< before the types are handed out
   std::function<void(ArrowArray&)> bend_batch;  ///< before a batch is
   std::function<void()> meanwhile;              ///< when a batch is asked for
+  std::function<void()> at_types;               ///< when the types are asked for
+  std::function<void()> at_words;               ///< when the reason of a failure is
+  std::function<void()> at_release;             ///< when the stream, the types or a batch are released
   std::optional<std::size_t> fails_at;          ///< the batch
   bool fails_with_types = false;
   std::string words;
@@ -145,9 +150,11 @@ class made_stream {
     for (Structure& each : held->children) {
       if (each.release != nullptr) each.release(&each);
     }
-    --held->from->alive;
+    made_stream& from = *held->from;
+    --from.alive;
     delete held;
     part->release = nullptr;
+    from.tell(from.at_release);
   }
 
   /// Room for children, the last of which is the dictionary.
@@ -186,7 +193,12 @@ class made_stream {
     if (column.dictionary) give_array(*column.dictionary, *out.dictionary);
   }
 
+  static void tell(const std::function<void()>& whom) {
+    if (whom) whom();
+  }
+
   int give_schema(ArrowSchema* out) {
+    tell(at_types);
     if (fails_with_types) return 5;
     const made_batch& first = batches_.front();
     auto* held = begin<held_type>(*out, first.size(), false);
@@ -198,7 +210,7 @@ class made_stream {
 
   int give_next(ArrowArray* out) {
     *out = {};
-    if (meanwhile) meanwhile();
+    tell(meanwhile);
     if (fails_at && next_ == *fails_at) return 5;
     if (next_ == batches_.size()) return 0;
     const made_batch& batch = batches_[next_++];
