@@ -28,6 +28,10 @@ fi
 case ${OVFILE_SHARED:-} in
   /*) export OVFILE_SHARED="Z:$OVFILE_SHARED" ;;
 esac
+case ${OVFILE_DUCKDB_WINDOWS:-} in
+  /*) export OVFILE_DUCKDB="Z:$OVFILE_DUCKDB_WINDOWS" ;;
+  *) unset OVFILE_DUCKDB ;;
+esac
 
 # On a busy machine a start of Wine itself can fail, silently and at once. Our programs say something
 # before they fail, so silence means that there was no start, and another one is tried.

@@ -76,6 +76,9 @@ function(ovf_add_test_folder name)
   if(TARGET ovf_test_support)
     target_link_libraries(${target} PRIVATE ovf_test_support)
   endif()
+  if(name STREQUAL "command")
+    add_dependencies(${target} fake_duckdb lacking_duckdb)
+  endif()
   if(name STREQUAL "host" OR name STREQUAL "command" OR name STREQUAL "golden")
     foreach(needed ovfile ovfilter ovfile_command)
       if(TARGET ${needed} AND NOT (name STREQUAL "host" AND needed STREQUAL "ovfile_command"))
@@ -122,6 +125,18 @@ function(ovf_add_test_folder name)
   gtest_discover_tests(${target} TEST_PREFIX "${name}." NO_PRETTY_VALUES WORKING_DIRECTORY "${run}"
                        DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120 ${others} PROPERTIES TIMEOUT 300)
 endfunction()
+
+# What stands in for DuckDB's library where a test needs something to load, and one that lacks a function.
+foreach(name fake_duckdb lacking_duckdb)
+  add_library(${name} MODULE tests/command/fake_duckdb/fake_duckdb.cpp)
+  set_target_properties(${name} PROPERTIES PREFIX "" CXX_VISIBILITY_PRESET default
+                        LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin/fake")
+  target_include_directories(${name} PRIVATE src)
+  target_link_libraries(${name} PRIVATE ovf_settings)
+  # Nothing behind what is loaded, so that one that was cut off lacks something.
+  target_link_options(${name} PRIVATE -s)
+endforeach()
+target_compile_definitions(lacking_duckdb PRIVATE FAKE_DUCKDB_LACKS_ONE)
 
 file(GLOB folders CONFIGURE_DEPENDS LIST_DIRECTORIES true "${CMAKE_CURRENT_SOURCE_DIR}/tests/*")
 foreach(folder ${folders})

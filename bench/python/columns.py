@@ -81,14 +81,9 @@ def main():
     for name, seconds in times.items():
         print(f"{name:15} {seconds * 1000:8.1f} ms  {rows / seconds / 1e6:7.1f} million rows/s")
     fastest = min(times["all_mapped"], times["all_one_by_one"])
-    good = report("all columns", times["all_batches"] / fastest, 2)
-    good &= report("one column of 8", times["one_batches"] / times["one_mapped"], 3)
+    good = measuring.report("all columns", times["all_batches"] / fastest, 2)
+    good &= measuring.report("one column of 8", times["one_batches"] / times["one_mapped"], 3)
     return 0 if good else 1
-
-
-def report(what, ratio, limit):
-    print(f"{what}: ratio {ratio:.2f}, target {limit}: {'met' if ratio <= limit else 'missed'}")
-    return ratio <= limit
 
 
 if __name__ == "__main__":

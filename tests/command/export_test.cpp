@@ -25,6 +25,13 @@ TEST_F(export_test, absent_numbers_can_have_a_text) {
   EXPECT_EQ(run_quietly({"export", "t.ovt", "--absent", "a,b"}), "A,B,T\n1,\"a,b\",x\n\"a,b\",2,\n");
 }
 
+TEST_F(export_test, absent_numbers_can_be_left_as_they_are) {
+  round_trip("A,B,T\n1,,x\n,2,\n");
+  EXPECT_EQ(run_quietly({"export", "t.ovt", "--absent", "keep"}), "A,B,T\n1,-1e+30,x\n-1e+30,2,\n");
+  EXPECT_EQ(run_quietly({"export", "t.ovt", "--absent", "null"}), "A,B,T\n1,,x\n,2,\n");
+  EXPECT_EQ(run_quietly({"export", "t.ovt", "--absent", "nan"}), "A,B,T\n1,nan,x\nnan,2,\n");
+}
+
 TEST_F(export_test, columns_can_be_chosen) {
   round_trip("A,B,C\n1,2,3\n4,5,6\n");
   EXPECT_EQ(run_quietly({"export", "t.ovt", "--columns", "C,A"}), "C,A\n3,1\n6,4\n");

@@ -1,6 +1,10 @@
 """The programs of docs/data-tools.md run, chapter by chapter, in a folder of their own."""
 
+import os
+import pathlib
 import re
+import shlex
+import subprocess
 
 import pytest
 from conftest import ROOT
@@ -13,6 +17,33 @@ def chapter(title):
     text = PAGE.read_text(encoding="utf-8")
     section = text[text.index(f"\n## {title}\n") :].split("\n## ", 2)[1]
     return re.findall(r"^```python\n(.*?)^```$", section, re.DOTALL | re.MULTILINE)
+
+
+def commands(title):
+    """The lines of a chapter that call the command."""
+    text = PAGE.read_text(encoding="utf-8")
+    section = text[text.index(f"\n## {title}\n") :].split("\n## ", 2)[1]
+    blocks = re.findall(r"^```sh\n(.*?)^```$", section, re.DOTALL | re.MULTILINE)
+    return [line for line in "".join(blocks).splitlines() if line.startswith("ovfile")]
+
+
+def run_commands(title):
+    """Runs them in the current folder and returns what each says."""
+    program = pathlib.Path(os.environ["OVFILE_LIBRARY"])
+    program = (program if program.is_dir() else program.parent) / "ovfile"
+    if not program.exists():
+        pytest.skip("the command is not beside the library")
+    if not os.environ.get("OVFILE_DUCKDB"):
+        pytest.skip("OVFILE_DUCKDB does not name DuckDB's library")
+    outputs = []
+    for line in commands(title):
+        if line.startswith("ovfile setup"):
+            continue  # it fetches from the network
+        words = [str(program), *shlex.split(line)[1:]]
+        done = subprocess.run(words, capture_output=True, text=True)
+        assert done.returncode == 0, f"{line}: {done.stderr}"
+        outputs.append(done.stdout)
+    return outputs
 
 
 def run(programs, needs=()):
@@ -57,6 +88,31 @@ def test_polars(folder):
     assert len(programs) == 1
     run(programs, needs=["polars"])
     assert made(folder) == {"rich.ovt"}
+
+
+def test_sql(folder):
+    join, csv, composites, as_json, absent = run_commands("SQL")
+    assert join.splitlines()[0].split() == ["BHID", "avg(CU)"] and "LK001" in join
+    assert csv.splitlines()[0] == "BHID,FROM,TO,SAMPLE,CU,AU,DENSITY,LITH" and len(csv.splitlines()) == 11
+    assert composites == as_json == ""
+    assert absent.splitlines()[1].split()[1] == "-1e+30"
+    assert made(folder) == {"composites.ovt", "composites.json"}
+
+
+def test_duckdb_for_python(folder):
+    run(chapter("SQL"), needs=["duckdb"])
+
+
+def test_parquet(folder):
+    outputs = run_commands("Parquet")
+    assert len(outputs) == 6 and outputs[2] == ""
+    assert "ZONE" in outputs[4] and len(outputs[4].splitlines()) > 2
+    assert made(folder) == {"assays.parquet", "again.ovt", "lake", "blocks.ovt"}
+
+
+def test_a_folder_for_spark_and_trino(folder):
+    run_commands("Spark and Trino")
+    assert (folder / "assays" / "LITH=SKARN").is_dir()
 
 
 def test_dask(folder, capsys):
