@@ -39,7 +39,8 @@ write_basic_package_version_file("${CMAKE_CURRENT_BINARY_DIR}/OvFileConfigVersio
                                  COMPATIBILITY SameMinorVersion)
 install(FILES "${CMAKE_CURRENT_BINARY_DIR}/OvFileConfig.cmake"
               "${CMAKE_CURRENT_BINARY_DIR}/OvFileConfigVersion.cmake" DESTINATION "${package_folder}")
-install(FILES CHANGELOG.md docs/command.md docs/filters.md docs/hosts.md DESTINATION "${CMAKE_INSTALL_DOCDIR}")
+install(FILES CHANGELOG.md docs/command.md docs/data-tools.md docs/filters.md docs/hosts.md
+        DESTINATION "${CMAKE_INSTALL_DOCDIR}")
 install(DIRECTORY docs/examples DESTINATION "${CMAKE_INSTALL_DOCDIR}")
 
 set(CPACK_PACKAGE_NAME "libovfile")

@@ -66,9 +66,16 @@ struct IOvTableStream : IUnknown {
   /// outside the ANSI code page, is refused. Null is absent (-1e30, or blanks). A value for an implicit
   /// column has to be the one that all rows have.
   ///
-  /// What does not fit is reported with its column and row (counted from 1 in the stream) and leaves the
-  /// table with the rows that it had; streams that are being read may end with an error all the same. The
-  /// cursor does not move. While rows are appended, the stream's own code cannot append to the table.
+  /// What does not fit is reported with its column and row (counted from 1 in the stream), more rows than
+  /// the table can have before any of their batch is taken; both leave the table with the rows that it
+  /// had, and its file with the bytes, but for those behind the rows that no count includes. Streams that are
+  /// being read may end with an error all the same. The cursor does not move.
+  ///
+  /// The stream's own code may call into the table. It cannot append to it; a change and `Close` hold, and
+  /// the rows of the stream are refused. No row counts before all are in: a process that ends before
+  /// `FlushChanges` or `Close` leaves the rows that the table had.
+  ///
+  /// `IOvProgress` (progress.h) hears of the rows. Stopped by it, the call fails with E_ABORT.
   OVFILE_METHOD Append(struct ArrowArrayStream* pStream, LONG* pRows) = 0;
 };
 
