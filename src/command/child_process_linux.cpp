@@ -80,6 +80,7 @@ class child {
     const spawn_settings settings(call, words);
     std::vector<std::string> arguments = call.arguments;
     std::vector<char*> values;
+    values.reserve(arguments.size() + 1);
     for (std::string& argument : arguments) values.push_back(argument.data());
     values.push_back(nullptr);
     errno =

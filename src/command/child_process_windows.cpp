@@ -33,6 +33,13 @@ class owned_handle {
   HANDLE held_;
 };
 
+/// What has nothing to read, for a child.
+void open_nothing(owned_handle& nothing) {
+  SECURITY_ATTRIBUTES inherited{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
+  *nothing.out() = CreateFileW(L"NUL", GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, &inherited,
+                               OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+}
+
 /// A handle of a file that a child can have.
 void inherit(HANDLE handle, owned_handle& copy) {
   if (!DuplicateHandle(GetCurrentProcess(), handle, GetCurrentProcess(), copy.out(), 0, TRUE,
@@ -80,7 +87,7 @@ class child {
     owned_handle input;
     owned_handle output;
     owned_handle errors;
-    if (call.input != nullptr) inherit(*call.input, input);
+    call.input != nullptr ? inherit(*call.input, input) : open_nothing(input);
     call.output != nullptr ? inherit(*call.output, output) : inherit(words, output);
     inherit(words, errors);
     STARTUPINFOW start{};

@@ -30,7 +30,7 @@ bool exists(const std::string& name) {
 /// The file that OVFILE_DUCKDB stands for.
 std::string named_library(const std::string& named) {
   std::error_code error;
-  const std::string path = fs::is_directory(path_of_utf8(named), error) ? in_folder(named) : named;
+  std::string path = fs::is_directory(path_of_utf8(named), error) ? in_folder(named) : named;
   if (!exists(path)) {
     throw failure("OVFILE_DUCKDB stands for " + path +
                   ", which is not there; `ovfile setup sql` puts DuckDB's library in place");
@@ -46,7 +46,7 @@ std::string find_duckdb() {
   const std::string beside = program_folder();
   if (!beside.empty() && exists(in_folder(beside))) return in_folder(beside);
   try {
-    const std::string users = in_folder(user_data_folder());
+    std::string users = in_folder(user_data_folder());
     if (exists(users)) return users;
   } catch (const failure&) {
     // Who has no folder has no library there either.

@@ -39,6 +39,7 @@ class duckdb_owner {
 };
 
 using duckdb_config = duckdb_owner<duckdb::config, &duckdb::functions::destroy_config>;
+using duckdb_extracted = duckdb_owner<duckdb::extracted, &duckdb::functions::destroy_extracted>;
 using duckdb_prepared = duckdb_owner<duckdb::prepared, &duckdb::functions::destroy_prepare>;
 using duckdb_chunk = duckdb_owner<duckdb::chunk, &duckdb::functions::destroy_data_chunk>;
 using duckdb_type = duckdb_owner<duckdb::logical_type, &duckdb::functions::destroy_logical_type>;

@@ -54,7 +54,8 @@ void register_module(const std::wstring& path) {
 }  // namespace
 
 void make_evaluator_known() {
-  static bool known = false;
+  // Each thread has its own list of them.
+  thread_local bool known = false;
   if (known) return;
   known = true;
   (void)CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);

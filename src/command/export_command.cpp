@@ -1,9 +1,11 @@
 // ovfile export: a table becomes a CSV, or Parquet.
 #include <memory>
 
+#include "absent.h"
 #include "commands.h"
 #include "csv_text.h"
 #include "failure.h"
+#include "number_text.h"
 #include "parquet_export.h"
 #include "parquet_file.h"
 #include "progress.h"
@@ -31,11 +33,17 @@ struct export_request {
   sql_options database;
 };
 
+/// What stands in a CSV for an absent number.
+std::string written_absent(const std::string& word) {
+  if (word == "null") return {};
+  return word == "keep" ? number_text(absent_number) : word;
+}
+
 class csv_exporter {
  public:
   csv_exporter(const export_request& request, table_view& view, text_output& output)
       : view_(view), output_(output), fields_(view.choose(request.options.columns)) {
-    append_csv_cell(absent_, request.options.absent);
+    append_csv_cell(absent_, written_absent(request.options.absent));
   }
 
   void write_header() {
@@ -83,7 +91,10 @@ class csv_exporter {
 /// A table must not get lost under the text that is made of it. `table` may be a link's target.
 void check_target(const std::string& table, const std::string& csv) {
   if (csv == "-") return;
-  if (same_file(table, csv)) throw wrong_usage("the table and the CSV are one file: " + csv);
+  if (same_file(table, csv)) {
+    throw wrong_usage(fmt::format("the table and the {} are one file: {}",
+                                  is_named_as_parquet(csv) ? "Parquet" : "CSV", csv));
+  }
   if (is_named_as_table(csv)) {
     throw wrong_usage(csv + ": export does not write tables, and the name is a table's; nothing is written");
   }

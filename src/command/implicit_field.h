@@ -2,8 +2,11 @@
 #pragma once
 
 #include <cstddef>
+#include <limits>
 #include <optional>
 #include <string>
+
+#include "absent.h"
 
 namespace command {
 
@@ -11,9 +14,11 @@ namespace command {
 struct planned_field {
   std::string name;
   bool is_text = false;
-  std::size_t width = 0;      ///< characters of a text
-  double number_default = 0;  ///< of an implicit number
-  std::string text_default;   ///< of an implicit text, UTF-8
+  std::size_t width = 0;                  ///< characters of a text
+  double number_default = absent_number;  ///< an implicit field's value
+  std::string text_default;               ///< the same of a text, UTF-8
+  /// Fields stand in the order of their places; those without one behind the others, stored ones first.
+  std::size_t place = std::numeric_limits<std::size_t>::max();
 };
 
 /// As the user wrote it.

@@ -53,8 +53,10 @@ void fill(table_writer& writer, csv_input& input, const import_plan& plan) {
 }
 
 void check_names(const import_request& request) {
-  if (same_file(request.csv, request.table))
-    throw wrong_usage("the CSV and the table are one file: " + request.csv);
+  if (same_file(request.csv, request.table)) {
+    throw wrong_usage(fmt::format("the {} and the table are one file: {}",
+                                  is_parquet(request.csv) ? "Parquet" : "CSV", request.csv));
+  }
   if (is_named_as_table(request.csv)) {
     throw wrong_usage(request.csv +
                       ": import reads CSV and Parquet, and the name is a table's; nothing is written");

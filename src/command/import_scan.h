@@ -18,7 +18,7 @@ struct import_plan {
   bool single = false;
   std::string description;              ///< UTF-8; empty: the library's own
   std::vector<planned_field> stored;    ///< one for each column of the CSV
-  std::vector<planned_field> implicit;  ///< behind them
+  std::vector<planned_field> implicit;  ///< behind them, where they have no places
   encoding text_encoding = encoding::utf8;
   std::uint64_t rows = 0;
   std::vector<std::string> notes;  ///< what was changed, for the user

@@ -21,6 +21,11 @@ class silent_errors {
   DWORD before_ = 0;
 };
 
+/// The system's words for a file that is damaged have a gap for its name.
+std::string load_reason(DWORD code) {
+  return code == ERROR_BAD_EXE_FORMAT ? "it is no library for this program, or damaged" : system_reason(code);
+}
+
 }  // namespace
 
 void* load_library(const std::string& path, std::string& reason) {
@@ -31,7 +36,7 @@ void* load_library(const std::string& path, std::string& reason) {
   // What it needs itself may lie beside it, but never in the current folder.
   const HMODULE library = LoadLibraryExW(whole.c_str(), nullptr,
                                          LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
-  if (library == nullptr) reason = system_reason(GetLastError());
+  if (library == nullptr) reason = load_reason(GetLastError());
   return library;
 }
 

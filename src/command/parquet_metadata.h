@@ -13,6 +13,7 @@
 namespace command {
 
 struct kept_field {
+  std::string column;  ///< what the files call it
   planned_field field;
   bool implicit = false;
 };
@@ -22,15 +23,15 @@ struct kept_definition {
   std::string description;
   std::vector<kept_field> fields;
 
-  /// Null where there is no field of this name.
-  const kept_field* find(const std::string& name) const noexcept;
+  /// Null where there is no field that the files call so.
+  const kept_field* find(const std::string& column) const noexcept;
 };
 
-/// As the option of a COPY that writes it, of these fields of the table.
-std::string metadata_option(const table_view& view, const std::vector<field_view>& fields);
+/// As the option of a COPY that writes it, of these fields of the table, for which the files have `columns`.
+std::string metadata_option(const table_view& view, const std::vector<field_view>& fields,
+                            const std::vector<std::string>& columns);
 
-/// Of the first of the files that the name or pattern stands for; empty where it has none, or none that can
-/// be read.
+/// Of the file that the pattern stands for; empty where it has none, or none that can be read.
 std::optional<kept_definition> read_metadata(sql_database& database, const std::string& pattern);
 
 }  // namespace command

@@ -15,6 +15,7 @@ namespace {
 struct column_memory {
   std::vector<std::uint64_t> valid;
   std::vector<double> numbers;
+  std::vector<float> floats;
   std::vector<std::int64_t> offsets;
   std::string bytes;
   const void* buffers[3] = {};
@@ -55,20 +56,28 @@ void copy_texts(const sql_result& rows, std::size_t column, column_memory& memor
   memory.buffers[2] = memory.bytes.data();
 }
 
-ArrowArray make_column(const sql_result& rows, std::size_t column, bool is_text) {
+template <class Value>
+void copy_numbers(const sql_result& rows, std::size_t column, std::vector<Value>& numbers,
+                  column_memory& memory) {
+  const auto* const found = rows.values<Value>(column);
+  numbers.assign(found, found + rows.rows());
+  memory.buffers[1] = numbers.data();
+}
+
+ArrowArray make_column(const sql_result& rows, std::size_t column, const stream_column& form) {
   auto memory = std::make_unique<column_memory>();
   ArrowArray array{};
   array.length = static_cast<std::int64_t>(rows.rows());
   array.null_count = copy_validity(rows, column, memory->valid);
   if (array.null_count > 0) memory->buffers[0] = memory->valid.data();
-  if (is_text) {
+  if (form.is_text) {
     copy_texts(rows, column, *memory);
+  } else if (form.is_float) {
+    copy_numbers(rows, column, memory->floats, *memory);
   } else {
-    const auto* const found = rows.values<double>(column);
-    memory->numbers.assign(found, found + rows.rows());
-    memory->buffers[1] = memory->numbers.data();
+    copy_numbers(rows, column, memory->numbers, *memory);
   }
-  array.n_buffers = is_text ? 3 : 2;
+  array.n_buffers = form.is_text ? 3 : 2;
   array.buffers = memory->buffers;
   array.release = release_array<column_memory>;
   array.private_data = memory.release();
@@ -90,7 +99,7 @@ ArrowArray make_batch(const sql_result& rows, const std::vector<stream_column>& 
   ovfile::arrow_array owner(array);
   // Whatever ends this early releases the columns that are made.
   for (std::size_t i = 0; i < columns.size(); ++i) {
-    kept.columns[i] = make_column(rows, i, columns[i].is_text);
+    kept.columns[i] = make_column(rows, i, columns[i]);
     owner.get()->n_children = static_cast<std::int64_t>(i) + 1;
   }
   return std::exchange(*owner.get(), ArrowArray{});
@@ -109,7 +118,7 @@ class row_stream {
   void describe(ArrowSchema* out) {
     for (std::size_t i = 0; i < columns_.size(); ++i) {
       types_[i] = ArrowSchema{};
-      types_[i].format = columns_[i].is_text ? "U" : "g";
+      types_[i].format = columns_[i].is_text ? "U" : columns_[i].is_float ? "f" : "g";
       types_[i].name = columns_[i].name.c_str();
       types_[i].flags = ARROW_FLAG_NULLABLE;
       types_[i].release = release_type;

@@ -11,7 +11,8 @@ namespace command {
 
 struct stream_column {
   std::string name;
-  bool is_text;  ///< the query gives it as text, else as numbers of 8 bytes
+  bool is_text;   ///< the query gives it as text, else as numbers
+  bool is_float;  ///< of 4 bytes instead of 8
 };
 
 /// As many columns as the query has. What goes wrong while rows are fetched ends the stream with its words.

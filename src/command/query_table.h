@@ -11,20 +11,28 @@
 
 namespace command {
 
-/// A column of texts of at least this width.
+/// A column that is text of this width, whatever its values; longer ones are refused.
 struct text_width {
   std::string column;
   std::size_t width;
-  bool is_bound;  ///< longer texts are refused, and the column is text whatever its values
+};
+
+/// What a column of the query was in the table that it comes from: its name, place, default, and how wide its
+/// texts are at least.
+struct known_column {
+  std::string column;
+  planned_field field;
 };
 
 struct query_table_request {
   bool single = false;
+  bool single_where_it_fits = false;
   std::optional<std::string> description;
   bool nan_is_absent = false;  ///< NULL is in any case
   std::string absent_text;     ///< so is a value that is written like this, where it is not empty
   std::vector<text_width> texts;
-  std::vector<planned_field> implicit;  ///< behind the columns of the query
+  std::vector<known_column> known;
+  std::vector<planned_field> implicit;  ///< beside the columns of the query
 };
 
 /// Names for so many columns of a source, whatever the query calls them.

@@ -9,6 +9,7 @@
 #include "replacement.h"
 #include "scan_columns.h"
 #include "scanned_table.h"
+#include "unique_names.h"
 #include "words.h"
 
 namespace command {
@@ -25,12 +26,15 @@ struct defaults {
 };
 
 struct bound_table {
+  bound_table(const functions& used, const std::string& file, const scan_options& options)
+      : library(used), table(file, options) {}
   const functions& library;
   scanned_table table;
 };
 
 /// What the threads of one scan share.
 struct shared_scan {
+  explicit shared_scan(LONG rows) noexcept : ranges(rows) {}
   scan_ranges ranges;
   std::vector<LONG> columns;           ///< from 1, those that the query needs
   std::vector<duckdb::count> outputs;  ///< where each of them goes
@@ -55,7 +59,13 @@ void guard(void (*set_error)(Info, const char*), Info info, Work work) noexcept 
   }
 }
 
-std::string take_text(const functions& library, duckdb::value value) {
+/// Nothing may be asked of a value that is NULL: what the library throws then would go through its interface.
+void check_value(const functions& library, duckdb::value value, const char* what) {
+  if (library.is_null_value(value)) throw failure(std::string(what) + " is NULL");
+}
+
+std::string take_text(const functions& library, duckdb::value value, const char* what) {
+  check_value(library, value, what);
   char* const words = library.get_varchar(value);
   std::string text = words != nullptr ? words : "";
   library.free(words);
@@ -75,24 +85,39 @@ scan_options options_of(const defaults& given, duckdb::bind_info info) {
     return duckdb_value(library, library.bind_get_named_parameter(info, name));
   };
   scan_options options{given.absent, {}, true};
-  if (const auto value = named("absent")) options.absent = parse_absent(take_text(library, value.get()));
-  if (const auto value = named("condition")) options.condition = take_text(library, value.get());
-  if (const auto value = named("widen")) options.widen = library.get_bool(value.get());
+  if (const auto value = named("absent"))
+    options.absent = parse_absent(take_text(library, value.get(), "absent"));
+  if (const auto value = named("condition")) options.condition = take_text(library, value.get(), "condition");
+  if (const auto value = named("widen")) {
+    check_value(library, value.get(), "widen");
+    options.widen = library.get_bool(value.get());
+  }
   return options;
+}
+
+/// SQL takes AU and Au for the same.
+std::vector<std::string> column_names(const table_view& view) {
+  std::vector<std::string> names;
+  for (const field_view& field : view.fields()) names.push_back(field.name);
+  return unique_names(names, letter_case::does_not_count);
 }
 
 void bind(const defaults& given, duckdb::bind_info info) {
   const functions& library = given.library;
-  const duckdb_value file(library, library.bind_get_parameter(info, 0));
-  auto bound = std::unique_ptr<bound_table>(
-      new bound_table{library, {take_text(library, file.get()), options_of(given, info)}});
+  const duckdb_value value(library, library.bind_get_parameter(info, 0));
+  const std::string file = take_text(library, value.get(), "the table's name");
+  if (file.empty()) throw failure("the table's name is empty");
+  auto bound = std::make_unique<bound_table>(library, file, options_of(given, info));
   const duckdb_type text(library, library.create_logical_type(duckdb::type_id::varchar));
-  const duckdb_type number(library,
-                           library.create_logical_type(bound->table.gives_floats() ? duckdb::type_id::real
-                                                                                   : duckdb::type_id::double_real));
+  const duckdb_type number(
+      library, library.create_logical_type(bound->table.gives_floats() ? duckdb::type_id::real
+                                                                       : duckdb::type_id::double_real));
   const table_view& view = bound->table.view();
-  for (const field_view& field : view.fields()) {
-    library.bind_add_result_column(info, field.name.c_str(), field.is_text ? text.get() : number.get());
+  if (view.fields().empty()) throw failure(file + " has no columns");
+  const std::vector<std::string> names = column_names(view);
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    const bool is_text = view.fields()[i].is_text;
+    library.bind_add_result_column(info, names[i].c_str(), is_text ? text.get() : number.get());
   }
   const bool exact = !bound->table.options().condition;
   library.bind_set_cardinality(info, static_cast<duckdb::count>(view.rows()), exact);
@@ -106,7 +131,7 @@ const bound_table& bound_of(const functions& library, duckdb::init_info info) {
 /// The library asks for a row's number, or for nothing, by an index that no column has.
 void plan_scan(const functions& library, duckdb::init_info info) {
   const scanned_table& table = bound_of(library, info).table;
-  auto shared = std::unique_ptr<shared_scan>(new shared_scan{scan_ranges(table.view().rows()), {}, {}});
+  auto shared = std::make_unique<shared_scan>(table.view().rows());
   const duckdb::count wanted = library.init_get_column_count(info);
   for (duckdb::count output = 0; output < wanted; ++output) {
     const duckdb::count column = library.init_get_column_index(info, output);
@@ -115,7 +140,8 @@ void plan_scan(const functions& library, duckdb::init_info info) {
     shared->outputs.push_back(output);
   }
   // An evaluator belongs to the thread that made it.
-  const std::int64_t threads = table.options().condition ? 1 : std::max<std::int64_t>(shared->ranges.count(), 1);
+  const std::int64_t threads =
+      table.options().condition ? 1 : std::max<std::int64_t>(shared->ranges.count(), 1);
   library.init_set_max_threads(info, static_cast<duckdb::count>(threads));
   library.init_set_init_data(info, shared.release(), destroy<shared_scan>);
 }
@@ -140,8 +166,10 @@ void fill(const functions& library, duckdb::call_info info, duckdb::chunk output
   for (std::size_t i = 0; i < shared.columns.size(); ++i) {
     const field_view& field = bound.table.view().fields()[static_cast<std::size_t>(shared.columns[i]) - 1];
     const duckdb::vector vector = library.data_chunk_get_vector(output, shared.outputs[i]);
-    copy_column(library, *own.reader, i, {field.is_text, bound.table.gives_floats(),
-                                          bound.table.options().absent == absent_value::nan}, vector);
+    copy_column(
+        library, *own.reader, i,
+        {field.is_text, bound.table.gives_floats(), bound.table.options().absent == absent_value::nan},
+        vector);
   }
   const auto* const chosen = own.reader->chosen();
   library.data_chunk_set_size(output, chosen != nullptr ? chosen->size() : own.reader->rows());

@@ -44,7 +44,8 @@ void copy_nulls(const duckdb::functions& library, const std::uint8_t* valid, con
 }
 
 template <class Value>
-void copy_numbers(const ArrowArray& column, const std::uint8_t* nan_for, const chosen_rows& rows, void* target) {
+void copy_numbers(const ArrowArray& column, const std::uint8_t* nan_for, const chosen_rows& rows,
+                  void* target) {
   const Value* const in = ovfile::values_of<Value>(column);
   Value* const out = static_cast<Value*>(target);
   if (rows.are_all()) {

@@ -22,12 +22,24 @@ bool are_alike(const table_view& planned, const table_view& found) {
                     });
 }
 
+/// A bad condition is told when the statement is read, not in the middle of its work.
+void check_condition(const table_view& view, const std::optional<std::string>& condition) {
+  try {
+    (void)make_condition(view, condition);
+  } catch (const failure& error) {
+    // Its words know it as an option of other commands.
+    constexpr std::string_view option = "--where: ";
+    const std::string_view words = error.what();
+    if (!words.starts_with(option)) throw;
+    throw failure("condition: " + std::string(words.substr(option.size())));
+  }
+}
+
 }  // namespace
 
 scanned_table::scanned_table(const std::string& file, const scan_options& options)
     : view_(file), options_(options) {
-  // A bad condition is told when the statement is read, not in the middle of its work.
-  (void)make_condition(view_, options_.condition);
+  check_condition(view_, options_.condition);
 }
 
 bool scan_ranges::take(LONG& first, LONG& rows) noexcept {

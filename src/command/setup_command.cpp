@@ -30,6 +30,7 @@ std::string sql_help() {
 void define_setup_sql(CLI::App& setup) {
   auto request = std::make_shared<setup_request>();
   auto tried = std::make_shared<std::string>();
+  auto asked = std::make_shared<bool>(false);
   CLI::App* const app = setup.add_subcommand("sql", "Put DuckDB's library in place, which SQL needs");
   app->footer(sql_help());
   app->add_option("--from", request->from, "the package's file, instead of a download")->type_name("FILE");
@@ -39,10 +40,17 @@ void define_setup_sql(CLI::App& setup) {
   app->add_option("--integrity", request->integrity, "the digest that the package must have (sha512-...)")
       ->type_name("DIGEST");
   app->add_flag("--force", request->force, "also when it is there already");
+  app->add_flag("--package", *asked, "only say which package it is, as `npm pack` takes it");
   // For this program itself: loads a library and prints its version. No group: it is not shown.
   app->add_option("--try", *tried)->group("");
-  app->callback([request, tried] {
-    tried->empty() ? set_up_sql(*request) : print(duckdb_version(load_duckdb_file(*tried)) + "\n");
+  app->callback([request, tried, asked] {
+    if (!tried->empty()) {
+      print(duckdb_version(load_duckdb_file(*tried)) + "\n");
+    } else if (*asked) {
+      print(fmt::format("{}@{}\n", duckdb_package.name, duckdb_package.version));
+    } else {
+      set_up_sql(*request);
+    }
   });
 }
 

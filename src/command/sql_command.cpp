@@ -50,7 +50,8 @@ void write_to_table(sql_database& database, const sql_request& request, const st
   if (!shape.is_query) throw failure("this statement gives no rows to make a table of");
   // The rows are looked at twice, and the second time has to find the same.
   database.execute(fmt::format("create temp table ovfile_rows as select * from (\n{}\n) as q({})", statement,
-                               fmt::join(own_column_names(shape.columns.size()), ", ")));
+                               fmt::join(own_column_names(shape.columns.size()), ", ")),
+                   1);
   std::vector<std::string> notes;
   query_table_request made = request.made;
   made.nan_is_absent = request.options.absent_value() == absent_value::nan;
@@ -84,12 +85,13 @@ void run_sql(const sql_request& request) {
   if (request.made.description) check_description("--description", *request.made.description);
   sql_database database(request.options.settings());
   for (std::size_t i = 0; i + 1 < statements.size(); ++i) database.execute(statements[i]);
+  const std::string last = database.settled(statements.back());
   if (makes_table(request)) {
-    write_to_table(database, request, statements.back());
+    write_to_table(database, request, last);
   } else if (form_of(request) == "parquet") {
-    write_to_parquet(database, request, statements.back());
+    write_to_parquet(database, request, last);
   } else {
-    write_text(database, request, statements.back());
+    write_text(database, request, last);
   }
 }
 

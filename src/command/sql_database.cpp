@@ -63,14 +63,27 @@ class sql_database::body {
   }
   ~body() { close(); }
 
-  duckdb_prepared prepare(const std::string& statement) {
+  duckdb_prepared prepare(const std::string& statement, std::size_t own_lines = 0) const {
     throw_if_interrupted();
     duckdb_prepared made(library);
     if (library.prepare(connection, statement.c_str(), made.out()) == duckdb::status::failed) {
       const char* const words = library.prepare_error(made.get());
-      throw_sql_failure(words != nullptr ? words : "the statement cannot be prepared");
+      throw_sql_failure(words != nullptr ? words : "the statement cannot be prepared", own_lines);
     }
     return made;
+  }
+
+  /// Whether the statement can stand in parentheses behind FROM.
+  bool can_be_nested(const std::string& statement) const {
+    duckdb_prepared made(library);
+    const std::string nested = "from (\n" + statement + "\n)";
+    return library.prepare(connection, nested.c_str(), made.out()) == duckdb::status::done;
+  }
+
+  /// Whether the library makes several statements of this one, which it then does not prepare.
+  bool is_several(const std::string& statement) const {
+    duckdb_extracted made(library);
+    return library.extract_statements(connection, statement.c_str(), made.out()) > 1;
   }
 
   const duckdb::functions& library;
@@ -115,10 +128,17 @@ class sql_database::body {
 sql_database::sql_database(const sql_settings& settings) : body_(std::make_unique<body>(settings)) {}
 sql_database::~sql_database() = default;
 
+std::string sql_database::settled(const std::string& statement) {
+  if (!body_->is_several(statement)) return statement;
+  execute("create temp table ovfile_settled as (\n" + statement + "\n)", 1);
+  return "from ovfile_settled";
+}
+
 sql_shape sql_database::shape_of(const std::string& statement) {
   const duckdb_prepared made = body_->prepare(statement);
   const duckdb::functions& library = body_->library;
-  sql_shape shape{library.prepared_statement_type(made.get()) == duckdb::statement_kind::select, {}};
+  const bool selects = library.prepared_statement_type(made.get()) == duckdb::statement_kind::select;
+  sql_shape shape{selects && body_->can_be_nested(statement), {}};
   const duckdb::count columns = library.prepared_statement_column_count(made.get());
   for (duckdb::count i = 0; i < columns; ++i) {
     const char* const name = library.prepared_statement_column_name(made.get(), i);
@@ -129,20 +149,27 @@ sql_shape sql_database::shape_of(const std::string& statement) {
   return shape;
 }
 
-sql_result sql_database::run(const std::string& statement) {
-  const duckdb_prepared made = body_->prepare(statement);
+sql_result sql_database::run(const std::string& statement, std::size_t own_lines) {
+  const duckdb::functions& library = body_->library;
   duckdb::result result{};
-  const duckdb::status status = body_->library.execute_prepared_streaming(made.get(), &result);
-  sql_result rows(body_->library, result);
+  duckdb::status status = duckdb::status::done;
+  if (body_->is_several(statement)) {
+    throw_if_interrupted();
+    status = library.query(body_->connection, statement.c_str(), &result);
+  } else {
+    const duckdb_prepared made = body_->prepare(statement, own_lines);
+    status = library.execute_prepared_streaming(made.get(), &result);
+  }
+  sql_result rows(library, result, own_lines);
   if (status == duckdb::status::failed) {
-    const char* const words = body_->library.result_error(&result);
-    throw_sql_failure(words != nullptr ? words : "the statement failed");
+    const char* const words = library.result_error(&result);
+    throw_sql_failure(words != nullptr ? words : "the statement failed", own_lines);
   }
   return rows;
 }
 
-void sql_database::execute(const std::string& statement) {
-  for (sql_result rows = run(statement); rows.next();) continue;
+void sql_database::execute(const std::string& statement, std::size_t own_lines) {
+  for (sql_result rows = run(statement, own_lines); rows.next();) continue;
 }
 
 std::string sql_text(std::string_view text) { return quoted(text, '\''); }

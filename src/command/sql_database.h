@@ -45,12 +45,16 @@ class sql_database {
   sql_database(const sql_database&) = delete;
   sql_database& operator=(const sql_database&) = delete;
 
+  /// A statement that gives the same rows and that the calls below take. There are such of which the library
+  /// makes several, PIVOT for one, which first has to find the names of its columns: their rows are made now.
+  std::string settled(const std::string& statement);
   /// Looks at one statement without running it.
   sql_shape shape_of(const std::string& statement);
-  /// Runs one statement; its rows are made as they are fetched, while the database lives.
-  sql_result run(const std::string& statement);
+  /// Runs one statement; its rows are made as they are fetched, while the database lives. Places in messages
+  /// count from the user's first line, before which the statement has `own_lines` others.
+  sql_result run(const std::string& statement, std::size_t own_lines = 0);
   /// Runs one statement to its end.
-  void execute(const std::string& statement);
+  void execute(const std::string& statement, std::size_t own_lines = 0);
 
  private:
   class body;

@@ -5,6 +5,7 @@
 
 #include "csv_text.h"
 #include "shown_cell.h"
+#include "unique_names.h"
 #include "words.h"
 
 namespace command {
@@ -15,6 +16,14 @@ void end_line(text_output& output) {
   output.pass_on();
 }
 
+/// Takes the first line off a text; true when there are more.
+bool take_line(std::string& rest, std::string& line) {
+  const std::size_t end = rest.find('\n');
+  line = rest.substr(0, end);
+  rest.erase(0, end == rest.npos ? rest.npos : end + 1);
+  return !rest.empty();
+}
+
 /// Aligned columns, as wide as the first rows need. So many are held back; wider ones further down stick out.
 class aligned_writer {
  public:
@@ -22,8 +31,10 @@ class aligned_writer {
       : rows_(rows), absent_(absent), output_(output), widths_(rows.names().size()) {}
 
   void write() {
-    hold_line([&](std::size_t i, std::string& text) { text = rows_.names()[i]; });
     bool more = rows_.next();
+    // A statement that has nothing to tell of what it did has names all the same.
+    if (!more && !rows_.is_query()) return;
+    hold_line([&](std::size_t i, std::string& text) { text = rows_.names()[i]; });
     for (; more && held_.size() < most_held * widths_.size(); more = rows_.next()) hold_row();
     flush();
     for (; more; more = rows_.next()) {
@@ -41,9 +52,22 @@ class aligned_writer {
   };
 
   void hold_row() {
-    hold_line([&](std::size_t i, std::string& text) {
-      rows_.is_null(i) ? void(text = absent_) : rows_.append(text, i);
-    });
+    if (!rows_.is_query()) return hold_lines();
+    hold_line([&](std::size_t i, std::string& text) { take_cell(i, text); });
+  }
+
+  /// How a statement is going to be answered is drawn over several lines.
+  void hold_lines() {
+    std::vector<std::string> cells(widths_.size());
+    for (std::size_t i = 0; i < cells.size(); ++i) take_cell(i, cells[i]);
+    for (bool more = true; more;) {
+      more = false;
+      hold_line([&](std::size_t i, std::string& text) { more = take_line(cells[i], text) || more; });
+    }
+  }
+
+  void take_cell(std::size_t i, std::string& text) const {
+    rows_.is_null(i) ? void(text = absent_) : rows_.append(text, i);
   }
 
   template <class Take>
@@ -116,6 +140,26 @@ void write_csv(sql_rows& rows, const std::string& absent, text_output& output) {
 
 bool is_json_number(std::string_view text) noexcept { return text.find_first_of("ni") == text.npos; }
 
+/// Appends the database's JSON, in which numbers inside a list may have names that JSON does not know.
+void append_json(std::string& out, std::string_view json) {
+  bool in_text = false;
+  for (std::size_t at = 0; at < json.size(); ++at) {
+    const char c = json[at];
+    if (in_text && c == '\\') {
+      out += json.substr(at++, 2);
+      continue;
+    }
+    if (c == '"') in_text = !in_text;
+    const std::string_view rest = json.substr(at);
+    if (in_text || (c != 'N' && c != 'I' && !rest.starts_with("-I"))) {
+      out += c;
+      continue;
+    }
+    out += c == 'N' ? "\"nan\"" : c == 'I' ? "\"inf\"" : "\"-inf\"";
+    at += std::min(rest.find_first_not_of("-NaInfity"), rest.size()) - 1;
+  }
+}
+
 void append_json_cell(std::string& out, const sql_rows& rows, std::size_t column, std::string& cell) {
   if (rows.is_null(column)) {
     out += "null";
@@ -123,16 +167,18 @@ void append_json_cell(std::string& out, const sql_rows& rows, std::size_t column
   }
   cell.clear();
   rows.append(cell, column);
+  if (rows.kind(column) == cell_kind::other) return append_json(out, cell);
   // JSON has no names for what is no number.
-  const bool plain = rows.kind(column) == cell_kind::other ||
-                     (rows.kind(column) == cell_kind::number &&
-                      (is_json_number(cell) || cell == "true" || cell == "false"));
+  const bool plain =
+      rows.kind(column) == cell_kind::number && (is_json_number(cell) || cell == "true" || cell == "false");
   out += plain ? cell : json_text(cell);
 }
 
 void write_json(sql_rows& rows, text_output& output) {
   std::vector<std::string> keys;
-  for (const std::string& name : rows.names()) keys.push_back((keys.empty() ? "{" : ", ") + json_text(name) + ": ");
+  for (const std::string& name : unique_names(rows.names(), letter_case::counts)) {
+    keys.push_back((keys.empty() ? "{" : ", ") + json_text(name) + ": ");
+  }
   std::string cell;
   const char* separator = "[\n";
   while (rows.next()) {

@@ -1,5 +1,7 @@
 #include "sql_result.h"
 
+#include <charconv>
+#include <string>
 #include <utility>
 
 #include "console.h"
@@ -11,7 +13,8 @@ sql_result::sql_result(sql_result&& other) noexcept
     : library_(other.library_),
       result_(std::exchange(other.result_, {})),
       chunk_(std::move(other.chunk_)),
-      rows_(other.rows_) {}
+      rows_(other.rows_),
+      own_lines_(other.own_lines_) {}
 
 sql_result::~sql_result() {
   chunk_.reset();
@@ -24,7 +27,7 @@ bool sql_result::next() {
   rows_ = chunk_ ? static_cast<std::size_t>(library_->data_chunk_get_size(chunk_.get())) : 0;
   if (rows_ > 0) return true;
   const char* const words = library_->result_error(&result_);
-  if (words != nullptr && *words != '\0') throw_sql_failure(words);
+  if (words != nullptr && *words != '\0') throw_sql_failure(words, own_lines_);
   return false;
 }
 
@@ -50,16 +53,40 @@ std::string in_one_line(std::string_view words) {
   return line;
 }
 
+/// What stands behind "LINE " in a message: the line's number, a colon and the line, then a mark under the
+/// place. Counted without our own lines; empty where the place is in one of them.
+std::string shown_place(std::string_view place, std::size_t own_lines) {
+  std::size_t number = 0;
+  const char* const end = place.data() + place.size();
+  const char* const stop = std::from_chars(place.data(), end, number).ptr;
+  if (number <= own_lines) return {};
+  const std::string digits = std::to_string(number - own_lines);
+  const auto shorter = static_cast<std::size_t>(stop - place.data()) - digits.size();
+  std::string shown = "LINE " + digits + std::string(stop, end);
+  const std::size_t mark = shown.find('\n');
+  if (mark != shown.npos && shown.find_first_not_of(' ', mark + 1) > mark + shorter) {
+    shown.erase(mark + 1, shorter);
+  }
+  if (shown.back() != '\n') shown += '\n';
+  return shown;
+}
+
+/// What goes wrong inside the library is told with the calls that led to it.
+std::string_view without_calls(std::string_view words) {
+  return words.substr(0, words.find("\n\nStack Trace"));
+}
+
 }  // namespace
 
-void throw_sql_failure(std::string_view words) {
+void throw_sql_failure(std::string_view words, std::size_t own_lines) {
   throw_if_interrupted();
-  // The message, in one line; then, behind "LINE 1:", the statement and a mark under the place.
-  const std::size_t place = words.find("\nLINE ");
-  const std::string line = in_one_line(words.substr(0, place));
+  // The message; then, behind "LINE 1:", the statement and a mark under the place.
+  constexpr std::string_view before_place = "\nLINE ";
+  const std::size_t place = words.find(before_place);
+  const std::string line = in_one_line(without_calls(words.substr(0, place)));
   if (place == words.npos) throw failure(line);
-  std::string shown(words.substr(place + 1));
-  if (shown.back() != '\n') shown += '\n';
+  const std::string shown = shown_place(words.substr(place + before_place.size()), own_lines);
+  if (shown.empty()) throw failure(line);
   throw marked_failure(line, shown);
 }
 

@@ -10,9 +10,9 @@ namespace command {
 
 class sql_result {
  public:
-  /// Takes the result over.
-  sql_result(const duckdb::functions& library, duckdb::result made) noexcept
-      : library_(&library), result_(made), chunk_(library) {}
+  /// Takes the result over. The statement has `own_lines` lines before the user's.
+  sql_result(const duckdb::functions& library, duckdb::result made, std::size_t own_lines) noexcept
+      : library_(&library), result_(made), chunk_(library), own_lines_(own_lines) {}
   sql_result(sql_result&& other) noexcept;
   sql_result& operator=(sql_result&&) = delete;
   ~sql_result();
@@ -50,9 +50,11 @@ class sql_result {
   duckdb::result result_;
   duckdb_chunk chunk_;
   std::size_t rows_ = 0;
+  std::size_t own_lines_;
 };
 
-/// Throws what a failed call says: see sql_database.h.
-[[noreturn]] void throw_sql_failure(std::string_view words);
+/// Throws what a failed call says of a statement that has `own_lines` lines before the user's: see
+/// sql_database.h.
+[[noreturn]] void throw_sql_failure(std::string_view words, std::size_t own_lines);
 
 }  // namespace command

@@ -41,8 +41,18 @@ bool is_raw(type_id type) noexcept {
 /// The column as it is fetched: floats and texts as they are, everything else as text.
 std::string fetched(const std::string& name, type_id type, bool as_json) {
   if (is_float(type) || type == type_id::varchar) return name;
-  if (as_json && !is_number(type) && type != type_id::boolean) return "cast(to_json(" + name + ") as varchar)";
+  if (as_json && !is_number(type) && type != type_id::boolean)
+    return "cast(to_json(" + name + ") as varchar)";
   return "cast(" + name + " as varchar)";
+}
+
+/// Throws before the statement does anything.
+void check_raw(const sql_shape& shape) {
+  for (const sql_column& column : shape.columns) {
+    if (is_raw(column.type)) continue;
+    throw failure(fmt::format("the column {} of this statement cannot be shown; as text it can: {}::varchar",
+                              column.name, column.name));
+  }
 }
 
 }  // namespace
@@ -50,12 +60,16 @@ std::string fetched(const std::string& name, type_id type, bool as_json) {
 struct sql_rows::plan {
   sql_shape shape;
   std::string statement;
+  std::size_t own_lines = 0;
 };
 
 sql_rows::sql_rows(sql_database& database, const std::string& statement, bool as_json)
     : sql_rows(database, [&] {
         plan made{database.shape_of(statement), statement};
-        if (!made.shape.is_query) return made;
+        if (!made.shape.is_query) {
+          check_raw(made.shape);
+          return made;
+        }
         std::string names;
         std::string cells;
         for (std::size_t i = 0; i < made.shape.columns.size(); ++i) {
@@ -63,21 +77,21 @@ sql_rows::sql_rows(sql_database& database, const std::string& statement, bool as
           names += (i == 0 ? "" : ", ") + name;
           cells += (i == 0 ? "" : ", ") + fetched(name, made.shape.columns[i].type, as_json);
         }
+        made.own_lines = 1;
         made.statement = fmt::format("select {} from (\n{}\n) as q({})", cells, statement, names);
         return made;
       }()) {}
 
-sql_rows::sql_rows(sql_database& database, plan&& made) : result_(database.run(made.statement)) {
+sql_rows::sql_rows(sql_database& database, plan&& made)
+    : is_query_(made.shape.is_query), result_(database.run(made.statement, made.own_lines)) {
   for (const sql_column& column : made.shape.columns) {
-    if (!made.shape.is_query && !is_raw(column.type)) {
-      throw failure("the column " + column.name + " of this statement cannot be shown");
-    }
     names_.push_back(column.name);
     types_.push_back(made.shape.is_query && !is_float(column.type) ? type_id::varchar : column.type);
     aligned_right_.push_back(is_number(column.type));
     const bool plain = is_number(column.type) || column.type == type_id::boolean;
-    kinds_.push_back(plain ? cell_kind::number
-                           : column.type == type_id::varchar ? cell_kind::text : cell_kind::other);
+    kinds_.push_back(plain                             ? cell_kind::number
+                     : column.type == type_id::varchar ? cell_kind::text
+                                                       : cell_kind::other);
   }
 }
 

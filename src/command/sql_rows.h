@@ -21,6 +21,8 @@ class sql_rows {
   /// Runs the statement. With `as_json`, cells of kind `other` are JSON.
   sql_rows(sql_database& database, const std::string& statement, bool as_json);
 
+  /// Whether the statement asks for rows; others have some that tell what they did, or none.
+  bool is_query() const noexcept { return is_query_; }
   const std::vector<std::string>& names() const noexcept { return names_; }
   cell_kind kind(std::size_t column) const noexcept { return kinds_[column]; }
   bool is_right_aligned(std::size_t column) const noexcept { return aligned_right_[column]; }
@@ -36,6 +38,7 @@ class sql_rows {
   struct plan;
   sql_rows(sql_database& database, plan&& made);
 
+  bool is_query_;
   std::vector<std::string> names_;
   std::vector<duckdb::type_id> types_;
   std::vector<cell_kind> kinds_;

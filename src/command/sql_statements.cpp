@@ -6,7 +6,8 @@ namespace command {
 namespace {
 
 bool is_letter(char c) noexcept {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || static_cast<unsigned char>(c) >= 0x80;
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' ||
+         static_cast<unsigned char>(c) >= 0x80;
 }
 bool is_digit(char c) noexcept { return c >= '0' && c <= '9'; }
 bool is_blank(char c) noexcept { return c == ' ' || (c >= '\t' && c <= '\r'); }
@@ -54,7 +55,9 @@ class sql_scanner {
     return after_e && (at_ == 1 || !(is_letter(sql_[at_ - 2]) || is_digit(sql_[at_ - 2])));
   }
   /// A quote that is doubled begins the next piece at once, which comes to the same.
-  static std::size_t quoted_length(std::string_view rest) noexcept { return past(rest.find(rest.front(), 1), 1); }
+  static std::size_t quoted_length(std::string_view rest) noexcept {
+    return past(rest.find(rest.front(), 1), 1);
+  }
   static std::size_t escaped_length(std::string_view rest) noexcept {
     for (std::size_t i = 1; i < rest.size(); ++i) {
       if (rest[i] == '\\') {

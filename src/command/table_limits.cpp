@@ -16,9 +16,13 @@ constexpr std::size_t short_name = 8;
 
 }  // namespace
 
+bool has_room(std::size_t words, bool single) noexcept {
+  return words <= (single ? single_words : double_words);
+}
+
 void check_words(const std::string& file, std::size_t words, bool single) {
   const std::size_t limit = single ? single_words : double_words;
-  if (words <= limit) return;
+  if (has_room(words, single)) return;
   throw failure(
       fmt::format("{}: the table would need {} words; a {}-precision one holds {} (a number takes one, a "
                   "text one for every 4 characters)",

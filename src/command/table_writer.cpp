@@ -1,6 +1,8 @@
 #include "table_writer.h"
 
-#include "absent.h"
+#include <algorithm>
+#include <utility>
+
 #include "column_types.h"
 #include "console.h"
 #include "decimal.h"
@@ -30,8 +32,12 @@ void table_writer::add_fields(IOvSchema& schema) {
   // The precision goes first: the adders ask for it.
   check(schema.put_DoublePrecisionFlag(plan_.single ? 0 : 1));
   check(schema.put_Description(ovfile::text(std::string_view(plan_.description)).get()));
-  for (const planned_field& field : plan_.stored) add_field(schema, field, false);
-  for (const planned_field& field : plan_.implicit) add_field(schema, field, true);
+  std::vector<std::pair<const planned_field*, bool>> fields;
+  for (const planned_field& field : plan_.stored) fields.emplace_back(&field, false);
+  for (const planned_field& field : plan_.implicit) fields.emplace_back(&field, true);
+  std::stable_sort(fields.begin(), fields.end(),
+                   [](const auto& one, const auto& other) { return one.first->place < other.first->place; });
+  for (const auto& [field, implicit] : fields) add_field(schema, *field, implicit);
 }
 
 void table_writer::add_field(IOvSchema& schema, const planned_field& field, bool implicit) {
@@ -40,8 +46,7 @@ void table_writer::add_field(IOvSchema& schema, const planned_field& field, bool
     const ovfile::text value{std::string_view(field.text_default)};
     check(schema.AddStringColumn(name.get(), static_cast<LONG>(field.width), value.get(), implicit ? 1 : 0));
   } else {
-    const double value = implicit ? field.number_default : absent_number;
-    check(schema.AddNumericColumn(name.get(), value, implicit ? 1 : 0));
+    check(schema.AddNumericColumn(name.get(), field.number_default, implicit ? 1 : 0));
   }
 }
 

@@ -118,10 +118,10 @@ TEST_F(export_test, a_csv_does_not_get_a_tables_name) {
   for (const char* name : {"u.ovt", "new.OVT"}) {
     expect_wrong_usage(
         {"export", "t.ovt", name},
-        std::string(name) + ": export writes a CSV, and the name is a table's; nothing is written");
+        std::string(name) + ": export does not write tables, and the name is a table's; nothing is written");
   }
   expect_wrong_usage({"import", "u.ovt", "v.ovt"},
-                     "u.ovt: import reads a CSV, and the name is a table's; nothing is written");
+                     "u.ovt: import reads CSV and Parquet, and the name is a table's; nothing is written");
   expect_wrong_usage({"import", "in.csv", "out.csv"},
                      "out.csv: import makes a table, and the name is a CSV's; nothing is written");
   EXPECT_TRUE(read("u.ovt") == before);

@@ -1,0 +1,228 @@
+// Parquet when the world outside ends the work, in little memory, and under names that only some systems
+// know.
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "command/parquet_fixture.h"
+#include "support/shared_data.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using names = std::vector<std::string>;
+
+/// The programs that are started put their temporary files there.
+class temporary_files_in {
+ public:
+  explicit temporary_files_in(const fs::path& path) : before_(fs::temp_directory_path()) {
+    ovtest::set_environment("TMPDIR", path);
+  }
+  temporary_files_in(const temporary_files_in&) = delete;
+  temporary_files_in& operator=(const temporary_files_in&) = delete;
+  ~temporary_files_in() { ovtest::set_environment("TMPDIR", before_); }
+
+ private:
+  fs::path before_;
+};
+
+struct ended_program {
+  int status;         ///< as waitpid tells it
+  std::size_t bytes;  ///< resident at their highest
+};
+
+class parquet_stopping_test : public ovtest::parquet_test {
+ protected:
+  static std::string program() {
+    const char* const set = std::getenv("OVFILE_COMMAND");
+    return set != nullptr ? set : OVFILE_COMMAND_PATH;
+  }
+
+  pid_t start(names arguments) const {
+    arguments.insert(arguments.begin(), "ovfile");
+    std::vector<char*> values;
+    for (std::string& argument : arguments) values.push_back(argument.data());
+    values.push_back(nullptr);
+    const std::string path = program();
+    const pid_t child = ::fork();
+    if (child != 0) return child;
+    const int quiet = ::open("/dev/null", O_WRONLY);
+    if (::chdir(folder().path().c_str()) != 0 || ::dup2(quiet, 2) != 2) ::_exit(127);
+    ::execv(path.c_str(), values.data());
+    ::_exit(127);
+  }
+
+  static ended_program wait_for(pid_t child) {
+    ended_program ended{};
+    struct rusage used {};
+    ::wait4(child, &ended.status, 0, &used);
+    ended.bytes = static_cast<std::size_t>(used.ru_maxrss) * 1024;
+    return ended;
+  }
+
+  /// Starts the program and sends it the signal as soon as something of ours has grown to so many bytes.
+  int stop(const names& arguments, int signal, std::uintmax_t size) const {
+    const pid_t child = start(arguments);
+    int status = 0;
+    while (::waitpid(child, &status, WNOHANG) == 0) {
+      if (written() >= size) {
+        ::kill(child, signal);
+        ::waitpid(child, &status, 0);
+        return status;
+      }
+      ::usleep(1000);
+    }
+    return status;
+  }
+
+  ovtest::process_result limited(const std::string& arguments) const {
+    ovtest::set_environment("OVFILE", program());
+    return ovtest::run_process({"/bin/sh", "-c", "ulimit -f 200; exec \"$OVFILE\" " + arguments},
+                               folder().path());
+  }
+
+  void make_long_table(int rows) const {
+    EXPECT_EQ(run({"sql",
+                   "select range::double as A, (range * 7919) % 1000003 as B, hash(range) / 1e6 as C, "
+                   "hash(range + 7) / 1e6 as D, range % 5 as E, range % 7 as F, 'text ' || range % 100 as G, "
+                   "random() as H from range(" +
+                       std::to_string(rows) + ")",
+                   "--output", "t.ovt"})
+                  .error,
+              "");
+  }
+
+ private:
+  std::uintmax_t written() const {
+    std::uintmax_t bytes = 0;
+    std::error_code error;
+    for (const auto& entry : fs::directory_iterator(folder().path(), error)) {
+      if (!entry.path().filename().string().starts_with(".NEW")) continue;
+      if (entry.is_regular_file(error)) bytes += entry.file_size(error);
+      if (!entry.is_directory(error)) continue;
+      for (fs::recursive_directory_iterator inside(entry.path(), error), end; !error && inside != end;
+           inside.increment(error)) {
+        if (inside->is_regular_file(error)) bytes += inside->file_size(error);
+      }
+    }
+    return bytes;
+  }
+};
+
+TEST_F(parquet_stopping_test, a_disk_that_is_full_leaves_no_parquet) {
+  make_long_table(100000);
+  write("out.parquet", "old");
+  const ovtest::process_result file = limited("export t.ovt out.parquet");
+  EXPECT_EQ(file.status, 1);
+  EXPECT_EQ(
+      file.error,
+      "ovfile: cannot write out.parquet: IO Error: Could not write file \"out.parquet\": File too large\n");
+  EXPECT_EQ(read("out.parquet"), "old");
+  const ovtest::process_result folders = limited("export t.ovt out --partition-by E");
+  EXPECT_EQ(folders.status, 1);
+  EXPECT_THAT(folders.error,
+              testing::StartsWith("ovfile: cannot write out: IO Error: Could not write file \"out/E="));
+  EXPECT_THAT(folders.error, testing::EndsWith(": File too large\n"));
+  EXPECT_EQ(files(), (names{"out.parquet", "t.ovt"}));
+}
+
+TEST_F(parquet_stopping_test, a_disk_that_is_full_leaves_no_table) {
+  make_parquet("in.parquet", "select range as A, hash(range)::varchar as B from range(100000)");
+  write("t.ovt", "old");
+  const ovtest::process_result result = limited("import in.parquet t.ovt");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_THAT(result.error, testing::StartsWith("ovfile: cannot write t.ovt: "));
+  EXPECT_EQ(result.error.find(".NEW"), std::string::npos) << result.error;
+  EXPECT_EQ(read("t.ovt"), "old");
+  EXPECT_EQ(files(), (names{"in.parquet", "t.ovt"}));
+}
+
+TEST_F(parquet_stopping_test, a_signal_leaves_nothing) {
+  make_long_table(500000);
+  run_quietly({"export", "t.ovt", "in.parquet"});
+  const ovtest::scratch_folder temporary;
+  const temporary_files_in there(temporary.path());
+  const std::vector<names> works = {{"export", "t.ovt", "out.parquet"},
+                                    {"export", "t.ovt", "out", "--partition-by", "E"},
+                                    {"import", "in.parquet", "new.ovt"}};
+  for (const names& work : works) {
+    for (const int signal : {SIGTERM, SIGINT}) {
+      for (const std::uintmax_t size : {std::uintmax_t{0}, std::uintmax_t{1}}) {
+        SCOPED_TRACE(work[0] + " " + work[2] + ", signal " + std::to_string(signal));
+        const int status = stop(work, signal, size);
+        EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == signal) << status;
+        EXPECT_EQ(files(), (names{"in.parquet", "t.ovt"}));
+        EXPECT_TRUE(fs::is_empty(temporary.path()));
+      }
+    }
+  }
+}
+
+TEST_F(parquet_stopping_test, a_large_table_goes_out_and_comes_back_in_little_memory) {
+#if defined(__SANITIZE_ADDRESS__)
+  GTEST_SKIP() << "the sanitizer's own memory would be counted";
+#endif
+  constexpr std::size_t most = std::size_t{250} << 20;
+  make_long_table(2000000);
+  const ended_program out = wait_for(start({"export", "t.ovt", "out.parquet", "--memory", "100MB"}));
+  EXPECT_EQ(out.status, 0);
+  EXPECT_LT(out.bytes, most);
+  const ended_program in = wait_for(start({"import", "out.parquet", "back.ovt", "--memory", "100MB"}));
+  EXPECT_EQ(in.status, 0);
+  EXPECT_LT(in.bytes, most);
+  EXPECT_EQ(run_quietly({"diff", "t.ovt", "back.ovt"}), "");
+}
+
+TEST_F(parquet_stopping_test, a_folder_that_takes_no_files_is_told) {
+  make_table("A,B\n1,x\n");
+  run_quietly({"export", "t.ovt", "in.parquet"});
+  ASSERT_EQ(::chmod(folder().path().c_str(), 0555), 0);
+  const auto run_as_user = [&](const names& arguments) {
+    names all = ::geteuid() != 0 ? names{"/usr/bin/env"}
+                                 : names{"/usr/bin/setpriv", "--bounding-set=-dac_override,-dac_read_search"};
+    all.push_back(program());
+    all.insert(all.end(), arguments.begin(), arguments.end());
+    return ovtest::run_process(all, folder().path());
+  };
+  EXPECT_EQ(run_as_user({"export", "t.ovt", "out.parquet"}).error,
+            "ovfile: cannot create out.parquet: Permission denied\n");
+  EXPECT_EQ(run_as_user({"export", "t.ovt", "out", "--partition-by", "B"}).error,
+            "ovfile: cannot write out: Permission denied\n");
+  EXPECT_EQ(run_as_user({"import", "in.parquet", "new.ovt"}).error,
+            "ovfile: cannot create new.ovt: Permission denied\n");
+  ASSERT_EQ(::chmod(folder().path().c_str(), 0755), 0);
+  EXPECT_EQ(files(), (names{"in.csv", "in.parquet", "t.ovt"}));
+}
+
+TEST_F(parquet_stopping_test, names_with_any_characters_are_names) {
+  make_table("A,B\n1,x\n2,y\n");
+  // What a pattern of one of these would find is no part of it.
+  for (const std::string name :
+       {"a*b", "a[bc]", "a?", "it's", "d\"q", "a b", "é日", "a\\b", "{a,b}", "%20", "a;b"}) {
+    SCOPED_TRACE(name);
+    run_quietly({"export", "t.ovt", "axb.parquet", "--where", "A > 100"});
+    run_quietly({"export", "t.ovt", name + ".parquet"});
+    run_quietly({"import", name + ".parquet", "back.ovt"});
+    EXPECT_EQ(run_quietly({"diff", "t.ovt", "back.ovt"}), "");
+    run_quietly({"export", "t.ovt", name, "--partition-by", "B"});
+    run_quietly({"import", name, "back.ovt"});
+    EXPECT_EQ(run_quietly({"diff", "t.ovt", "back.ovt"}), "");
+    fs::remove_all(folder() / name);
+  }
+}
+
+TEST_F(parquet_stopping_test, long_names_come_back_where_they_are_allowed) {
+  EXPECT_EQ(run({"settings", "long-field-names", "on", "--now"}).status, 0);
+  for (const char* name : {"d_names_long", "d_names_long_1252", "d_names_long_same_start"}) {
+    const fs::path source = ovtest::shared_folder() / "golden" / (std::string(name) + ".ovt");
+    if (!fs::exists(source)) GTEST_SKIP() << source << " is not there";
+    run_quietly({"export", source, "out.parquet"});
+    run_quietly({"import", "out.parquet", "back.ovt"});
+    EXPECT_EQ(run_quietly({"diff", source, "back.ovt"}), "");
+  }
+}
+
+}  // namespace
