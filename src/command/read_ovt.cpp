@@ -166,10 +166,11 @@ void fill(const functions& library, duckdb::call_info info, duckdb::chunk output
   for (std::size_t i = 0; i < shared.columns.size(); ++i) {
     const field_view& field = bound.table.view().fields()[static_cast<std::size_t>(shared.columns[i]) - 1];
     const duckdb::vector vector = library.data_chunk_get_vector(output, shared.outputs[i]);
-    copy_column(
-        library, *own.reader, i,
-        {field.is_text, bound.table.gives_floats(), bound.table.options().absent == absent_value::nan},
-        vector);
+    const bool is_single = bound.table.view().is_single();
+    copy_column(library, *own.reader, i,
+                {field.is_text, is_single, is_single && bound.table.options().widen,
+                 bound.table.options().absent == absent_value::nan},
+                vector);
   }
   const auto* const chosen = own.reader->chosen();
   library.data_chunk_set_size(output, chosen != nullptr ? chosen->size() : own.reader->rows());

@@ -1,6 +1,10 @@
 #include "scan_columns.h"
 
+#include <fast_float/fast_float.h>
+
 #include <algorithm>
+#include <charconv>
+#include <cmath>
 #include <cstring>
 #include <limits>
 
@@ -40,6 +44,32 @@ void copy_nulls(const duckdb::functions& library, const std::uint8_t* valid, con
   }
   for (std::size_t i = 0; i < rows.count(); ++i) {
     if (is_null(valid, rows[i])) out[i / 64] &= ~(std::uint64_t{1} << (i % 64));
+  }
+}
+
+/// The number that the float's shortest digits say: 0.1 is 0.1, not 0.10000000149.
+double widened(float value) noexcept {
+  constexpr float largest_whole = 16777216;
+  if (std::fabs(value) <= largest_whole && std::trunc(value) == value) return static_cast<double>(value);
+  if (!std::isfinite(value)) return static_cast<double>(value);
+  char digits[32];
+  const char* const end = std::to_chars(digits, digits + sizeof digits, value).ptr;
+  double number = 0;
+  fast_float::from_chars(digits, end, number);
+  return number;
+}
+
+void copy_widened(const ArrowArray& column, const std::uint8_t* nan_for, const chosen_rows& rows,
+                  double* out) {
+  const float* const in = ovfile::values_of<float>(column);
+  // Grades of a few digits repeat, and absent ones more than all others.
+  float last = 0;
+  double last_widened = 0;
+  for (std::size_t i = 0; i < rows.count(); ++i) {
+    const float value = in[rows[i]];
+    if (value != last) last_widened = widened(last = value);
+    out[i] = is_null(nan_for, rows[i]) ? std::numeric_limits<double>::quiet_NaN() : last_widened;
+    if (value == 0) out[i] = static_cast<double>(value);  // there are two zeros
   }
 }
 
@@ -95,7 +125,9 @@ void copy_column(const duckdb::functions& library, const range_reader& reader, s
   }
   void* const target = library.vector_get_data(vector);
   const std::uint8_t* const nan_for = form.absent_is_nan ? valid : nullptr;
-  if (form.is_float) {
+  if (form.is_widened) {
+    copy_widened(column, nan_for, rows, static_cast<double*>(target));
+  } else if (form.is_float) {
     copy_numbers<float>(column, nan_for, rows, target);
   } else {
     copy_numbers<double>(column, nan_for, rows, target);

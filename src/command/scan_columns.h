@@ -8,7 +8,8 @@ namespace command {
 
 struct column_form {
   bool is_text;
-  bool is_float;
+  bool is_float;       ///< the batches have numbers of 4 bytes
+  bool is_widened;     ///< these go out as those of 8 bytes that their shortest digits say
   bool absent_is_nan;  ///< instead of null, for numbers
 };
 

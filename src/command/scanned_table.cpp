@@ -3,15 +3,22 @@
 #include <algorithm>
 
 #include "failure.h"
+#include "file_identity.h"
 #include "words.h"
 
 namespace command {
 namespace {
 
 ULONG flags_of(const scan_options& options) noexcept {
-  // A reader makes NaN of absent numbers that come as null, whatever their precision.
-  return (options.absent == absent_value::keep ? 0 : ULONG{ovStreamAbsentAsNull}) |
-         (options.widen ? ULONG{ovStreamWidened} : 0);
+  // What reads the batches makes NaN of absent numbers that come as null, and widens floats by their digits.
+  return options.absent == absent_value::keep ? 0 : ULONG{ovStreamAbsentAsNull};
+}
+
+/// Of the file that was opened, which is a link's target where there is one.
+std::string identity_of(const table_view& view) {
+  ovfile::text opened;
+  view.check(view.table().get_Name(opened.out()));
+  return file_identity(opened.utf8());
 }
 
 bool are_alike(const table_view& planned, const table_view& found) {
@@ -38,8 +45,13 @@ void check_condition(const table_view& view, const std::optional<std::string>& c
 }  // namespace
 
 scanned_table::scanned_table(const std::string& file, const scan_options& options)
-    : view_(file), options_(options) {
+    : view_(file), options_(options), identity_(identity_of(view_)) {
   check_condition(view_, options_.condition);
+}
+
+void scanned_table::check_unchanged(const table_view& found) const {
+  if (identity_of(found) == identity_ && are_alike(view_, found)) return;
+  throw failure(view_.file() + ": the table was changed while the statement ran");
 }
 
 bool scan_ranges::take(LONG& first, LONG& rows) noexcept {
@@ -52,13 +64,12 @@ bool scan_ranges::take(LONG& first, LONG& rows) noexcept {
 
 range_reader::range_reader(const scanned_table& table, scan_ranges& ranges, std::vector<LONG> columns,
                            LONG rows_per_batch)
-    : ranges_(ranges),
+    : table_(table),
+      ranges_(ranges),
       view_(table.view().file()),
       condition_(make_condition(view_, table.options().condition)),
       columns_(std::move(columns)) {
-  if (!are_alike(table.view(), view_)) {
-    throw failure(view_.file() + ": the table was changed while the statement ran");
-  }
+  table_.check_unchanged(view_);
   request_.rowsPerBatch = rows_per_batch;
   request_.flags = flags_of(table.options());
   request_.nColumns = static_cast<LONG>(columns_.size());
@@ -78,7 +89,10 @@ bool range_reader::next() {
 bool range_reader::next_range() {
   first_ += static_cast<LONG>(rows_);
   rows_ = 0;
-  if (!ranges_.take(first_, left_)) return false;
+  if (!ranges_.take(first_, left_)) {
+    table_.check_unchanged(view_);
+    return false;
+  }
   if (columns_.empty()) return true;
   request_.firstRow = first_;
   request_.nRows = left_;

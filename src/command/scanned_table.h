@@ -18,7 +18,7 @@ namespace command {
 struct scan_options {
   absent_value absent = absent_value::null;
   std::optional<std::string> condition;
-  bool widen = true;  ///< numbers of 4 bytes as those of 8, their decimal digits kept tidy
+  bool widen = true;  ///< numbers of 4 bytes as those of 8 that their shortest digits say
 };
 
 /// Holds the table open, so that nobody puts another in its place while the query is planned and runs.
@@ -31,10 +31,14 @@ class scanned_table {
   const scan_options& options() const noexcept { return options_; }
   /// Whether numbers come as floats.
   bool gives_floats() const noexcept { return view_.is_single() && !options_.widen; }
+  /// Throws `failure` when the file is no longer the one that was planned with, as far as `found`, another
+  /// view of it, and the system tell.
+  void check_unchanged(const table_view& found) const;
 
  private:
   table_view view_;
   scan_options options_;
+  std::string identity_;
 };
 
 /// The ranges of rows of one scan, which its readers take one after the other.
@@ -72,6 +76,7 @@ class range_reader {
   bool next_batch();
   void choose();
 
+  const scanned_table& table_;
   scan_ranges& ranges_;
   table_view view_;
   std::optional<row_condition> condition_;

@@ -1,8 +1,6 @@
 #include "sql_database.h"
 
 #include <chrono>
-#include <condition_variable>
-#include <mutex>
 #include <optional>
 #include <thread>
 
@@ -15,7 +13,7 @@
 namespace command {
 namespace {
 
-constexpr std::chrono::milliseconds look_again{50};
+constexpr std::chrono::milliseconds look_again{5};
 
 std::string quoted(std::string_view text, char quote) {
   std::string out(1, quote);
@@ -26,21 +24,19 @@ std::string quoted(std::string_view text, char quote) {
   return out += quote;
 }
 
-/// Passes a request to stop on to a connection, whose calls know nothing of signals.
+/// Passes a request to stop on to a connection, whose calls know nothing of signals. It looks now and then and
+/// sleeps: waits that a wake-up ends early have been seen to last for ever on one system.
 class stop_watch {
  public:
   stop_watch(const duckdb::functions& library, duckdb::connection connection)
-      : thread_([this, &library, connection](const std::stop_token& end) {
-          std::unique_lock lock(mutex_);
+      : thread_([&library, connection](const std::stop_token& end) {
           while (!end.stop_requested()) {
             if (is_stop_asked()) library.interrupt(connection);
-            ended_.wait_for(lock, end, look_again, [] { return false; });
+            std::this_thread::sleep_for(look_again);
           }
         }) {}
 
  private:
-  std::mutex mutex_;
-  std::condition_variable_any ended_;
   std::jthread thread_;
 };
 

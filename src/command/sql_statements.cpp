@@ -26,7 +26,7 @@ class sql_scanner {
     const std::string_view rest = sql_.substr(at_);
     const char c = rest.front();
     if (rest.starts_with("--")) return skip_comment(past(rest.find('\n'), 1));
-    if (rest.starts_with("/*")) return skip_comment(past(rest.find("*/", 2), 2));
+    if (rest.starts_with("/*")) return skip_comment(comment_length(rest));
     if (c == '\'') return skip(is_escaping() ? escaped_length(rest) : quoted_length(rest));
     if (c == '"') return skip(quoted_length(rest));
     if (c == '$' && !follows_word()) return skip(dollar_length(rest));
@@ -45,6 +45,16 @@ class sql_scanner {
   }
   static std::size_t past(std::size_t found, std::size_t length) noexcept {
     return found == std::string_view::npos ? found : found + length;
+  }
+  /// Comments may hold comments.
+  static std::size_t comment_length(std::string_view rest) noexcept {
+    std::size_t at = 2;
+    for (std::size_t depth = 1; depth > 0; at += 2) {
+      at = std::min(rest.find("/*", at), rest.find("*/", at));
+      if (at >= rest.size()) return rest.size();
+      rest[at] == '/' ? ++depth : --depth;
+    }
+    return at;
   }
   bool follows_word() const noexcept {
     return at_ > 0 && (is_letter(sql_[at_ - 1]) || is_digit(sql_[at_ - 1]));

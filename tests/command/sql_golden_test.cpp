@@ -1,5 +1,6 @@
 // Reference tables of every byte order and precision, and broken ones.
 #include <bit>
+#include <charconv>
 #include <cmath>
 #include <nlohmann/json.hpp>
 
@@ -42,15 +43,19 @@ class sql_golden_test : public ovtest::sql_test {
 
 constexpr double absent = -1e30;
 
-/// What the cell reads as by way of a double; nothing where nothing is expected.
+/// The number that a double-precision table has, or that the shortest digits of a float say; nothing where
+/// nothing is expected.
 std::optional<double> number_of(const json& cell) {
-  const json* text = &cell;
-  if (cell.is_object()) {
-    if (!cell.contains("d")) return {};
-    text = &cell["d"];
-  }
-  if (text->is_number()) return text->get<double>();
-  return std::strtod(text->get<std::string>().c_str(), nullptr);
+  if (!cell.is_object())
+    return cell.is_number() ? cell.get<double>() : std::strtod(cell.get<std::string>().c_str(), nullptr);
+  if (!cell.contains("f")) return cell.contains("d") ? number_of(cell["d"]) : std::nullopt;
+  const json& single = cell["f"];
+  const float value =
+      single.is_number() ? single.get<float>() : std::strtof(single.get<std::string>().c_str(), nullptr);
+  if (!std::isfinite(value)) return static_cast<double>(value);
+  char digits[32];
+  *std::to_chars(digits, digits + sizeof digits - 1, value).ptr = '\0';
+  return std::strtod(digits, nullptr);
 }
 
 void expect_number(const json& found, double expected, const std::string& where) {
