@@ -29,7 +29,7 @@ TEST_F(duckdb_file_linux_test, wherever_a_library_is_cut_off_it_is_told) {
     EXPECT_EQ(reason, "the file is cut off") << left;
   }
   EXPECT_EQ(refusal("cut.so"), "ovfile: cannot load cut.so: the file is cut off\n");
-  for (const std::uintmax_t left : {63, 16, 4, 1, 0}) {
+  for (const std::uintmax_t left : std::initializer_list<std::uintmax_t>{63, 16, 4, 1, 0}) {
     fs::resize_file(folder() / "cut.so", left);
     EXPECT_EQ(command::load_library((folder() / "cut.so").string(), reason), nullptr);
     EXPECT_EQ(reason, "file too short") << left;
