@@ -59,17 +59,21 @@ struct IOvTableStream : IUnknown {
   /// library's from then on and is released whatever the outcome.
   ///
   /// Columns go by name; a column that the stream lacks takes its default. Numbers may be of every integer
-  /// and float type or bool (1 and 0), or dictionaries of them: they are rounded to the table's precision,
+  /// and float type or bool (1 and 0), or dictionaries of them: floats are rounded to the table's precision,
   /// floats for a table of doubles are widened with their decimal digits kept tidy, and a number beyond
-  /// the precision's range is refused. Texts may be utf8, large utf8 or dictionaries of them: blanks and
-  /// tabs at the end are dropped, and a text that is longer than the column then, or has a character
-  /// outside the ANSI code page, is refused. Null is absent (-1e30, or blanks). A value for an implicit
-  /// column has to be the one that all rows have.
+  /// the precision's range is refused, as is an integer that the precision cannot hold exactly. Texts may be
+  /// utf8, large utf8 or dictionaries of them: blanks and tabs at the end are dropped, and a text that is
+  /// longer than the column then, or has a character outside the ANSI code page, is refused. Null is absent
+  /// (-1e30, or blanks). A value for an implicit column has to be the one that all rows have.
   ///
   /// What does not fit is reported with its column and row (counted from 1 in the stream), more rows than
   /// the table can have before any of their batch is taken; both leave the table with the rows that it
   /// had, and its file with the bytes, but for those behind the rows that no count includes. Streams that are
   /// being read may end with an error all the same. The cursor does not move.
+  ///
+  /// Refused, too, where another program or another object has changed the file since this object opened
+  /// it, which it knows by its counts of rows and its size, and as long as this object has changed
+  /// nothing, by the time of the last writing. What it finds then it leaves alone.
   ///
   /// The stream's own code may call into the table. It cannot append to it; a change and `Close` hold, and
   /// the rows of the stream are refused. No row counts before all are in: a process that ends before

@@ -10,6 +10,8 @@ import ctypes
 from ctypes import CFUNCTYPE, POINTER, c_char_p, c_int, c_int64, c_void_p, py_object
 from typing import Any, Dict, Optional
 
+from ._errors import WrongValue
+
 STREAM_CAPSULE = b"arrow_array_stream"
 SCHEMA_CAPSULE = b"arrow_schema"
 NULLABLE = 2
@@ -112,10 +114,14 @@ def make_capsule(structure: Any, name: bytes) -> Any:
 
 
 def take_stream(capsule: Any) -> ArrowArrayStream:
-    """Moves the stream out of a capsule. Raises ValueError for another capsule or an empty one."""
-    source = ArrowArrayStream.from_address(_pointer(capsule, STREAM_CAPSULE))
+    """Moves the stream out of a capsule. Raises Error for another capsule or an empty one."""
+    try:
+        address = _pointer(capsule, STREAM_CAPSULE)
+    except (ValueError, TypeError):
+        raise WrongValue(f"__arrow_c_stream__ answered no stream, but {type(capsule).__name__}") from None
+    source = ArrowArrayStream.from_address(address)
     if not source.release:
-        raise ValueError("the stream has been taken already")
+        raise WrongValue("the stream has been taken already")
     return move(source)
 
 

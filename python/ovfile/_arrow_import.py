@@ -12,7 +12,8 @@ import numpy as np
 
 from ._arrays import Array
 from ._arrow_abi import ArrowArray, ArrowArrayStream, ArrowSchema, GetStructure, last_error, release
-from ._errors import Error
+from ._arrow_check import check_batch, check_bounds
+from ._errors import Error, column_error
 
 NUMBERS = {
     "c": np.int8,
@@ -111,12 +112,16 @@ class ColumnView:
     def encoded(self) -> Tuple[Array, Array]:
         """A text column's bounds (one more than rows) and the bytes between them, UTF-8."""
         array, offset = self.array, self.array.offset
+        if self.length == 0:  # there may be no bounds at all
+            return np.zeros(1, np.int64), np.empty(0, np.uint8)
         bounds = view(
             self.owner, array.buffers[1], offset + self.length + 1, OFFSETS[self.field.format]
         )[offset:]
-        if len(bounds) == 0:
-            return np.zeros(1, np.int64), np.empty(0, np.uint8)
-        return bounds, view(self.owner, array.buffers[2], int(bounds[-1]), np.uint8)
+        check_bounds(bounds, self.field.name)
+        end = int(bounds[-1])
+        if end > 0 and not array.buffers[2]:
+            raise column_error("the batch lacks the texts' characters", self.field.name)
+        return bounds, view(self.owner, array.buffers[2], end, np.uint8)
 
     def texts(self) -> Array:
         """The values of a text column, str objects; nulls are empty texts."""
@@ -146,7 +151,9 @@ class ColumnView:
 
 
 def child_of(batch: ArrowArray, index: int) -> ArrowArray:
-    """A column of a batch with the rows that the batch counts; its memory is the batch's."""
+    """A column of a batch, which has been checked, with the rows that the batch counts; its memory is the
+    batch's.
+    """
     child: ArrowArray = batch.children[index].contents
     if batch.offset == 0 and batch.length == child.length:
         return child
@@ -172,10 +179,14 @@ class Stream:
         self.fields: List[Field] = [Field(schema.children[i].contents) for i in children]
 
     def next(self) -> Optional[Owner]:
-        """The next batch's structure; None behind the last."""
+        """The next batch's structure; None behind the last. Raises Error for one that cannot be read."""
         batch = ArrowArray()
         self._get(self._stream.get_next, batch)
-        return Owner(batch) if batch.release else None
+        if not batch.release:
+            return None
+        owner = Owner(batch)
+        check_batch(batch, self.fields)
+        return owner
 
     def __iter__(self) -> Iterator[List[ColumnView]]:
         for owner in iter(self.next, None):

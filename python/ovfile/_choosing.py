@@ -3,17 +3,27 @@
 from __future__ import annotations
 
 from dataclasses import dataclass
-from typing import Any, Callable, Iterator, List, Optional
+from typing import Any, Iterator, List, Optional
 
 import numpy as np
 
 from . import _interfaces as known
-from ._arrays import Array
 from ._arrow_import import Stream
 from ._component import Interface
-from ._errors import Error
+from ._errors import Error, number_of_rows
 from ._filter import passing_rows
-from ._reading import Gathered, GatheredCodes, Rows, Span, batches, open_stream, read_columns, span_of
+from ._reading import (
+    Gathered,
+    GatheredCodes,
+    Passing,
+    PassingByParts,
+    Rows,
+    Span,
+    batches,
+    open_stream,
+    read_columns,
+    span_of,
+)
 from ._schema import TEXT, Schema
 
 _ABSENT_CHOICES = ("nan", "mask", "value")
@@ -67,12 +77,12 @@ class Reader:
 
     def batches(self, choice: Choice, rows: int) -> Iterator[List[Any]]:
         """The arrays of each batch. Whatever is wrong with the choice is told before the first one."""
-        if rows < 1:
-            raise Error(f"a batch has at least one row, not {rows}")
-        span = Span(0, self._rows, None)
-        stream = Stream(open_stream(self._table, choice.places, span, rows, choice.flags()))
+        rows = number_of_rows(rows, "a batch")
+        span, most = Span(0, self._rows, None), max(1, min(rows, self._rows))
+        stream = Stream(open_stream(self._table, choice.places, span, most, choice.flags()))
         passing = self._passing(choice.where)
-        return batches(stream, choice.absent, None if passing is None else passing(span))
+        passes = None if passing is None else PassingByParts(passing, 0, self._rows)
+        return batches(stream, choice.absent, passes)
 
     def _sink(self, choice: Choice, place: int, count: int) -> Any:
         if self._schema.columns[place].kind == TEXT:
@@ -80,7 +90,7 @@ class Reader:
         single = self._schema.precision == "single" and not choice.widen
         return Gathered(np.float32 if single else np.float64, count, choice.absent)
 
-    def _passing(self, where: Optional[str]) -> Optional[Callable[[Span], Array]]:
+    def _passing(self, where: Optional[str]) -> Optional[Passing]:
         if where is None:
             return None
         columns, expression = self._schema.columns, where

@@ -16,6 +16,7 @@ from ._schema import NUMBER, TEXT
 ROWS_PER_BATCH = 65536
 # Whole numbers up to these come back as they were.
 _EXACT = {"double": 2**53, "single": 2**24}
+_FLOATS = (float, np.floating)
 _DATES = "dates have no place in a table; write them as text (.astype(str)) or as numbers"
 
 
@@ -99,6 +100,38 @@ class Numbers(Source):
                 self.name,
                 row=row,
             )
+
+
+class Converted(Numbers):
+    """Numbers that were objects: some of these may have more digits than floats, which the others are."""
+
+    def __init__(self, name: str, values: Array, nulls: Optional[Array], objects: Array) -> None:
+        super().__init__(name, values, nulls)
+        self._objects = objects
+
+    def check(self, precision: str) -> None:
+        limit = _EXACT[precision]
+        for row, value in enumerate(self._objects):
+            if self.nulls is not None and self.nulls[row]:
+                continue
+            if isinstance(value, (int, np.integer)):
+                lost = abs(int(value)) > limit
+            else:
+                lost = isinstance(value, Decimal) and value.is_finite() and _is_cut(value, limit)
+            if lost:
+                raise column_error(
+                    f"{value} has more digits than {precision} precision keeps; write the column as text, or "
+                    "as floats",
+                    self.name,
+                    row=row,
+                )
+
+
+def _is_cut(value: Decimal, limit: int) -> bool:
+    """Whether a decimal does not come back from the float that is nearest to it."""
+    if value == value.to_integral_value():
+        return abs(value) > limit
+    return Decimal(repr(float(value))) != value
 
 
 class Texts(Source):
@@ -201,6 +234,18 @@ def array_source(name: str, values: Any) -> Source:
     raise column_error(_DATES if kind in "mM" else f"values of type {values.dtype} have no place", name)
 
 
+def _check_several(name: str, values: Any) -> None:
+    """Raises Error for a single value, and for what has no order. A text is one value, not its letters."""
+    try:
+        single = isinstance(values, (str, bytes, bytearray)) or iter(values) is None
+    except TypeError:
+        single = True
+    if single:
+        raise column_error(f"{values!r} is one value; a column is a list or an array of values", name)
+    if isinstance(values, (Mapping, set, frozenset)):
+        raise column_error(f"a {type(values).__name__} has no order; a column is a list or an array", name)
+
+
 def _array_of(values: Any) -> Array:
     items = list(values)
     array = np.empty(len(items), object)
@@ -229,9 +274,14 @@ def object_source(name: str, values: Array, nulls: Array) -> Source:
     if all(_is_number(kind) for kind in types):
         filled = np.where(nulls, 0, values)
         try:
-            return Numbers(name, filled.astype(_number_type(types)), missing)
+            converted = filled.astype(_number_type(types))
         except OverflowError:
             raise column_error("a whole number has more than 64 bits", name) from None
+        except ValueError as failure:  # a decimal that signals
+            raise column_error(str(failure), name) from None
+        if converted.dtype == np.float64 and not all(issubclass(kind, _FLOATS) for kind in types):
+            return Converted(name, converted, missing, filled)
+        return Numbers(name, converted, missing)
     _refuse_objects(name, values, nulls, mixed=any(issubclass(kind, str) for kind in types))
     raise AssertionError
 
@@ -271,6 +321,7 @@ def is_of_pandas(data: Any) -> bool:
 def source_of(name: str, values: Any) -> Source:
     """A column out of a sequence, an array, or a series."""
     if not is_of_pandas(values):
+        _check_several(name, values)
         return array_source(name, values)
     from ._pandas import series_of, series_source
 

@@ -8,6 +8,7 @@ out is the caller's to free, one handed in stays the caller's.
 from __future__ import annotations
 
 import ctypes
+import os
 import sys
 import uuid
 from ctypes import POINTER, byref, c_double, c_int16, c_int32, c_uint16, c_uint32, c_void_p
@@ -133,10 +134,15 @@ class Text:
 
 
 class Interface:
-    """Owns one reference to an object's interface, with a table of the functions that are used."""
+    """Owns one reference to an object's interface, with a table of the functions that are used.
+
+    A process that was forked off has a copy of the object's memory, but shares the open files behind it: there
+    the object is neither used nor destroyed, as either would move or write what the first process relies on.
+    """
 
     def __init__(self, runtime: Runtime, pointer: int, prototypes: Dict[str, Prototype]) -> None:
         self.runtime = runtime
+        self._process = os.getpid()
         self.pointer: Optional[int] = pointer
         self._prototypes = prototypes
         self._functions: Dict[str, Any] = {}
@@ -193,10 +199,14 @@ class Interface:
         )
 
     def release(self) -> None:
-        """Gives the reference back; a second time does nothing."""
+        """Gives the reference back; a second time does nothing, nor does it in another process."""
         pointer, self.pointer = self.pointer, None
-        if pointer:
+        if pointer and self.is_of_this_process():
             self._release(pointer)
+
+    def is_of_this_process(self, process: Any = os.getpid) -> bool:
+        # The function stands in the arguments: at the interpreter's end the module may be gone.
+        return bool(self._process == process())
 
     def __del__(self) -> None:
         if getattr(self, "_release", None) is not None:

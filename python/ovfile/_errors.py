@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import operator
 from typing import Any, Optional
 
 
@@ -41,9 +42,33 @@ class Error(Exception):
         return type(self), (self.message, self.file, self.column, self.row, self.status)
 
 
+class WrongValue(Error, ValueError):
+    """An argument with a value that it cannot have."""
+
+
+class WrongType(Error, TypeError):
+    """An argument of a type that it cannot have."""
+
+
 def column_error(
     problem: str, column: str, file: Optional[str] = None, row: Optional[int] = None
 ) -> Error:
     """An error about a column, or about its value in a row counted from 0."""
     place = f"column {column}" if row is None else f"column {column}, row {row + 1}"
     return Error(f"{place}: {problem}", file=file, column=column, row=row)
+
+
+def whole_number(value: Any, what: str) -> int:
+    """An argument that is a whole number. Raises Error for anything else."""
+    try:
+        return operator.index(value)
+    except TypeError:
+        raise WrongType(f"{what}: a whole number, not {value!r}") from None
+
+
+def number_of_rows(value: Any, what: str) -> int:
+    """An argument that says how many rows a part of a table has; `what` is the part."""
+    rows = whole_number(value, f"rows of {what}")
+    if rows < 1:
+        raise WrongValue(f"{what} has at least one row, not {rows}")
+    return rows

@@ -3,11 +3,11 @@
 from __future__ import annotations
 
 import difflib
-from typing import Any, List, Sequence, Union
+from typing import Any, Iterable, List, Sequence, Union
 
 import numpy as np
 
-from ._errors import Error, column_error
+from ._errors import Error, WrongType, column_error
 from ._schema import Schema
 
 Key = Union[str, int]
@@ -31,6 +31,8 @@ def places_of(names: Sequence[str], columns: Keys) -> List[int]:
     if columns is None:
         return list(range(len(names)))
     wanted: Any = [columns] if is_key(columns) else columns
+    if not isinstance(wanted, Iterable):
+        raise WrongType(f"columns are names or numbers, one or several, not {columns!r}")
     return [_place_of(names, column) for column in wanted]
 
 

@@ -50,7 +50,11 @@ def frame_sources(frame: Any) -> List[Source]:
 
 def series_of(values: Any) -> Any:
     """A series, out of one or out of an array of pandas'."""
-    return values if isinstance(values, pd.Series) else pd.Series(values)
+    if isinstance(values, pd.Series):
+        return values
+    if isinstance(values, pd.DataFrame) or not pd.api.types.is_list_like(values):
+        raise Error(f"a column is a series or an array, not {type(values).__name__}")
+    return pd.Series(values)
 
 
 def series_source(name: str, series: Any) -> Source:
@@ -60,6 +64,8 @@ def series_source(name: str, series: Any) -> Source:
         return _categorical_source(name, series)
     if isinstance(dtype, np.dtype):
         return array_source(name, series.to_numpy())
+    if isinstance(dtype, pd.SparseDtype):
+        return series_source(name, series.sparse.to_dense())
     nulls = series.isna().to_numpy()
     if pd.api.types.is_numeric_dtype(dtype):
         plain = getattr(dtype, "numpy_dtype", np.dtype(np.float64))
@@ -79,4 +85,7 @@ def _categorical_source(name: str, series: Any) -> Source:
         return Source(name, len(codes), np.ones(len(codes), bool))
     if all(isinstance(text, str) for text in texts):
         return Codes(name, codes, list(texts))
-    return series_source(name, series.astype(categories.dtype))
+    missing = codes < 0
+    source = series_source(name, pd.Series(categories.take(np.maximum(codes, 0))))
+    source.nulls = missing if source.nulls is None else source.nulls | missing
+    return source

@@ -9,6 +9,7 @@ from __future__ import annotations
 import contextlib
 import hashlib
 import os
+import platform
 from dataclasses import astuple, dataclass, replace
 from typing import Any, Iterator, List, Optional, Sequence, Tuple
 
@@ -27,28 +28,42 @@ _BYTES_OF_TEXT = 64  # of a `str` object in a frame, its place in the column inc
 
 @dataclass(frozen=True)
 class PlannedFile:
-    """A table's file as it was when the partitions were planned. Sizes in bytes, times in nanoseconds."""
+    """A table's file as it was when the partitions were planned. Sizes in bytes, times in nanoseconds.
+
+    The numbers of the file and of its device count on the machine that made the plan alone: another one may
+    have others for the same file.
+    """
 
     path: str
     size: int
     last_write: int
     rows: int
     definition: str
+    file: int = 0
+    device: int = 0
+    machine: str = ""
 
     @contextlib.contextmanager
     def opened(self) -> Iterator[Table]:
         """The table, open for reading. Raises Error when the file is not as it was planned."""
-        self.check_file()
+        self._stat()
         try:
             with open_table(self.path) as table:
                 self._check_table(table)
+                self.check_file()
                 yield table
         except Error:
-            self.check_file()  # a change explains more than what came of it
+            self._stat()  # a change explains more than what came of it
             raise
         self.check_file()
 
     def check_file(self) -> None:
+        found = self._stat()
+        numbers = (found.st_ino, found.st_dev)
+        if self.machine == platform.node() and numbers != (self.file, self.device):
+            raise self._changed("it is another file")
+
+    def _stat(self) -> os.stat_result:
         try:
             found = os.stat(self.path)
         except OSError as failure:
@@ -58,6 +73,7 @@ class PlannedFile:
             raise self._changed(f"{found.st_size} bytes instead of {self.size}")
         if found.st_mtime_ns != self.last_write:
             raise self._changed("it was written to")
+        return found
 
     def _check_table(self, table: Table) -> None:
         if len(table) != self.rows:
@@ -81,7 +97,9 @@ def plan_file(path: str) -> Tuple[PlannedFile, Schema]:
         raise Error(f"the file cannot be read: {failure.strerror}", file=target) from None
     with open_table(target) as table:
         schema, rows = table.schema, len(table)
-    return PlannedFile(target, found.st_size, found.st_mtime_ns, rows, _digest(schema)), schema
+    numbers = (found.st_ino, found.st_dev, platform.node())
+    planned = PlannedFile(target, found.st_size, found.st_mtime_ns, rows, _digest(schema), *numbers)
+    return planned, schema
 
 
 def _digest(schema: Schema) -> str:

@@ -16,6 +16,11 @@ from ._arrow_import import ColumnView, Stream
 from ._component import E_NOINTERFACE, Interface
 from ._errors import Error
 
+_ROWS = "rows: a slice, a range, row numbers from 0, or a truth value for each row"
+# Chosen rows further apart are read by themselves, and of one read no more rows than these are looked at.
+_FAR_APART = 65536
+_ROWS_OF_A_PART = 1 << 20
+
 Rows = Union[None, slice, range, Sequence[int], Array]
 
 
@@ -28,23 +33,33 @@ class Span:
     chosen: Optional[Array]
 
 
+Passing = Callable[[Span], Array]  # which of a span's rows a condition lets through
+
+
 def span_of(rows: Rows, total: int) -> Span:
     """Raises Error for rows that the table does not have. Slices are cut to the table as for a list."""
     if rows is None:
         return Span(0, total, None)
     if isinstance(rows, (slice, range)):
         return _span_of_range(rows, total)
-    chosen = np.asarray(rows)
+    try:
+        chosen = np.asarray(rows)
+    except ValueError:
+        raise Error(_ROWS) from None
+    if chosen.ndim != 1:
+        raise Error(_ROWS)
     if chosen.dtype == bool:
         if len(chosen) != total:
             raise Error(f"rows: {len(chosen)} truth values for {total} rows")
         chosen = np.flatnonzero(chosen)
     if chosen.size == 0:
         return Span(0, 0, None)
-    if chosen.ndim != 1 or chosen.dtype.kind not in "iu":
-        raise Error("rows: a slice, a range, row numbers from 0, or a truth value for each row")
+    if chosen.dtype.kind not in "iu":
+        raise Error(_ROWS)
+    if chosen.max() >= total:  # while numbers without a sign have none
+        raise Error(f"rows: the table has {total} rows, numbered from 0")
     chosen = np.where(chosen < 0, chosen.astype(np.int64) + total, chosen.astype(np.int64))
-    if chosen.min() < 0 or chosen.max() >= total:
+    if chosen.min() < 0:
         raise Error(f"rows: the table has {total} rows, numbered from 0")
     first = int(chosen.min())
     return Span(first, int(chosen.max()) - first + 1, chosen - first)
@@ -52,7 +67,10 @@ def span_of(rows: Rows, total: int) -> Span:
 
 def _span_of_range(rows: Union[slice, range], total: int) -> Span:
     if isinstance(rows, slice):
-        numbers = range(*rows.indices(total))
+        try:
+            numbers = range(*rows.indices(total))
+        except (TypeError, ValueError) as failure:
+            raise Error(f"rows: {failure}") from None
     else:
         numbers = rows
     if len(numbers) == 0:
@@ -179,10 +197,8 @@ class GatheredCodes:
         return (self._codes if chosen is None else self._codes[chosen]), list(self._places)
 
 
-def gather(
-    stream: Stream, sinks: Sequence[Any], kept: Optional[Array], chosen: Optional[Array]
-) -> List[Any]:
-    """Reads a stream to its end into the sinks, one for each column."""
+def gather(stream: Stream, sinks: Sequence[Any], kept: Optional[Array]) -> None:
+    """Reads a stream to its end into the sinks, one for each column; `kept`: the rows that count."""
     at = 0
     for views in stream:
         length = views[0].length
@@ -190,42 +206,90 @@ def gather(
         for sink, view in zip(sinks, views):
             sink.add(view, part)
         at += length
-    return [sink.finish(chosen) for sink in sinks]
 
 
 def read_columns(
     source: Callable[[Span], Stream],
     make_sinks: Callable[[int], List[Any]],
     span: Span,
-    passing: Optional[Callable[[Span], Array]],
+    passing: Optional[Passing],
 ) -> List[Any]:
     """The chosen rows of a span that pass (None: all do), whole columns."""
-    if passing is None:
-        return gather(source(span), make_sinks(span.count), None, span.chosen)
-    passes = passing(span)
     if span.chosen is not None:
-        chosen = span.chosen[passes[span.chosen]]
-        return gather(source(span), make_sinks(span.count), None, chosen)
+        return _read_chosen(source, make_sinks, span, passing)
+    if passing is None:
+        sinks = make_sinks(span.count)
+        gather(source(span), sinks, None)
+        return [sink.finish(None) for sink in sinks]
+    passes = passing(span)
     # Only the rows between the first and the last one that pass are looked at.
     places = np.flatnonzero(passes)
-    if len(places) == 0:
-        return gather(source(Span(span.first, 0, None)), make_sinks(0), None, None)
-    low, high = int(places[0]), int(places[-1]) + 1
-    part = Span(span.first + low, high - low, None)
-    return gather(source(part), make_sinks(len(places)), passes[low:high], None)
+    low, high = (int(places[0]), int(places[-1]) + 1) if len(places) else (0, 0)
+    sinks = make_sinks(len(places))
+    gather(source(Span(span.first + low, high - low, None)), sinks, passes[low:high])
+    return [sink.finish(None) for sink in sinks]
 
 
-def batches(
-    stream: Stream, absent: str, passes: Optional[Array]
-) -> Iterator[List[Any]]:
+def _read_chosen(
+    source: Callable[[Span], Stream],
+    make_sinks: Callable[[int], List[Any]],
+    span: Span,
+    passing: Optional[Passing],
+) -> List[Any]:
+    """As `read_columns`, part by part: rows in order and each once, then in the order that was asked for."""
+    rows, order = np.unique(np.asarray(span.chosen), return_inverse=True)
+    if passing is not None:
+        tested = [passing(part)[part.chosen] for part in _parts(rows, span.first)]
+        passes = np.concatenate(tested)
+        rows = rows[passes]
+        order = (np.cumsum(passes) - 1)[order[passes[order]]]
+    sinks = make_sinks(len(rows))
+    for part in _parts(rows, span.first):
+        kept = np.zeros(part.count, bool)
+        kept[part.chosen] = True
+        gather(source(part), sinks, kept)
+    if len(rows) == 0:
+        gather(source(Span(span.first, 0, None)), sinks, None)
+    as_they_are = np.array_equal(order, np.arange(len(rows)))
+    return [sink.finish(None if as_they_are else order) for sink in sinks]
+
+
+def _parts(rows: Array, first: int) -> Iterator[Span]:
+    """Spans that have rows (in order, counted from `first`) which lie near each other."""
+    gaps = np.flatnonzero(np.diff(rows) > _FAR_APART) + 1
+    for run in np.split(rows, gaps):
+        while len(run):
+            count = int(np.searchsorted(run, run[0] + _ROWS_OF_A_PART))
+            part, run = run[:count], run[count:]
+            yield Span(first + int(part[0]), int(part[-1] - part[0]) + 1, part - part[0])
+
+
+class PassingByParts:
+    """Which rows of each batch pass, tested a few batches ahead, so that a long table takes no more memory
+    than a short one.
+    """
+
+    def __init__(self, passing: Passing, first: int, end: int) -> None:
+        self._passing, self._first, self._end = passing, first, end
+        self._passes = passing(Span(first, 0, None))  # says what is wrong with the condition
+
+    def of(self, first: int, count: int) -> Array:
+        at = first - self._first
+        if at + count > len(self._passes):
+            ahead = max(count, _FAR_APART // max(1, count) * count)
+            self._first, at = first, 0
+            self._passes = self._passing(Span(first, min(ahead, self._end - first), None))
+        return self._passes[at : at + count]
+
+
+def batches(stream: Stream, absent: str, passes: Optional[PassingByParts]) -> Iterator[List[Any]]:
     """The columns of each batch; batches of which no row passes are left out."""
     at = 0
     for views in stream:
         length = views[0].length
-        kept = None if passes is None else passes[at : at + length]
+        kept = None if passes is None else passes.of(at, length)
         at += length
+        if kept is not None and not kept.any():
+            continue
         arrays = [batch_array(view, absent) for view in views]
-        if kept is None:
-            yield arrays
-        elif kept.any():
-            yield [array[kept] for array in arrays]
+        yield arrays if kept is None else [array[kept] for array in arrays]

@@ -6,7 +6,7 @@ from dataclasses import dataclass, field
 from typing import Iterable, Iterator, List, Optional, Tuple, Union
 
 from ._component import Interface
-from ._errors import Error, column_error
+from ._errors import Error, WrongType, WrongValue, column_error
 from ._interfaces import COLUMN_TEXT
 from ._kinds import kind_words
 from ._library import library
@@ -145,7 +145,17 @@ class Schema:
 
 
 def parse_columns(columns: Iterable[Union[Column, str]]) -> Tuple[Column, ...]:
-    return tuple(Column.parse(c) if isinstance(c, str) else c for c in columns)
+    if isinstance(columns, str) or not isinstance(columns, Iterable):
+        raise WrongType(f"columns are several texts or Columns, such as [\"CU\"], not {columns!r}")
+    return tuple(_parsed(column) for column in columns)
+
+
+def _parsed(column: Union[Column, str]) -> Column:
+    if isinstance(column, Column):
+        return column
+    if isinstance(column, str):
+        return Column.parse(column)
+    raise WrongType(f"a column is a text such as \"BHID:12\" or a Column, not {column!r}")
 
 
 def read_schema(source: Interface) -> Schema:
@@ -185,8 +195,7 @@ def make_object(schema: Schema, checked: bool = True) -> Interface:
 
 def check(schema: Schema, longest_name: int) -> None:
     """Raises Error, with the column, for what the library would refuse without saying where."""
-    if schema.precision not in _WORDS:
-        raise Error(f'precision is "single" or "double", not {schema.precision!r}')
+    check_precision(schema.precision)
     _check_description(schema.description)
     seen = set()
     for column in schema.columns:
@@ -204,22 +213,37 @@ def check(schema: Schema, longest_name: int) -> None:
         )
 
 
+def check_precision(precision: str) -> None:
+    if precision not in list(_WORDS):
+        raise WrongValue(f'precision is "single" or "double", not {precision!r}')
+
+
 def _column_problem(column: Column, longest_name: int) -> Optional[str]:
     if column.kind not in (NUMBER, TEXT):
         return f'kind is "number" or "text", not {column.kind!r}'
-    if column.kind == NUMBER and isinstance(column.default, str):
+    if column.kind == NUMBER and not _is_number(column.default):
         return f"the default {column.default!r} is no number"
     if column.kind == TEXT:
         default = column.default or ""
         if not isinstance(default, str):
             return f"the default {default!r} is no text"
-        if not 1 <= column.width <= WIDEST_TEXT:
+        if not isinstance(column.width, int) or not 1 <= column.width <= WIDEST_TEXT:
             return f"the width of a text is 1 to {WIDEST_TEXT}, not {column.width}"
         if len(default) > column.width:
             return f"the default {default!r} is longer than {column.width} characters"
         if not in_code_page(default):
             return f"the default {default!r} has a character that is not in Windows-1252"
     return _name_problem(column.name, longest_name)
+
+
+def _is_number(default: Union[float, str, None]) -> bool:
+    if default is None or isinstance(default, str):
+        return default is None
+    try:
+        float(default)
+    except (TypeError, ValueError, OverflowError):
+        return False
+    return True
 
 
 def _name_problem(name: str, longest: int) -> Optional[str]:
@@ -235,6 +259,8 @@ def _name_problem(name: str, longest: int) -> Optional[str]:
 
 
 def _check_description(description: str) -> None:
+    if not isinstance(description, str):
+        raise WrongType(f"a description is a text, not {description!r}")
     if description.startswith("LINK"):
         raise Error("a description that begins with LINK would make the table a link to another file")
     if len(description) > _LONGEST_DESCRIPTION:

@@ -2,20 +2,25 @@
 
 from __future__ import annotations
 
-from typing import Any, List, Sequence, Tuple, Union
+from typing import Any, Iterable, List, Sequence, Tuple, Union
 
 import numpy as np
 
 from ._arrays import Array
-from ._errors import Error
+from ._errors import Error, WrongType
+
+_TRUTH = (bool, np.bool_)
 
 Ascending = Union[bool, Sequence[bool]]
 
 
 def directions(ascending: Ascending, columns: int) -> List[bool]:
-    if isinstance(ascending, bool):
-        return [ascending] * columns
-    found = list(ascending)
+    if isinstance(ascending, _TRUTH):
+        return [bool(ascending)] * columns
+    found: List[Any] = list(ascending) if isinstance(ascending, Iterable) else [ascending]
+    for value in found:
+        if not isinstance(value, _TRUTH):
+            raise WrongType(f"ascending: True, False or one of these for each column, not {value!r}")
     if len(found) != columns:
         raise Error(f"ascending: {len(found)} truth values for {columns} columns")
     return found

@@ -4,6 +4,7 @@ from __future__ import annotations
 
 import contextlib
 import os
+import threading
 import weakref
 from typing import TYPE_CHECKING, Any, Dict, Iterator, List, Optional, Sequence, Union
 
@@ -14,7 +15,7 @@ from ._arrow_import import Stream
 from ._changing import Wanted, add_column, append, sort
 from ._choosing import Choice, Reader
 from ._component import Interface
-from ._errors import Error
+from ._errors import Error, WrongType, WrongValue, whole_number
 from ._filter import passing_rows
 from ._interruption import interruptible
 from ._naming import Key, Keys, is_key, places_of, unique_names
@@ -28,11 +29,14 @@ if TYPE_CHECKING:
 PathLike = Union[str, bytes, "os.PathLike[str]", "os.PathLike[bytes]"]
 
 
-def _close_quietly(handle: Interface) -> None:
+def _close_quietly(handle: Interface, lock: Any) -> None:
     """For a table that nobody has any more, so that nobody is there to hear of a failure."""
-    with contextlib.suppress(Exception):
-        handle.call("Close")
-    handle.release()
+    if not handle.is_of_this_process():
+        return
+    with lock:
+        with contextlib.suppress(Exception):
+            handle.call("Close")
+        handle.release()
 
 
 class Table:
@@ -40,15 +44,18 @@ class Table:
 
     Columns go by name, rows by number from 0. `len(table)` is the number of rows, `for name in table` and
     `name in table` are about columns. Use it in a `with` statement; one that is merely dropped is closed
-    too, but its failures are lost. One thread at a time: different tables may be used by different
-    threads, one table by one. Every method raises `Error`, and so does every use after `close`.
+    too, but its failures are lost. Every method raises `Error`, and so does every use after `close`.
+
+    Several threads may use a table: each call waits for the one before it. A process that is forked off opens
+    its own: there every use of this one raises `Error`, and closing or dropping it does nothing.
     """
 
     def __init__(self, handle: Interface, path: str, mode: str) -> None:
         self._handle: Optional[Interface] = handle
         self._mode = mode
         self._asked = path
-        self._finalizer = weakref.finalize(self, _close_quietly, handle)
+        self._lock = threading.RLock()
+        self._finalizer = weakref.finalize(self, _close_quietly, handle, self._lock)
         self._schema: Optional[Schema] = None
 
     # What it is.
@@ -115,6 +122,8 @@ class Table:
     def __repr__(self) -> str:
         if self._handle is None:
             return f"<ovfile.Table {self._asked!r}, closed>"
+        if not self._handle.is_of_this_process():
+            return f"<ovfile.Table {self._asked!r}, opened in another process>"
         return f"<ovfile.Table {self.path!r}, {len(self)} rows, {len(self.schema)} columns>"
 
     # Reading.
@@ -122,7 +131,8 @@ class Table:
     def __getitem__(self, column: Key) -> Array:
         """One column: float64 or float32 with NaN where numbers are absent, or `str` objects."""
         if not is_key(column):
-            raise TypeError("a column is a name or a number; table.read(columns=[…]) answers several")
+            problem = "a column is a name or a number; table.read(columns=[…]) answers several"
+            raise WrongType(problem, file=self._asked)
         (values,) = self.read(column).values()
         return values
 
@@ -145,7 +155,9 @@ class Table:
                 condition is tested on these alone.
             absent: "nan": absent numbers are NaN; "mask": arrays are masked arrays, absent numbers and
                 blank texts are masked; "value": absent numbers are -1e30 as in the file.
-            widen: single precision as float64, the digits of a decimal kept: 0.1 and not 0.10000000149.
+            widen: single precision as float64, tidied: from 1 on to seven significant digits, below to
+                seven decimals, so that 0.1 is 0.1 and not 0.10000000149. What a number has beyond that is
+                lost: 1.2345678e-05 becomes 1.23e-05.
             keep_blanks: texts keep the blanks that fill them up to the column's width; those of blanks
                 alone do with `absent="value"`, and are empty otherwise.
 
@@ -291,15 +303,27 @@ class Table:
             handle.call("FlushChanges")
 
     def close(self) -> None:
-        """Writes what is not yet written and closes the file; a second time does nothing."""
+        """Writes what is not yet written and closes the file; a second time does nothing.
+
+        In a process that was forked off nothing is written: the table is the first process's to close.
+        """
         handle = self._handle
         if handle is None:
             return
-        with self._about():
-            handle.call("Close")
+        if not handle.is_of_this_process():
+            self._forget()
+            return
+        with self._lock:
+            if self._handle is None:
+                return
+            with self._about():
+                handle.call("Close")
+            self._forget()
+            handle.release()
+
+    def _forget(self) -> None:
         self._handle = None
         self._finalizer.detach()
-        handle.release()
 
     def signature(
         self,
@@ -316,8 +340,11 @@ class Table:
                 library's loose signature, none its tight one.
             digits: digits behind the point that count; -1: six, without zeros at the end.
         """
-        flags = [-int(flag) for flag in (ignore_description, ignore_field_order, ignore_precision)]
+        flags = [-int(bool(flag)) for flag in (ignore_description, ignore_field_order, ignore_precision)]
         with self._about() as handle, interruptible(handle):
+            digits = min(whole_number(digits, "digits"), 2**31 - 1)
+            if digits < -1:
+                raise WrongValue(f"digits: -1 or how many there are, not {digits}")
             return handle.out_text("GetSignature", *flags, digits)
 
     # Arrow.
@@ -356,6 +383,9 @@ class Table:
     def _open_handle(self) -> Interface:
         if self._handle is None:
             raise Error("the table is closed", file=self._asked)
+        if not self._handle.is_of_this_process():
+            problem = "the table was opened in another process; open it here"
+            raise Error(problem, file=self._asked)
         return self._handle
 
     def _about(self) -> "_About":
@@ -366,19 +396,28 @@ class Table:
 
 
 class _About:
-    """The table's object, for a call; errors that come out tell the file."""
+    """The table's object, for a call of one thread; errors that come out tell the file."""
 
     def __init__(self, table: Table, changing: bool) -> None:
         self._table, self._changing = table, changing
 
     def __enter__(self) -> Interface:
-        handle = self._table._open_handle()
-        if self._changing and self._table._mode == "r":
-            raise Error('the table was opened for reading; open it with mode="r+"', file=self._table._asked)
-        return handle
+        # First of all, as another process may have had the lock at the time of the fork.
+        self._table._open_handle()
+        self._table._lock.acquire()
+        try:
+            handle = self._table._open_handle()
+            if self._changing and self._table._mode == "r":
+                problem = 'the table was opened for reading; open it with mode="r+"'
+                raise Error(problem, file=self._table._asked)
+            return handle
+        except BaseException:
+            self._table._lock.release()
+            raise
 
     def __exit__(self, kind: Any, failure: Any, trace: Any) -> None:
         if self._changing:
             self._table._schema = None
+        self._table._lock.release()
         if isinstance(failure, Error) and failure.file is None:
             failure.file = self._table._asked

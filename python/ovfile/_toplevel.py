@@ -8,7 +8,7 @@ from typing import TYPE_CHECKING, Any, Iterable, Mapping, Optional, Union
 from ._changing import rows_of
 from ._columns import is_of_pandas
 from ._component import Interface
-from ._errors import Error
+from ._errors import Error, WrongType, WrongValue
 from ._library import library
 from ._reading import Rows
 from ._schema import Column, Schema, parse_columns
@@ -38,7 +38,7 @@ def open(path: PathLike, mode: str = "r") -> Table:
     """
     if mode not in _MODES:
         hint = "; ovfile.create makes a new table" if mode in ("w", "x", "w+", "x+") else ""
-        raise ValueError(f'mode is "r" or "r+", not {mode!r}{hint}')
+        raise WrongValue(f'mode is "r" or "r+", not {mode!r}{hint}')
     name = _absolute(path)
     handle = library().table()
     _about(name, handle, "Open", name, _MODES[mode])
@@ -159,16 +159,19 @@ def write_pandas(
 ) -> int:
     """Writes a data frame as a table file; see `write`."""
     if not is_of_pandas(df):
-        raise TypeError(f"a data frame, not {type(df).__name__}; ovfile.write takes more")
+        raise WrongType(f"a data frame, not {type(df).__name__}; ovfile.write takes more")
     return write(
         df, path, precision, kinds, implicit=implicit, description=description, schema=schema
     )
 
 
 def _absolute(path: PathLike) -> str:
-    name = os.path.abspath(os.fsdecode(path))
+    try:
+        name = os.path.abspath(os.fsdecode(path))
+    except TypeError:
+        raise WrongType(f"a path is a text or a pathlib.Path, not {path!r}") from None
     if "\0" in name:
-        raise ValueError("a path has no null characters")
+        raise WrongValue("a path has no null characters")
     return name
 
 

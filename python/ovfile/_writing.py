@@ -17,10 +17,10 @@ from ._arrow_import import NUMBERS, Owner, Stream, child_of
 from ._arrow_views import without_views
 from ._columns import Source, batches_of
 from ._component import Interface
-from ._errors import Error, column_error
+from ._errors import Error, WrongType, column_error
 from ._library import library
 from ._reading import streams_of
-from ._schema import NUMBER, TEXT, WORD_CHARACTERS, Column, Schema, make_object
+from ._schema import NUMBER, TEXT, WORD_CHARACTERS, Column, Schema, check_precision, make_object
 
 try:
     import fcntl
@@ -113,7 +113,7 @@ def _wanted(name: str, kinds: Kinds) -> Optional[Column]:
         return said
     if isinstance(said, int):
         return Column.text(name, said)
-    kind, colon, width = said.partition(":")
+    kind, colon, width = said.partition(":") if isinstance(said, str) else ("", "", "")
     if kind == TEXT and (not colon or width.isdecimal()):
         return Column.text(name, int(width or 0))
     if said == NUMBER:
@@ -228,7 +228,13 @@ def planned_schema(
     schema: Optional[Schema],
 ) -> Schema:
     """The schema of a table for the rows: `schema`'s own columns first, then those that it lacks."""
-    given = schema or Schema()
+    given = Schema() if schema is None else schema
+    if not isinstance(given, Schema):
+        raise WrongType(f"schema is a Schema, such as table.schema, not {schema!r}")
+    check_precision(precision or given.precision)
+    for what, argument in (("kinds", kinds), ("implicit", implicit)):
+        if argument is not None and not isinstance(argument, Mapping):
+            raise WrongType(f"{what} is a mapping of names, not {argument!r}")
     known: Dict[str, Union[str, int, Column]] = dict(kinds or {})
     for name in known:
         if name not in rows.names:

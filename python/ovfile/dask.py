@@ -13,7 +13,7 @@ from __future__ import annotations
 
 import glob
 import os
-from typing import Any, Iterable, List, Optional, Sequence, Tuple, Union
+from typing import Any, Iterable, List, Optional, Sequence, Tuple, Union, cast
 
 try:
     import dask.dataframe
@@ -25,7 +25,7 @@ except ImportError as failure:
         f"({failure})"
     ) from failure
 
-from ._errors import Error, column_error
+from ._errors import Error, WrongType, column_error, number_of_rows
 from ._naming import Keys, unique_names
 from ._partitions import Part, PartReader, names_of, plan_file, plan_parts, rows_of_a_part
 from ._schema import NUMBER, TEXT, Schema
@@ -67,8 +67,8 @@ def read_table(
             with the file. When something is computed: a file is gone, was cut, or has changed in size,
             last write, rows or columns since the frame was made.
     """
-    if rows_per_partition is not None and rows_per_partition < 1:
-        raise Error(f"a partition has at least one row, not {rows_per_partition}")
+    if rows_per_partition is not None:
+        rows_per_partition = number_of_rows(rows_per_partition, "a partition")
     paths = _expand(path)
     planned = [plan_file(name) for name in paths]
     files, schemas = [file for file, _ in planned], [schema for _, schema in planned]
@@ -89,12 +89,15 @@ def read_table(
 
 def _expand(path: Paths) -> List[str]:
     """The files that are meant, absolute."""
-    given = [path] if isinstance(path, (str, bytes, os.PathLike)) else list(path)
+    several = isinstance(path, Iterable) and not isinstance(path, (str, bytes))
+    given: List[Any] = list(cast(Iterable[PathLike], path)) if several else [path]
     found: List[str] = []
     for item in given:
-        name = os.path.abspath(os.fsdecode(item))
-        if glob.has_magic(name) and not os.path.lexists(name):
-            matching = sorted(glob.glob(name, recursive=True))
+        given_name = _text_of(item)
+        name = os.path.abspath(given_name)
+        # The pattern is what was given: the folder that one is in may have any name.
+        if glob.has_magic(given_name) and not os.path.lexists(name):
+            matching = sorted(os.path.abspath(match) for match in glob.glob(given_name, recursive=True))
             if not matching:
                 raise Error("no file matches", file=name)
             found += matching
@@ -103,6 +106,13 @@ def _expand(path: Paths) -> List[str]:
     if not found:
         raise Error("there is no file to read")
     return found
+
+
+def _text_of(path: Any) -> str:
+    try:
+        return os.fsdecode(path)
+    except TypeError:
+        raise WrongType(f"a path is a text or a pathlib.Path, not {path!r}") from None
 
 
 def _wanted(path: str, schema: Schema, columns: Keys) -> Tuple[str, ...]:

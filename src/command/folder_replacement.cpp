@@ -25,6 +25,16 @@ std::string without_end_separators(std::string name) {
   return name;
 }
 
+/// Waits until the folder and all in it stand on the disk.
+void sync_content(const std::string& folder, const std::string& shown) {
+  for (const auto& entry : fs::recursive_directory_iterator(path_of_utf8(folder))) {
+    const std::string name = utf8_of_path(entry.path());
+    if (entry.is_regular_file()) sync_file(name, shown);
+    if (entry.is_directory()) sync_folder(name);
+  }
+  sync_folder(folder);
+}
+
 }  // namespace
 
 folder_replacement::folder_replacement(const std::string& target) : target_(without_end_separators(target)) {
@@ -46,15 +56,14 @@ folder_replacement::~folder_replacement() {
 }
 
 void folder_replacement::commit() {
-  for (const auto& entry : fs::recursive_directory_iterator(path_of_utf8(name_))) {
-    if (entry.is_regular_file()) sync_file(utf8_of_path(entry.path()), target_);
-  }
+  sync_content(name_, target_);
   check_free(target_);
   std::error_code error;
   fs::remove(path_of_utf8(target_), error);  // an empty one would be in the way on some systems
   fs::rename(path_of_utf8(name_), path_of_utf8(target_), error);
   if (error) throw failure("cannot write " + target_ + ": " + error.message());
   name_.clear();
+  sync_folder(utf8_of_path(path_of_utf8(target_).parent_path()));
 }
 
 }  // namespace command

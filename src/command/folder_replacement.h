@@ -17,7 +17,7 @@ class folder_replacement {
 
   /// The new folder, for whoever fills it.
   const std::string& name() const noexcept { return name_; }
-  /// Waits until its files stand on the disk and gives it its name. Throws `failure`.
+  /// Waits until all in it stands on the disk, and gives it its name. Throws `failure`.
   void commit();
 
  private:

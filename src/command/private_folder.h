@@ -1,4 +1,5 @@
-// A new folder among the system's temporary files, for this program's user alone, which goes with its content.
+// A new folder among the system's temporary files, for this program's user alone, which goes with its
+// content.
 #pragma once
 
 #include <string>

@@ -55,6 +55,8 @@ std::string last_reason();
 
 /// Waits until what was written to a file stands on the disk. Throws `failure`, which names `shown`.
 void sync_file(const std::string& name, const std::string& shown);
+/// Waits until the names in a folder stand on the disk, where the system can be asked for it.
+void sync_folder(const std::string& name) noexcept;
 /// Puts `from` in the place of `to` in one step and waits until that stands on the disk. Who may do what with
 /// a file that was there is carried over as far as the system lets us, and never more. Throws `failure`,
 /// which names `shown`.

@@ -14,18 +14,6 @@
 #include "raw_file.h"
 
 namespace command {
-namespace {
-
-void sync_folder(const std::string& name) {
-  const std::filesystem::path folder = std::filesystem::path(name).parent_path();
-  const int handle = ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (handle < 0) return;
-  ::fsync(handle);
-  ::close(handle);
-}
-
-}  // namespace
-
 raw_file raw_file::standard_input() { return {0, "standard input"}; }
 raw_file raw_file::standard_output() { return {1, "standard output"}; }
 
@@ -111,13 +99,20 @@ void sync_file(const std::string& name, const std::string& shown) {
   if (!done) throw failure("cannot write " + shown + ": " + reason);
 }
 
+void sync_folder(const std::string& name) noexcept {
+  const int handle = ::open(name.empty() ? "." : name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (handle < 0) return;
+  ::fsync(handle);
+  ::close(handle);
+}
+
 void replace_file(const std::string& from, const std::string& to, const std::string& shown) {
   // Until the table's own objects let go: a program that has the file open may still write to it.
   if (is_in_use(to)) throw failure("cannot replace " + shown + ": it is open in another program");
   if (!carry_rights(to, from)) throw failure("cannot replace " + shown + ": " + last_reason());
   if (::rename(from.c_str(), to.c_str()) != 0)
     throw failure("cannot replace " + shown + ": " + last_reason());
-  sync_folder(to);
+  sync_folder(std::filesystem::path(to).parent_path().string());
 }
 
 bool is_in_use(const std::string& name) noexcept {

@@ -129,6 +129,10 @@ void sync_file(const std::string& name, const std::string& shown) {
   if (!done) throw failure("cannot write " + shown + ": " + reason);
 }
 
+void sync_folder(const std::string&) noexcept {
+  // A folder cannot be flushed here; what renames a file waits by itself.
+}
+
 void replace_file(const std::string& from, const std::string& to, const std::string& shown) {
   if (!MoveFileExW(ovfile::to_wide(from).c_str(), ovfile::to_wide(to).c_str(),
                    MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {

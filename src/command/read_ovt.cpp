@@ -95,13 +95,6 @@ scan_options options_of(const defaults& given, duckdb::bind_info info) {
   return options;
 }
 
-/// SQL takes AU and Au for the same.
-std::vector<std::string> column_names(const table_view& view) {
-  std::vector<std::string> names;
-  for (const field_view& field : view.fields()) names.push_back(field.name);
-  return unique_names(names, letter_case::does_not_count);
-}
-
 void bind(const defaults& given, duckdb::bind_info info) {
   const functions& library = given.library;
   const duckdb_value value(library, library.bind_get_parameter(info, 0));
@@ -114,7 +107,7 @@ void bind(const defaults& given, duckdb::bind_info info) {
                                                                        : duckdb::type_id::double_real));
   const table_view& view = bound->table.view();
   if (view.fields().empty()) throw failure(file + " has no columns");
-  const std::vector<std::string> names = column_names(view);
+  const std::vector<std::string> names = sql_names(view.fields());
   for (std::size_t i = 0; i < names.size(); ++i) {
     const bool is_text = view.fields()[i].is_text;
     library.bind_add_result_column(info, names[i].c_str(), is_text ? text.get() : number.get());
@@ -205,6 +198,13 @@ void replace_name(duckdb::scan_info info, const char* name, void*) {
 }
 
 }  // namespace
+
+std::vector<std::string> sql_names(const std::vector<field_view>& fields) {
+  std::vector<std::string> names;
+  names.reserve(fields.size());
+  for (const field_view& field : fields) names.push_back(field.name);
+  return unique_names(names, letter_case::does_not_count);
+}
 
 void define_read_ovt(const functions& library, duckdb::database database, duckdb::connection connection,
                      absent_value absent) {

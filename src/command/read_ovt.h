@@ -5,11 +5,18 @@
 // columns that the query needs alone. Where a query keeps the order of rows, the rows come in the table's.
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include "duckdb_abi.h"
+#include "field_view.h"
 
 namespace command {
 
 enum class absent_value;
+
+/// What SQL, and so the files that it makes, call these fields: they take AU and Au for the same.
+std::vector<std::string> sql_names(const std::vector<field_view>& fields);
 
 /// Makes both known to a database. `absent` is what stands where a call does not say it. Throws `failure`.
 void define_read_ovt(const duckdb::functions& library, duckdb::database database,

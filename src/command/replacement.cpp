@@ -7,23 +7,17 @@
 
 #include "failure.h"
 #include "raw_file.h"
+#include "utf8_path.h"
 
 namespace command {
 namespace {
 
 namespace fs = std::filesystem;
 
-fs::path path_of(const std::string& utf8) { return {std::u8string(utf8.begin(), utf8.end())}; }
-
-std::string utf8_of(const fs::path& path) {
-  const std::u8string text = path.u8string();
-  return {text.begin(), text.end()};
-}
-
 /// Where the new file shall end up.
 std::string resolve(const std::string& target) {
   std::error_code error;
-  const fs::path path = path_of(target);
+  const fs::path path = path_of_utf8(target);
   if (target.empty()) throw failure("the name of the file to write is empty");
   const fs::file_status kind = fs::status(path, error);
   if (fs::exists(kind) && !fs::is_regular_file(kind)) {
@@ -32,7 +26,7 @@ std::string resolve(const std::string& target) {
   if (!fs::is_symlink(fs::symlink_status(path, error))) return target;
   const fs::path end = fs::canonical(path, error);
   if (error) throw failure("cannot write " + target + ": " + error.message());
-  return utf8_of(end);
+  return utf8_of_path(end);
 }
 
 /// Makes the file under the first name that is free. What takes another file's place may hold what few
@@ -41,11 +35,11 @@ std::string make_beside(const std::string& target, const std::string& shown) {
   // Told at once, not when the work is done.
   if (is_in_use(target)) throw failure("cannot replace " + shown + ": it is open in another program");
   std::error_code error;
-  const bool replaces = fs::exists(path_of(target), error);
-  const fs::path folder = path_of(target).parent_path();
+  const bool replaces = fs::exists(path_of_utf8(target), error);
+  const fs::path folder = path_of_utf8(target).parent_path();
   for (int number = 0;; ++number) {
     const std::string leaf = ".NEW" + std::to_string(process_number()) + "-" + std::to_string(number);
-    std::string name = utf8_of(folder / path_of(leaf));
+    std::string name = utf8_of_path(folder / path_of_utf8(leaf));
     bool taken = false;
     try {
       raw_file::make_new(name, replaces, taken).close();
@@ -87,7 +81,7 @@ bool is_named_as_csv(const std::string& name) { return ends_in(name, ".csv"); }
 
 bool same_file(const std::string& left, const std::string& right) {
   std::error_code error;
-  return fs::equivalent(path_of(left), path_of(right), error) && !error;
+  return fs::equivalent(path_of_utf8(left), path_of_utf8(right), error) && !error;
 }
 
 }  // namespace command

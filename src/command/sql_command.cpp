@@ -1,6 +1,7 @@
 // ovfile sql: a question to tables, in SQL.
 #include <memory>
 #include <optional>
+#include <utility>
 
 #include "commands.h"
 #include "failure.h"
@@ -67,12 +68,13 @@ void write_to_parquet(sql_database& database, const sql_request& request, const 
 
 void write_text(sql_database& database, const sql_request& request, const std::string& statement) {
   const std::string form = form_of(request);
-  sql_rows rows(database, statement, form == "json");
+  std::optional<sql_rows> rows(std::in_place, database, statement, form == "json");
   text_output output(request.output);
   const row_format format = form == "csv"    ? row_format::csv
                             : form == "json" ? row_format::json
                                              : row_format::table;
-  write_rows(rows, format, request.options.shown_absent(), output);
+  write_rows(*rows, format, request.options.shown_absent(), output);
+  rows.reset();  // the file may be one that it holds open
   output.finish();
 }
 

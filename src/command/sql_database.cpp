@@ -24,8 +24,8 @@ std::string quoted(std::string_view text, char quote) {
   return out += quote;
 }
 
-/// Passes a request to stop on to a connection, whose calls know nothing of signals. It looks now and then and
-/// sleeps: waits that a wake-up ends early have been seen to last for ever on one system.
+/// Passes a request to stop on to a connection, whose calls know nothing of signals. It looks now and then
+/// and sleeps: waits that a wake-up ends early have been seen to last for ever on one system.
 class stop_watch {
  public:
   stop_watch(const duckdb::functions& library, duckdb::connection connection)

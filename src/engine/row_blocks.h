@@ -73,6 +73,9 @@ struct added_rows {
   std::size_t whole_pages = 0;   ///< of them
   bool are_written = false;      ///< some are in the file
   std::uint64_t file_bytes = 0;  ///< the file's size before
+  // What its size can be by now: after a write that failed, anything in between.
+  std::uint64_t least_bytes = 0;
+  std::uint64_t most_bytes = 0;
 };
 
 }  // namespace ovf

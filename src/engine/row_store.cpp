@@ -24,6 +24,7 @@ row_store<Precision>::row_store(std::unique_ptr<file> opened, wide path, bool re
       records_(*file_, !read_only, fields_.record_words()) {
   header_.before_write([this] { records_.flush(); });
   read_counts();
+  note_file();
 }
 
 template <class Precision>

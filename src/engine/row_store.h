@@ -66,6 +66,9 @@ class row_store {
   void put_rows(std::uint64_t rows, const record_writer& fill);
   void commit_rows();
   void give_up_rows() noexcept;
+  /// Throws MyExceptionClass where somebody else has changed the counts or the size of the file since it was
+  /// last read or written here, or put another file in its place.
+  void require_known_file();
   /// Which part of the file is in memory: located records are where they were as long as it stays.
   std::uint64_t held_segment() const noexcept { return records_.segment(); }
   table_version version() const noexcept { return version_; }
@@ -108,6 +111,11 @@ class row_store {
   void write_rest(added_rows& of);
   void require_written(std::uint64_t page, std::span<const std::byte> bytes);
   void cut_spare_bytes(std::uint64_t page);
+  void note_file() noexcept;
+  bool is_own_file() const noexcept;
+  bool has_own_size() noexcept;
+  bool has_known_size(const added_rows& of) noexcept;
+  bool has_known_begun_page(const added_rows& of);
   void count_rows(std::uint64_t rows);
   void fill_with_defaults(std::byte* record) const;
 
@@ -138,6 +146,7 @@ class row_store {
   std::uint64_t row_count_ = 0;
   table_version version_{new_table_number(), 0};
   std::optional<added_rows> added_;
+  std::optional<file_stamp> noted_;  ///< which file it is, and a size that it has reached
 };
 
 }  // namespace ovf

@@ -81,9 +81,12 @@ template <class Precision>
 void row_store<Precision>::begin_rows() {
   if (records_per_page_ == 0) throw MyExceptionClass(wide(nothing_stored));
   give_up_rows();
+  require_known_file();
   records_.flush();
   added_rows made;
   made.file_bytes = file_bytes();
+  made.least_bytes = made.file_bytes;
+  made.most_bytes = made.file_bytes;
   made.first_page = counts_.header_pages + row_count_ / records_per_page_;
   made.records = static_cast<std::size_t>(row_count_ % records_per_page_);
   made.record.resize(record_bytes());
@@ -159,8 +162,11 @@ void row_store<Precision>::end_page(added_rows& of) {
 template <class Precision>
 void row_store<Precision>::write_pages(added_rows& of, std::size_t pages) {
   if (pages == 0) return;
+  require_known_file();
   of.are_written = true;
+  of.most_bytes = std::max(of.most_bytes, (of.first_page + pages) * Precision::page_bytes);
   require_written(of.first_page, std::span(of.pages).first(pages * Precision::page_bytes));
+  of.least_bytes = of.most_bytes;
   of.first_page += pages;
   of.whole_pages = 0;
 }
@@ -198,8 +204,10 @@ void row_store<Precision>::commit_rows() {
   added_rows& all = added();
   if (all.rows != 0) {
     header_.get(format::pages_word);  // what follows the writing needs no more of the file
+    require_known_file();
     write_rest(all);
     count_rows(row_count_ + all.rows);
+    note_file();
   }
   added_.reset();
 }
@@ -221,6 +229,8 @@ void row_store<Precision>::give_up_rows() noexcept {
   const added_rows lost = *std::exchange(added_, std::nullopt);
   if (!lost.are_written && !lost.begun.is_written) return;
   ++version_.changes;  // the file is not the one that was last looked at
+  // What somebody else has counted meanwhile may stand where the lost rows do.
+  if (!header_.counts_are_known() || !is_own_file() || !has_known_size(lost)) return;
   if (lost.begun.is_written) {
     (void)write_at(*file_, lost.begun.index * Precision::page_bytes, lost.begun.before);
   }

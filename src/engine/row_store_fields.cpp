@@ -183,6 +183,7 @@ void row_store<Precision>::replace_header(const header_image<Precision>& header)
   if (done || file_.get() != before) {
     header_.turn_to(*file_);
     records_.turn_to(*file_);
+    note_file();
   }
   if (!done) fail_no_copy();
 }

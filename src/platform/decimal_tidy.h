@@ -16,8 +16,8 @@ inline float rounded_product(float scale, float value) noexcept {
   }
 }
 
-/// The float as a double rounded to seven significant decimal digits. Magnitudes of 100,000 and more,
-/// infinities and NaN are widened unchanged.
+/// The float as a double rounded to seven significant decimal digits; below 1, where the zeros behind the
+/// point count, to seven decimals. Magnitudes of 100,000 and more, infinities and NaN are widened unchanged.
 inline double tidied(float value) noexcept {
   const float magnitude = value < 0.0F ? -value : value;
   if (magnitude == 0.0F) return 0.0;

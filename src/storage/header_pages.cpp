@@ -1,5 +1,7 @@
 #include "storage/header_pages.h"
 
+#include <cstring>
+
 namespace ovf {
 
 template <class Precision>
@@ -41,6 +43,29 @@ void header_pages<Precision>::flush() {
   if (!map_.dirty()) return;
   if (before_write_) before_write_();
   map_.flush();
+  if (map_.segment() == 0) note_counts();
+}
+
+template <class Precision>
+void header_pages<Precision>::turn_to(file& target) noexcept {
+  file_ = &target;
+  counts_.reset();
+  map_.turn_to(target);
+}
+
+template <class Precision>
+void header_pages<Precision>::note_counts() noexcept {
+  static_assert(format::last_records_word == format::pages_word + 1);
+  std::memcpy(counts_.emplace().data(), map_.data() + counts_at, sizeof(count_bytes));
+}
+
+template <class Precision>
+bool header_pages<Precision>::counts_are_known() noexcept {
+  if (!counts_) return true;
+  count_bytes now{};
+  std::size_t done = 0;
+  return file_->seek(counts_at, seek_origin::begin) && file_->read(now, done) && done == now.size() &&
+         now == *counts_;
 }
 
 template <class Precision>
@@ -48,6 +73,8 @@ std::byte* header_pages<Precision>::page(std::uint64_t index) {
   if (map_.segment() != index) {
     flush();
     map_.load(index, {Precision::page_bytes, Precision::page_bytes}, Precision::page_bytes, 0);
+    // The first reading counts: a later one may find what others have written since.
+    if (index == 0 && !counts_) note_counts();
   }
   return map_.data();
 }

@@ -1,12 +1,15 @@
 // The header of an open table, one page of it in memory at a time.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "storage/dictionary_entry.h"
+#include "storage/format.h"
 #include "storage/segment_map.h"
 
 namespace ovf {
@@ -16,7 +19,8 @@ class header_pages {
  public:
   using number = typename Precision::number;
 
-  header_pages(file& target, bool may_write, byte_order order) : order_(order), map_(&target, may_write) {}
+  header_pages(file& target, bool may_write, byte_order order)
+      : order_(order), file_(&target), map_(&target, may_write) {}
 
   /// Runs before a header page is written: the header must never promise rows that are not in the file.
   void before_write(std::function<void()> action) { before_write_ = std::move(action); }
@@ -39,13 +43,23 @@ class header_pages {
   /// Drops the page in memory with its changes.
   void forget() noexcept { map_.forget(); }
   /// Goes on with another open file, which nothing was read from yet.
-  void turn_to(file& target) noexcept { map_.turn_to(target); }
+  void turn_to(file& target) noexcept;
+  /// Whether the file's counts of pages and rows are those that were last read or written here. False too
+  /// where they cannot be read.
+  bool counts_are_known() noexcept;
   byte_order order() const noexcept { return order_; }
 
  private:
+  /// Both words of the counts, as the file has them.
+  using count_bytes = std::array<std::byte, 2 * Precision::word_bytes>;
+  static constexpr std::size_t counts_at = format::pages_word * Precision::word_bytes;
+
   std::byte* page(std::uint64_t index);
+  void note_counts() noexcept;
 
   byte_order order_;
+  file* file_;
+  std::optional<count_bytes> counts_;
   std::function<void()> before_write_;
   fileSegmentMap<Precision::page_bytes> map_;
 };

@@ -1,5 +1,7 @@
+#include <bit>
 #include <cmath>
 #include <functional>
+#include <limits>
 #include <type_traits>
 
 #include "engine/values.h"
@@ -12,6 +14,7 @@ namespace ovf {
 namespace {
 
 constexpr wide_view beyond_range = OLESTR("the number is beyond what the column can hold");
+constexpr wide_view too_many_digits = OLESTR("the integer has more digits than the column can hold");
 constexpr wide_view not_the_constant =
     OLESTR("the column is implicit, and the value is another one than its default");
 
@@ -52,6 +55,25 @@ template <class Precision, class Value>
 bool fits(Value value) noexcept {
   if constexpr (!Precision::is_double && std::is_same_v<Value, double>) {
     return std::isnan(value) || !std::isinf(number_from<single_precision>(value));
+  } else {
+    return true;
+  }
+}
+
+/// Whether a number of so many binary digits is the integer itself.
+template <class Integer>
+bool holds_exactly(int digits, Integer value) noexcept {
+  const auto bits = static_cast<std::uint64_t>(value);
+  const std::uint64_t magnitude = value < 0 ? 0 - bits : bits;
+  return magnitude == 0 || 64 - std::countl_zero(magnitude) - std::countr_zero(magnitude) <= digits;
+}
+
+/// Whether the precision has every digit of the value. Floats are rounded to it.
+template <class Precision, class Value>
+bool is_exact(Value value) noexcept {
+  constexpr int digits = std::numeric_limits<typename Precision::number>::digits;
+  if constexpr (std::is_integral_v<Value> && std::numeric_limits<Value>::digits > digits) {
+    return holds_exactly(digits, value);
   } else {
     return true;
   }
@@ -128,6 +150,7 @@ class writer_of final : public number_writer<Precision> {
     }
     const auto given = as_given<Precision>(value_at<Value>(from.values, place));
     if (!fits<Precision>(given)) throw bad_value{row, wide(beyond_range)};
+    if (!is_exact<Precision>(given)) throw bad_value{row, wide(too_many_digits)};
     this->put_number(row, record, static_cast<number>(given), static_cast<double>(given));
   }
 };

@@ -11,6 +11,8 @@ constexpr std::uint64_t nobody_knows = 0;
 constexpr wide_view append_read_only = OLESTR("Append failed, file is open in read-only mode");
 constexpr wide_view append_in_append =
     OLESTR("Append failed, rows of another stream are being appended to this table");
+constexpr wide_view append_changed =
+    OLESTR("Append failed, another program has changed the table's file meanwhile");
 constexpr wide_view stopped = OLESTR("Append failed, it was stopped");
 constexpr wide_view no_stream = OLESTR("Append failed, the stream was released before");
 
@@ -57,6 +59,7 @@ HRESULT COvTable::Append(ArrowArrayStream* pStream, LONG* pRows) {
     (void)core_.opened();
     // The rows of both would go to the same place.
     if (is_appending_) return report(*this, append_in_append);
+    if (core_.was_changed_elsewhere()) return report(*this, append_changed);
     try {
       *pRows = append_rows(*from.get());
       return S_OK;

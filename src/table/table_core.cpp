@@ -51,6 +51,12 @@ std::optional<file_stamp> table_core::stamp() {
   return stamp_;
 }
 
+bool table_core::was_changed_elsewhere() const {
+  if (!stamp_ || opened().version() != stamped_) return false;
+  file_stamp now;
+  return files().stamp(path_, now) && now != stamp_;
+}
+
 HRESULT table_core::hold(std::unique_ptr<table> found) {
   ovfile::pointer<IOvSchema> filled = new_schema();
   const HRESULT status = fill_schema(*filled.get(), *found);

@@ -47,6 +47,9 @@ class table_core {
   /// What the open table's file was like when this object knew all of it: when it was opened, or where the
   /// object has changed it since, now. Writes what is still in memory. Nothing when the system does not tell.
   std::optional<file_stamp> stamp();
+  /// Whether the open table's file is not what it was when it was opened, while this object has changed
+  /// nothing. False where it has, or the system did not tell: then the engine's own check is all there is.
+  bool was_changed_elsewhere() const;
   /// The absolute path of the open table's file, whatever `name` and the current folder have become.
   const wide& path() const noexcept { return path_; }
 

@@ -28,7 +28,61 @@ TEST_F(parquet_partition_test, each_value_has_its_folder) {
 TEST_F(parquet_partition_test, one_of_the_folders_comes_back_by_itself) {
   make_table("ZONE,BENCH,AU\nx,100,1\nx,110,2\ny,100,3\n");
   run_quietly({"export", "t.ovt", "out", "--partition-by", "BENCH,ZONE"});
-  EXPECT_EQ(back("out/BENCH=100.0"), "ZONE,BENCH,AU\nx,100,1\ny,100,3\n");
+  EXPECT_EQ(back("out/BENCH=100.0"), "ZONE,AU\nx,1\ny,3\n");
+  EXPECT_EQ(back("out/BENCH=100.0/ZONE=x"), "AU\n1\n");
+  EXPECT_EQ(back("out/BENCH=100.0/ZONE=x/data_0.parquet"), "AU\n1\n");
+}
+
+TEST_F(parquet_partition_test, folders_above_what_was_named_have_no_columns) {
+  fs::create_directories(folder() / path_of("CU=1/AU=é/in/ZONE=a%20b"));
+  make_table("CU,A\n7,1\n8,2\n");
+  run_quietly({"export", "t.ovt", "CU=1/a.parquet"});
+  EXPECT_EQ(back("CU=1/a.parquet"), "CU,A\n7,1\n8,2\n");
+  fs::rename(folder() / "CU=1" / "a.parquet", folder() / path_of("CU=1/AU=é/in/ZONE=a%20b/a.parquet"));
+  for (const char* name : {"CU=1/AU=é/in", "CU=1/AU=é/in/", "./CU=1//AU=é/in"}) {
+    EXPECT_EQ(back(name), "CU,A,ZONE\n7,1,a b\n8,2,a b\n") << name;
+  }
+}
+
+TEST_F(parquet_partition_test, a_column_in_files_and_folders_has_the_same_values_in_both) {
+  fs::create_directories(folder() / "in" / "CU=1" / "T=x");
+  fs::create_directories(folder() / "in" / "CU=2.5" / "T=__HIVE_DEFAULT_PARTITION__");
+  make_parquet("in/CU=1/T=x/a.parquet", "select 1::double cu, 'x' T, 3 A");
+  make_parquet("in/CU=2.5/T=__HIVE_DEFAULT_PARTITION__/a.parquet",
+               "select 2.5::double cu, null::varchar T, 4 A");
+  EXPECT_EQ(back("in"), "cu,T,A\n1,x,3\n2.5,,4\n");
+  make_parquet("in/CU=2.5/T=__HIVE_DEFAULT_PARTITION__/a.parquet", "select 2.5::double cu, 'y' T, 4 A");
+  expect_failure({"import", "in", "new.ovt"},
+                 "cannot read in: column T has other values in the files than in the names of their folders");
+  make_parquet("in/CU=2.5/T=__HIVE_DEFAULT_PARTITION__/a.parquet",
+               "select 2::double cu, null::varchar T, 4 A");
+  expect_failure(
+      {"import", "in", "new.ovt"},
+      "cannot read in: column CU has other values in the files than in the names of their folders");
+  EXPECT_EQ(files(), (names{"back.ovt", "in"}));
+}
+
+TEST_F(parquet_partition_test, folders_that_do_not_go_together_are_told) {
+  fs::create_directories(folder() / "in" / "A=1" / "B=x");
+  fs::create_directories(folder() / "in" / "A=2" / "C=x");
+  make_parquet("in/A=1/B=x/1.parquet", "select 1 N");
+  make_parquet("in/A=2/C=x/2.parquet", "select 2 N");
+  const std::string line = run({"import", "in", "new.ovt"}).error;
+  EXPECT_THAT(line, testing::StartsWith("ovfile: cannot read in: the folders of A=1"));
+  EXPECT_THAT(line, testing::EndsWith("2.parquet have different columns\n"));
+  fs::remove_all(folder() / "in" / "A=2");
+  fs::create_directories(folder() / "in" / "A=1" / "B=x" / "a=3");
+  fs::rename(folder() / "in/A=1/B=x/1.parquet", folder() / "in/A=1/B=x/a=3/1.parquet");
+  EXPECT_THAT(run({"import", "in", "new.ovt"}).error, testing::EndsWith("1.parquet have a column twice\n"));
+  EXPECT_EQ(files(), names{"in"});
+}
+
+TEST_F(parquet_partition_test, other_folders_may_stand_between) {
+  fs::create_directories(folder() / "in" / "deep" / "N=1");
+  fs::create_directories(folder() / "in" / "N=2" / "a=b=c");
+  make_parquet("in/deep/N=1/1.parquet", "select 1 A");
+  make_parquet("in/N=2/a=b=c/1.parquet", "select 2 A");
+  EXPECT_EQ(back("in"), "A,N\n1,1\n2,2\n");
 }
 
 TEST_F(parquet_partition_test, texts_that_no_folder_may_be_called_come_back) {
@@ -94,12 +148,28 @@ TEST_F(parquet_partition_test, a_text_that_would_mean_no_value_is_refused) {
 }
 
 TEST_F(parquet_partition_test, a_text_too_long_for_a_folder_leaves_nothing) {
-  make_table("T,A\n" + std::string(300, 'x') + ",1\n");
-  const ovtest::process_result result = run({"export", "t.ovt", "out", "--partition-by", "T"});
-  EXPECT_EQ(result.status, 1);
-  EXPECT_THAT(result.error, testing::StartsWith("ovfile: cannot write out: IO Error: "));
-  EXPECT_EQ(result.error.find(".NEW"), std::string::npos) << result.error;
+  make_table("T,A\n" + std::string(254, 'x') + ",1\n");
+  expect_failure({"export", "t.ovt", "out", "--partition-by", "T"},
+                 "t.ovt: column T has the text " + std::string(40, 'x') +
+                     "..., which is too long for the name of a folder");
   EXPECT_EQ(files(), (names{"in.csv", "t.ovt"}));
+}
+
+TEST_F(parquet_partition_test, a_text_just_short_enough_for_a_folder_comes_back) {
+  const std::string csv = "T,A\n" + std::string(150, 'x') + ",1\n";
+  make_table(csv);
+  run_quietly({"export", "t.ovt", "out", "--partition-by", "T"});
+  EXPECT_EQ(back("out"), csv);
+}
+
+TEST_F(parquet_partition_test, texts_that_differ_by_case_alone_are_refused_where_they_share_a_folder) {
+  make_table("P,T,A\n1,Ab,1\n1,x,2\n2,aB,3\n2,é,4\n2,É,5\n");
+  expect_failure({"export", "t.ovt", "out", "--partition-by", "T"},
+                 "t.ovt: column T has the texts Ab and aB, whose folders would be one where the case of "
+                 "letters does not count");
+  EXPECT_EQ(files(), (names{"in.csv", "t.ovt"}));
+  run_quietly({"export", "t.ovt", "out", "--partition-by", "P,T"});
+  EXPECT_EQ(back("out"), "P,T,A\n1,Ab,1\n1,x,2\n2,aB,3\n2,É,5\n2,é,4\n");
 }
 
 TEST_F(parquet_partition_test, a_folder_that_holds_something_is_left_alone) {
@@ -125,6 +195,7 @@ TEST_F(parquet_partition_test, columns_that_make_no_sense_are_wrong_usage) {
                      "--partition-by: no column would be left for the files");
   expect_wrong_usage({"export", "t.ovt", "out", "--partition-by", "T", "--columns", "A"},
                      "--partition-by T: --columns leaves this column out");
+  expect_wrong_usage({"export", "t.ovt", "out", "--partition-by", "T,T"}, "--partition-by names T twice");
   expect_wrong_usage({"export", "t.ovt", "-", "--partition-by", "T"}, "--partition-by needs a folder's name");
   expect_failure({"export", "t.ovt", "out", "--partition-by", "B"},
                  "t.ovt has no column B; its columns are T, A");

@@ -18,7 +18,7 @@ TEST_F(sql_failures_test, without_the_library_the_command_tells_where_it_comes_f
 
 TEST_F(sql_failures_test, arguments_that_make_no_sense) {
   expect_wrong_usage({"sql"}, "statement is required (see --help)");
-  for (const char* nothing : {"", ";", "-- a comment", "/* a comment */;"}) {
+  for (const char* nothing : {" ", ";", "-- a comment", "/* a comment */;"}) {
     expect_wrong_usage({"sql", nothing}, "there is no statement");
   }
   expect_wrong_usage({"sql", "select 1", "-o", "parquet"}, "-o parquet needs --output FILE");

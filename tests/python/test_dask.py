@@ -282,6 +282,9 @@ def test_columns_that_differ_and_are_not_asked_for(here):
         ({"path": "a.ovt", "columns": ["cu"]}, "there is no such column; is it CU"),
         ({"path": "a.ovt", "columns": ["CU", "CU"]}, "CU is asked for twice"),
         ({"path": "a.ovt", "rows_per_partition": 0}, "at least one row"),
+        ({"path": "a.ovt", "rows_per_partition": "64MB"}, "rows of a partition: a whole number, not '64MB'"),
+        ({"path": "a.ovt", "rows_per_partition": 1.5}, "rows of a partition: a whole number, not 1.5"),
+        ({"path": 5}, "a path is a text"),
     ],
 )
 def test_bad_arguments(three, here, arguments, words):
@@ -327,6 +330,14 @@ def keep_times(change):
     return changed
 
 
+@keep_times
+def put_a_copy_there(path):
+    """A file that is the same in everything but that it is another one."""
+    copy = path.with_name("copy.tmp")
+    copy.write_bytes(path.read_bytes())
+    os.replace(copy, path)
+
+
 CHANGES = {
     "missing": (os.unlink, "the file was there when the frame was made; now: No such file"),
     "cut": (cut, "the file has changed since the frame was made .* bytes instead of"),
@@ -347,6 +358,7 @@ CHANGES = {
         ),
         "the file has changed .*other columns",
     ),
+    "another file": (put_a_copy_there, "the file has changed .*it is another file"),
     "no table": (lambda path: path.write_bytes(bytes(path.stat().st_size)), "it was written to"),
 }
 
@@ -402,3 +414,41 @@ def test_without_dask(tmp_path):
     command = [sys.executable, "-c", program]
     found = subprocess.run(command, env=environment, capture_output=True, text=True, timeout=LONGEST)
     assert found.stdout.startswith("ovfile.dask needs Dask") and "python3-dask" in found.stdout, found
+
+
+def test_files_on_another_machine_have_other_numbers(three, monkeypatch):
+    """There only what the file holds, its size and its times count."""
+    import platform
+
+    frame = ovfile.dask.read_table("?.ovt", columns=["N"])
+    expected = frame["N"].sum().compute()
+    monkeypatch.setattr(platform, "node", lambda: "another")
+    monkeypatch.setattr(os, "stat", _numbered_otherwise(os.stat))
+    assert frame["N"].sum().compute() == expected
+
+
+def _numbered_otherwise(stat):
+    def found(*arguments, **named):
+        true = stat(*arguments, **named)
+        return os.stat_result((true[0], true[1] + 1, true[2] + 1, *true[3:]), _named(true))
+
+    return found
+
+
+def _named(found):
+    return {name: getattr(found, name) for name in dir(found) if name.startswith("st_")}
+
+
+def test_a_pattern_in_a_folder_whose_name_looks_like_one(tmp_path, monkeypatch):
+    folder = tmp_path / "x[1]"
+    folder.mkdir()
+    (tmp_path / "x1").mkdir()
+    for number in (1, 2):
+        ovfile.write({"N": [number]}, folder / f"{number}.ovt")
+    ovfile.write({"N": [3]}, tmp_path / "x1" / "3.ovt")
+    monkeypatch.chdir(folder)
+    assert ovfile.dask.read_table("*.ovt")["N"].compute().tolist() == [1, 2]
+    assert ovfile.dask.read_table(["2.ovt", "1.*"])["N"].compute().tolist() == [2, 1]
+    assert ovfile.dask.read_table(str(folder / "2.ovt"))["N"].compute().tolist() == [2]
+    with pytest.raises(ovfile.Error, match="no file matches"):
+        ovfile.dask.read_table("none*.ovt")

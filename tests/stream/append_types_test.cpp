@@ -21,13 +21,15 @@ class StreamAppendTypes : public StreamHost {
     EXPECT_EQ(append_batch({std::move(column)}), S_OK) << take_error_text();
     return read().cells[0];
   }
+  /// The ends of types that have no more digits than the table.
   template <class Value>
-  void expect_ends(const char* format) {
+  void expect_ends(const char* format, bool in_single) {
     using limits = std::numeric_limits<Value>;
     const auto column = numbers<Value>("", format, {limits::lowest(), Value{7}, limits::max()});
     EXPECT_EQ(depths_of(column),
               (doubles({static_cast<double>(limits::lowest()), 7, static_cast<double>(limits::max())})))
         << format;
+    if (!in_single) return;
     EXPECT_EQ(depths_of(column, false)[2], float_cell(static_cast<float>(limits::max()))) << format;
   }
   static std::vector<read_cell> doubles(const std::vector<double>& values) {
@@ -43,20 +45,45 @@ class StreamAppendTypes : public StreamHost {
 };
 
 TEST_F(StreamAppendTypes, IntegersOfEveryWidth) {
-  expect_ends<std::int8_t>("c");
-  expect_ends<std::uint8_t>("C");
-  expect_ends<std::int16_t>("s");
-  expect_ends<std::uint16_t>("S");
-  expect_ends<std::int32_t>("i");
-  expect_ends<std::uint32_t>("I");
-  expect_ends<std::int64_t>("l");
-  expect_ends<std::uint64_t>("L");
+  expect_ends<std::int8_t>("c", true);
+  expect_ends<std::uint8_t>("C", true);
+  expect_ends<std::int16_t>("s", true);
+  expect_ends<std::uint16_t>("S", true);
+  expect_ends<std::int32_t>("i", false);
+  expect_ends<std::uint32_t>("I", false);
 }
 
-TEST_F(StreamAppendTypes, IntegersAreRoundedOnce) {
-  const auto column = numbers<std::int64_t>("", "l", {9007199254740993, 16777217});
-  EXPECT_EQ(depths_of(column), doubles({9007199254740992.0, 16777217.0}));
-  EXPECT_EQ(depths_of(column, false)[1], float_cell(16777216.0F));
+TEST_F(StreamAppendTypes, LargeIntegersThatHaveFewDigits) {
+  const auto column =
+      numbers<std::int64_t>("", "l", {std::numeric_limits<std::int64_t>::min(), 1LL << 62, 9007199254740994});
+  EXPECT_EQ(depths_of(column), doubles({-9223372036854775808.0, 4611686018427387904.0, 9007199254740994.0}));
+  const auto unsigned_ones = numbers<std::uint64_t>("", "L", {1ULL << 63, 0, 0xFFFFFFFFFFFFF800});
+  EXPECT_EQ(depths_of(unsigned_ones), doubles({9223372036854775808.0, 0, 18446744073709549568.0}));
+  const auto lowest = std::numeric_limits<std::int32_t>::min();
+  const auto narrow = numbers<std::int32_t>("", "i", {lowest, 16777216, 16777218, -2147483520});
+  const std::vector<read_cell> cells = depths_of(narrow, false);
+  EXPECT_EQ(cells[0], float_cell(-2147483648.0F));
+  EXPECT_EQ(cells[1], float_cell(16777216.0F));
+  EXPECT_EQ(cells[2], float_cell(16777218.0F));
+  EXPECT_EQ(cells[3], float_cell(-2147483520.0F));
+}
+
+TEST_F(StreamAppendTypes, IntegersWithMoreDigitsThanTheTableAreRefused) {
+  const std::string words =
+      "Append failed, column DEPTH, row 2: the integer has more digits than the column can hold";
+  make_holes(2);
+  for (const std::int64_t value :
+       std::initializer_list<std::int64_t>{9007199254740993, -9007199254740993, 9223372036854775807}) {
+    expect_refused({numbers<std::int64_t>("DEPTH", "l", {9007199254740992, value})}, words);
+  }
+  expect_refused({numbers<std::uint64_t>("DEPTH", "L", {1, 18446744073709551615U})}, words);
+  make_holes(2, false, "single.ovt");
+  expect_refused({numbers<std::int32_t>("DEPTH", "i", {16777216, 16777217})}, words);
+  expect_refused({numbers<std::int32_t>("DEPTH", "i", {16777216, -16777217})}, words);
+  expect_refused({numbers<std::uint32_t>("DEPTH", "I", {16777216, 4294967295})}, words);
+  expect_refused({numbers<std::int64_t>("DEPTH", "l", {16777216, 16777217})}, words);
+  const auto indexes = numbers<std::int32_t>("DEPTH", "i", {0, 1});
+  expect_refused({with_dictionary(indexes, numbers<std::int32_t>("", "i", {1, 16777217}))}, words);
 }
 
 TEST_F(StreamAppendTypes, FloatsKeepTheirDecimalDigitsInDoubles) {

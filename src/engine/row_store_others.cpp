@@ -1,0 +1,61 @@
+// What other programs do to the file of an open table, as far as rows could be lost by it.
+#include <algorithm>
+
+#include "engine/row_store.h"
+#include "storage/file_error.h"
+
+namespace ovf {
+namespace {
+
+constexpr wide_view changed_meanwhile =
+    OLESTR("Append failed, another program has changed the table's file meanwhile");
+
+}  // namespace
+
+template <class Precision>
+void row_store<Precision>::note_file() noexcept {
+  file_stamp now;
+  noted_ = files().stamp(path_, now) ? std::optional(now) : std::nullopt;
+}
+
+template <class Precision>
+void row_store<Precision>::require_known_file() {
+  const bool is_known = header_.counts_are_known() && is_own_file() &&
+                        (added_ ? has_known_size(*added_) && has_known_begun_page(*added_) : has_own_size());
+  if (!is_known) throw MyExceptionClass(wide(changed_meanwhile));
+}
+
+template <class Precision>
+bool row_store<Precision>::is_own_file() const noexcept {
+  if (!noted_) return true;
+  file_stamp now;
+  return files().stamp(path_, now) && now.volume == noted_->volume && now.number == noted_->number;
+}
+
+template <class Precision>
+bool row_store<Precision>::has_own_size() noexcept {
+  // What is written here row by row ends with the counted pages.
+  std::uint64_t size = 0;
+  return !noted_ ||
+         (file_->size(size) && size <= std::max(noted_->bytes, counts_.pages * Precision::page_bytes));
+}
+
+template <class Precision>
+bool row_store<Precision>::has_known_size(const added_rows& of) noexcept {
+  std::uint64_t size = 0;
+  return file_->size(size) && size >= of.least_bytes && size <= of.most_bytes;
+}
+
+template <class Precision>
+bool row_store<Precision>::has_known_begun_page(const added_rows& of) {
+  if (of.begun.before.empty() || of.begun.is_written) return true;
+  std::vector<std::byte> now(of.begun.before.size());
+  std::size_t done = 0;
+  return file_->seek(static_cast<std::int64_t>(of.begun.index * Precision::page_bytes), seek_origin::begin) &&
+         file_->read(now, done) && done == now.size() && now == of.begun.before;
+}
+
+template class row_store<single_precision>;
+template class row_store<double_precision>;
+
+}  // namespace ovf

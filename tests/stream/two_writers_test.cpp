@@ -1,0 +1,187 @@
+// Two objects that have one table open for changing: neither loses the rows of the other.
+#include "stream_host.h"
+
+namespace ovtest {
+namespace {
+
+const std::string refused = "Append failed, another program has changed the table's file meanwhile";
+
+class StreamTwoWriters : public StreamHost, public ::testing::WithParamInterface<bool> {
+ protected:
+  void SetUp() override {
+    make_holes(10, GetParam());
+    ASSERT_EQ(table_->Close(), S_OK);
+    open();
+    ASSERT_EQ(other_->Open(path_text(path()).get(), 0), S_OK);
+  }
+
+  static made_batch depths(int rows, double value) {
+    return {numbers<double>("DEPTH", "g", std::vector<double>(static_cast<std::size_t>(rows), value))};
+  }
+  /// What the other object does.
+  void other_appends(int rows) {
+    made_stream from({depths(rows, 5)});
+    LONG appended = 0;
+    ASSERT_EQ(ovfile::streams_of(other_)->Append(&from.stream, &appended), S_OK) << take_error_text();
+    ASSERT_EQ(appended, rows);
+  }
+  void other_appends_and_closes(int rows) {
+    other_appends(rows);
+    ASSERT_EQ(other_->Close(), S_OK);
+  }
+
+  /// Lets go of the table, and expects the file to hold that many rows, the last with that depth.
+  void expect_in_file(const bytes& before, LONG count, double last_depth) {
+    ASSERT_EQ(table_->Close(), S_OK);
+    EXPECT_TRUE(content() == before);
+    expect_rows(count, last_depth);
+  }
+  void expect_rows(LONG count, double last_depth) {
+    table_->Close();
+    open();
+    EXPECT_EQ(rows(), count);
+    const read_cell last = GetParam() ? double_cell(last_depth) : float_cell(static_cast<float>(last_depth));
+    EXPECT_EQ(read().cells[1].back(), last);
+  }
+
+  owned<IOvTable> other_ = make_table();
+};
+
+INSTANTIATE_TEST_SUITE_P(, StreamTwoWriters, ::testing::Bool(), [](const auto& one) {
+  return one.param ? std::string("Double") : std::string("Single");
+});
+
+TEST_P(StreamTwoWriters, RowsThatWereAppendedSinceTheTableWasOpened) {
+  for (const int rows : {1, 30'000}) {
+    const LONG before = this->rows();
+    other_appends_and_closes(rows);
+    const bytes after = content();
+    made_stream from({depths(20, 7)});
+    expect_refused(from, refused);
+    expect_in_file(after, before + rows, 5);
+    ASSERT_EQ(other_->Open(path_text(path()).get(), 0), S_OK);
+  }
+}
+
+TEST_P(StreamTwoWriters, RowsThatWereAppendedAfterOwnChanges) {
+  ASSERT_EQ(table_->SetColumnDouble(2, 3), S_OK);
+  ASSERT_EQ(table_->FlushChanges(), S_OK);
+  ASSERT_EQ(other_->Open(path_text(path()).get(), 0), S_OK);
+  other_appends_and_closes(30'000);
+  const bytes after = content();
+  made_stream from({depths(20, 7)});
+  expect_refused(from, refused);
+  expect_in_file(after, 30'010, 5);
+}
+
+TEST_P(StreamTwoWriters, RowsThatDoNotCountYet) {
+  ASSERT_EQ(table_->SetColumnDouble(2, 3), S_OK);
+  ASSERT_EQ(table_->FlushChanges(), S_OK);
+  ASSERT_EQ(other_->Open(path_text(path()).get(), 0), S_OK);
+  other_appends(30'000);
+  made_stream from({depths(20, 7)});
+  expect_refused(from, refused);
+  ASSERT_EQ(table_->Close(), S_OK);
+  ASSERT_EQ(other_->Close(), S_OK);
+  expect_rows(30'010, 5);
+}
+
+TEST_P(StreamTwoWriters, AValueThatWasChanged) {
+  ASSERT_EQ(other_->GetLastRow(), S_OK);
+  ASSERT_EQ(other_->SetColumnDouble(2, 55), S_OK);
+  ASSERT_EQ(other_->Close(), S_OK);
+  const bytes after = content();
+  made_stream from({depths(20, 7)});
+  expect_refused(from, refused);
+  expect_in_file(after, 10, 55);
+}
+
+TEST_P(StreamTwoWriters, RowsThatAreAppendedMeanwhile) {
+  // Nothing of this stream is in the file yet, and then much of it.
+  for (const int first : {5, 100'000}) {
+    const LONG before = rows();
+    made_stream from({depths(first, 7), depths(100'000, 8)});
+    bytes after;
+    int asked = 0;
+    from.meanwhile = [&] {
+      if (++asked != 2) return;
+      auto third = make_table();
+      ASSERT_EQ(third->Open(path_text(path()).get(), 0), S_OK);
+      made_stream more({depths(30'000, 5)});
+      LONG appended = 0;
+      ASSERT_EQ(ovfile::streams_of(third)->Append(&more.stream, &appended), S_OK) << take_error_text();
+      ASSERT_EQ(third->Close(), S_OK);
+      after = content();
+    };
+    expect_refused(from, refused);
+    expect_in_file(after, before + 30'000, 5);
+  }
+}
+
+TEST_P(StreamTwoWriters, AValueOfTheLastPageThatIsChangedMeanwhile) {
+  made_stream from({depths(20, 7)});
+  int asked = 0;
+  from.meanwhile = [&] {
+    if (++asked != 2) return;
+    ASSERT_EQ(other_->GetLastRow(), S_OK);
+    ASSERT_EQ(other_->SetColumnDouble(2, 55), S_OK);
+    ASSERT_EQ(other_->Close(), S_OK);
+  };
+  expect_refused(from, refused);
+  expect_rows(10, 55);
+}
+
+TEST_P(StreamTwoWriters, AnotherFileUnderTheName) {
+  // The file that is open goes on elsewhere.
+  ASSERT_EQ(table_->SetColumnDouble(2, 3), S_OK);
+  ASSERT_EQ(table_->FlushChanges(), S_OK);
+  ASSERT_EQ(other_->Close(), S_OK);
+  std::error_code failed;
+  std::filesystem::rename(path(), path("elsewhere.ovt"), failed);
+  if (failed) GTEST_SKIP() << "this system does not rename a file that is open";
+  std::filesystem::copy_file(path("elsewhere.ovt"), path());
+  made_stream from({depths(20, 7)});
+  expect_refused(from, refused);
+}
+
+TEST_P(StreamTwoWriters, OwnChangesAreNoOthers) {
+  ASSERT_EQ(other_->Close(), S_OK);
+  LONG expected = 10;
+  const auto append_more = [&](int more) {
+    ASSERT_EQ(append_batch(depths(more, 7)), S_OK) << take_error_text();
+    expected += more;
+    ASSERT_EQ(rows(), expected);
+  };
+  append_more(1);
+  append_more(30'000);
+  ASSERT_EQ(table_->FlushChanges(), S_OK);
+  append_more(20);
+  for (int i = 0; i < 3'000; ++i, ++expected) add_hole("A", i);
+  append_more(20);
+  for (int i = 0; i < 3'000; ++i, ++expected) add_hole("A", i);
+  ASSERT_EQ(table_->FlushChanges(), S_OK);
+  append_more(1'000);
+  ASSERT_EQ(table_->GetFirstRow(), S_OK);
+  ASSERT_EQ(table_->SetColumnDouble(2, 3), S_OK);
+  append_more(1);
+  made_stream wrong({depths(100'000, 7), {texts("DEPTH", {"x"})}});
+  wrong.fails_at = 1;
+  wrong.words = "gone";
+  expect_refused(wrong, "Append failed, the stream failed: gone");
+  append_more(10);
+  expect_rows(expected, 7);
+}
+
+TEST_P(StreamTwoWriters, OnesThatTakeTurns) {
+  ASSERT_EQ(other_->Close(), S_OK);
+  ASSERT_EQ(append_batch(depths(5, 7)), S_OK) << take_error_text();
+  ASSERT_EQ(table_->Close(), S_OK);
+  ASSERT_EQ(other_->Open(path_text(path()).get(), 0), S_OK);
+  other_appends_and_closes(30'000);
+  open();
+  ASSERT_EQ(append_batch(depths(5, 9)), S_OK) << take_error_text();
+  expect_rows(30'020, 9);
+}
+
+}  // namespace
+}  // namespace ovtest
