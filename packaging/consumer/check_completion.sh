@@ -25,7 +25,7 @@ offers() {
 }
 
 [ "$(complete -p ovfile)" = "complete -F _ovfile ovfile" ] || failures=1
-offers "schema|set|settings|sign|sort|stats" ovfile s
+offers "schema|set|settings|setup|sign|sort|sql|stats" ovfile s
 offers "export" ovfile ex
 offers "--version" ovfile --v
 offers "--descending" ovfile sort assays.ovt --desc

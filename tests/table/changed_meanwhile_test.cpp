@@ -106,19 +106,19 @@ TEST_P(ChangedMeanwhile, WhatTheObjectHasChangedItselfIsInTheNewFile) {
 }
 
 TEST_P(ChangedMeanwhile, AFileThatTellsNothingOfItselfIsNotReplaced) {
-  open_anew();
+  int refused = 0;
   for (int nth = 1; nth < 10; ++nth) {
+    open_anew();
     ovtest::failing_files disk;
     disk.fail_nth(ovtest::call::stamp, nth);
-    if (SUCCEEDED(run())) {
-      EXPECT_GT(nth, 1);
-      return;
-    }
+    // Some ask what only an append needs to know.
+    if (SUCCEEDED(run())) continue;
     disk.fail_nothing();
+    ++refused;
     expect_untouched();
     EXPECT_EQ(left_behind(), std::set<std::string>{"table.ovt"});
   }
-  FAIL() << "no run went through";
+  EXPECT_GT(refused, 0);
 }
 
 INSTANTIATE_TEST_SUITE_P(Edits, ChangedMeanwhile, ::testing::ValuesIn(ovtest::table_edits()),
