@@ -395,7 +395,7 @@ def test_views_that_lead_nowhere(path, buffers):
 
 
 def test_views_without_their_buffers(path):
-    with pytest.raises(ovfile.Error, match="column V: the texts' buffers are missing"):
+    with pytest.raises(ovfile.Error, match="column V: the batch lacks some of the column's memory"):
         ovfile.write(one_column("vu", 1, [None, b"\0" * 16]), path)
 
 

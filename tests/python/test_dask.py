@@ -290,8 +290,9 @@ def test_columns_that_differ_and_are_not_asked_for(here):
 def test_bad_arguments(three, here, arguments, words):
     with pytest.raises(ovfile.Error, match=words) as caught:
         ovfile.dask.read_table(**arguments)
-    if arguments["path"] and "rows_per_partition" not in arguments:
-        named = arguments["path"][-1] if isinstance(arguments["path"], list) else arguments["path"]
+    path = arguments["path"]
+    if path and path != 5 and "rows_per_partition" not in arguments:
+        named = path[-1] if isinstance(path, list) else path
         assert caught.value.file == str(here / named)
 
 
