@@ -10,6 +10,14 @@
 #include "command/parquet_fixture.h"
 #include "support/shared_data.h"
 
+#if defined(__SANITIZE_ADDRESS__)
+#define OVTEST_SANITIZED
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define OVTEST_SANITIZED
+#endif
+#endif
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -162,7 +170,7 @@ TEST_F(parquet_stopping_test, a_signal_leaves_nothing) {
 }
 
 TEST_F(parquet_stopping_test, a_large_table_goes_out_and_comes_back_in_little_memory) {
-#if defined(__SANITIZE_ADDRESS__)
+#ifdef OVTEST_SANITIZED
   GTEST_SKIP() << "the sanitizer's own memory would be counted";
 #endif
   constexpr std::size_t most = std::size_t{250} << 20;
