@@ -19,6 +19,7 @@ constexpr int differs = 1;
 constexpr int not_compared = 2;
 
 void set_up(CLI::App& program) {
+  program.allow_windows_style_options(false);  // a statement may begin with a comment, a path with a slash
   program.set_version_flag("--version", "ovfile " OVFILE_VERSION);
   program.require_subcommand(1);
   program.footer(

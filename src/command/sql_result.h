@@ -36,7 +36,9 @@ class sql_result {
   const Value* values(std::size_t column) const noexcept {
     return static_cast<const Value*>(library_->vector_get_data(vector(column)));
   }
+  /// Empty where the value is null, whose memory may hold anything.
   std::string_view text(std::size_t column, std::size_t row) const noexcept {
+    if (is_null(column, row)) return {};
     const auto& value = values<duckdb::text_value>(column)[row];
     return {value.data(), value.length};
   }
