@@ -10,7 +10,7 @@ inline constexpr IID ovfile::iid_of<IOvFilter> = IID_IOvFilter;
 namespace command {
 
 /// Sees to it that the library and `new_evaluator` find the component that lies beside the program where
-/// none is registered. It stays known until the process ends: objects of it may live as long.
+/// none is registered, for this thread, as long as it lives: so may objects of it.
 void make_evaluator_known();
 
 /// Empty where there is none.

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "evaluator.h"
+#include "loaded_library.h"
 
 namespace command {
 namespace {
@@ -13,16 +14,8 @@ constexpr const wchar_t* module_name = L"OvFilter.dll";
 
 /// The module that lies beside the program, by its whole path; empty when the system cannot tell.
 std::wstring module_beside_program() {
-  std::wstring path(MAX_PATH, L'\0');
-  for (;;) {
-    const DWORD length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
-    if (length == 0) return {};
-    if (length < path.size()) {
-      path.resize(length);
-      return path.substr(0, path.find_last_of(L"\\/") + 1) + module_name;
-    }
-    path.resize(path.size() * 2);
-  }
+  const std::string folder = program_folder();
+  return folder.empty() ? std::wstring() : ovfile::to_wide(folder) + L"\\" + module_name;
 }
 
 bool is_registered() {
