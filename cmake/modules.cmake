@@ -66,7 +66,7 @@ if("server" IN_LIST OVF_MODULES)
 endif()
 
 # The command is a host like any other: published headers and the shared library, nothing else.
-ovf_sources(files src/command)
+ovf_sources(files src/command src/command/duckdb src/command/sql src/command/parquet)
 if(files AND TARGET ovfile)
   add_executable(ovfile_command ${files})
   set_target_properties(ovfile_command PROPERTIES OUTPUT_NAME ovfile)

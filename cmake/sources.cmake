@@ -1,6 +1,7 @@
-# ovf_sources(RESULT FOLDER): the .cpp files of a folder, without those named for the other system.
-function(ovf_sources result folder)
-  file(GLOB files CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.cpp")
+# ovf_sources(RESULT FOLDER...): the .cpp files of the folders, without those named for the other system.
+function(ovf_sources result)
+  list(TRANSFORM ARGN REPLACE "^(.+)$" "${CMAKE_CURRENT_SOURCE_DIR}/\\1/*.cpp" OUTPUT_VARIABLE patterns)
+  file(GLOB files CONFIGURE_DEPENDS ${patterns})
   if(WIN32)
     list(FILTER files EXCLUDE REGEX "_linux\\.cpp$")
   else()

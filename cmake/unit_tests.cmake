@@ -4,8 +4,6 @@
 # `early_bound` knows it from the header that the type library gives. tests/support is a library for all
 # of them.
 
-include(GoogleTest)
-
 # From its sources in every build, so that it is compiled as the tests are (sanitizers, Windows).
 set(gtest_force_shared_crt ON CACHE BOOL "" FORCE)
 set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
@@ -64,7 +62,23 @@ set(alone_in_host "registration*:scripts*:documented_scripts*")
 set(alone_in_early_bound "registered*")
 set(alone_in_filter "filter_registration*")
 
+# A start of Wine or of a sanitized program takes longer than most tests: each program's tests run in a few
+# starts, in equal parts.
+set(OVF_TEST_PARTS 8)
+set(OVF_TEST_RESULTS "${CMAKE_BINARY_DIR}/results")
+file(MAKE_DIRECTORY "${OVF_TEST_RESULTS}")
+
+# ovf_add_test_run(TARGET NAME FILTER): one start; what each test said goes to results/NAME.xml.
+function(ovf_add_test_run target name filter)
+  set(run "${CMAKE_BINARY_DIR}/run/${target}")
+  file(MAKE_DIRECTORY "${run}")
+  add_test(NAME ${name} WORKING_DIRECTORY "${run}"
+           COMMAND ${target} "--gtest_filter=${filter}" "--gtest_output=xml:${root}${OVF_TEST_RESULTS}/${name}.xml")
+  set_tests_properties(${name} PROPERTIES TIMEOUT 900)
+endfunction()
+
 function(ovf_add_test_folder name)
+  set(others "*")
   ovf_sources(files "tests/${name}")
   set(target "test_${name}")
   add_executable(${target} ${files})
@@ -78,6 +92,10 @@ function(ovf_add_test_folder name)
   endif()
   if(name STREQUAL "command")
     add_dependencies(${target} fake_duckdb lacking_duckdb)
+  endif()
+  if(name STREQUAL "command" OR name STREQUAL "golden")
+    # Parts of the command which they include: it is a program, not a library.
+    target_include_directories(${target} PRIVATE src/command)
   endif()
   if(name STREQUAL "host" OR name STREQUAL "command" OR name STREQUAL "golden")
     foreach(needed ovfile ovfilter ovfile_command)
@@ -113,17 +131,17 @@ function(ovf_add_test_folder name)
     set_target_properties(${target} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin/platform")
   endif()
 
-  set(run "${CMAKE_BINARY_DIR}/run/${name}")
-  file(MAKE_DIRECTORY "${run}")
-  set(others "")
   if(WIN32 AND DEFINED alone_in_${name})
-    gtest_discover_tests(${target} TEST_PREFIX "${name}." NO_PRETTY_VALUES WORKING_DIRECTORY "${run}"
-                         DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120 TEST_FILTER "${alone_in_${name}}"
-                         PROPERTIES TIMEOUT 300 RUN_SERIAL ON)
-    set(others TEST_FILTER "-${alone_in_${name}}")
+    ovf_add_test_run(${target} "${name}.alone" "${alone_in_${name}}")
+    set_tests_properties("${name}.alone" PROPERTIES RUN_SERIAL ON)
+    set(others "-${alone_in_${name}}")
   endif()
-  gtest_discover_tests(${target} TEST_PREFIX "${name}." NO_PRETTY_VALUES WORKING_DIRECTORY "${run}"
-                       DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120 ${others} PROPERTIES TIMEOUT 300)
+  math(EXPR last "${OVF_TEST_PARTS} - 1")
+  foreach(part RANGE ${last})
+    ovf_add_test_run(${target} "${name}.${part}" "${others}")
+    set_tests_properties("${name}.${part}" PROPERTIES
+                         ENVIRONMENT "GTEST_TOTAL_SHARDS=${OVF_TEST_PARTS};GTEST_SHARD_INDEX=${part}")
+  endforeach()
 endfunction()
 
 # What stands in for DuckDB's library where a test needs something to load, and one that lacks a function.

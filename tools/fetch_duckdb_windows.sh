@@ -6,7 +6,7 @@ set -eu
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 mkdir -p "$1"
 folder=$(readlink -f "$1")
-mapfile -t facts < <(grep -o '"[^"]*"' "$root/src/command/duckdb_package_windows.cpp" | tr -d '"' | grep -v '\.h$')
+mapfile -t facts < <(grep -o '"[^"]*"' "$root/src/command/duckdb/duckdb_package_windows.cpp" | tr -d '"' | grep -v '\.h$')
 name=${facts[0]} version=${facts[1]} digest=${facts[2]} member=${facts[3]}
 if [ "$(cat "$folder/digest" 2>/dev/null)" = "$digest" ]; then
   echo "DuckDB of $name@$version is in $folder"

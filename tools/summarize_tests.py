@@ -1,21 +1,66 @@
-"""summarize_tests.py RESULTS STATUS [REPEATED]: reads what ctest wrote (JUnit) and prints a line with the
-numbers passed and failed, then what failed, with the end of what it said, and what was skipped, by reason.
-STATUS is ctest's own: a failing run without a failing test (a program that does not start) counts as one
-failure. REPEATED is the same of a second run of what failed; what passed then is told and counts as passed."""
+"""summarize_tests.py RESULTS STATUS [FIRST]: reads the folder with what ctest (all.xml) and the test programs
+(NAME.xml) wrote and prints a line with the numbers of tests passed and failed, then what failed, with the end of
+what it said, and what was skipped, by reason. STATUS is ctest's own: a failing run without a failing test (a
+program that does not start) counts as one failure. FIRST is the folder of an earlier run, of which what failed
+was repeated in RESULTS; what passed only then is told and counts as passed."""
 
+import pathlib
 import re
 import sys
 import textwrap
 import xml.etree.ElementTree as xml
+from dataclasses import dataclass
 
 
-def skip_reason(case):
-    """The text after GoogleTest's `file:line: Skipped`, or None when the test did not run at all."""
-    output = case.findtext("system-out") or ""
-    found = re.search(r": Skipped\r?\n(.*?)\r?\n\s*(?:\r?\n|\[)", output, re.DOTALL)
-    if found:
-        return " ".join(found.group(1).split()) or "no reason given"
-    return "no reason given" if "[  SKIPPED ]" in output else None
+@dataclass(frozen=True)
+class Case:
+    """One test; `state` is passed, failed or skipped, `said` the reason or the complaint."""
+
+    name: str
+    state: str
+    said: str = ""
+
+
+def read_cases(path):
+    try:
+        return list(xml.parse(path).getroot().iter("testcase"))
+    except (OSError, xml.ParseError):
+        return []
+
+
+def case_of_program(prefix, case):
+    # What fails around the tests of a program has no name.
+    name = f"{prefix}.{case.get('classname')}.{case.get('name')}".replace("..", ".(around its tests)")
+    failures = [failure.text or failure.get("message") or "" for failure in case.findall("failure")]
+    if failures:
+        return Case(name, "failed", "\n".join(failures))
+    skipped = case.find("skipped")
+    if skipped is None:
+        return Case(name, "passed")
+    # The place in the source comes first.
+    lines = (skipped.get("message") or "").splitlines()
+    reason = " ".join(" ".join(lines[1:] if re.search(r":\d+$", lines[0]) else lines).split()) if lines else ""
+    return Case(name, "skipped", reason or "no reason given")
+
+
+def cases_of_start(folder, start):
+    """The tests of one start of a program; the start itself where it is a test, or where it failed though its
+    tests did not, or before they could say so."""
+    name, passed = start.get("name"), start.get("status") == "run"
+    output = start.findtext("system-out") or ""
+    prefix = name.split(".")[0]
+    cases = [case_of_program(prefix, case) for case in read_cases(folder / f"{name}.xml")
+             if case.get("status") == "run" or case.find("skipped") is not None]
+    if not passed and not any(case.state == "failed" for case in cases):
+        cases.append(Case(name, "failed", output))
+    elif not cases and not (folder / f"{name}.xml").exists():
+        cases.append(Case(name, "passed"))
+    return cases
+
+
+def read_run(folder):
+    """The tests of each start, by its name."""
+    return {start.get("name"): cases_of_start(folder, start) for start in read_cases(folder / "all.xml")}
 
 
 def print_names(names):
@@ -29,51 +74,39 @@ def print_names(names):
         print(textwrap.fill(line, 110, initial_indent=" " * 8, subsequent_indent=" " * 12, break_long_words=False))
 
 
-def cases_of(path):
-    try:
-        return list(xml.parse(path).getroot().iter("testcase"))
-    except (OSError, xml.ParseError):
-        return []
-
-
-def print_output(case):
-    lines = (case.findtext("system-out") or "").strip().splitlines()
-    for line in lines[-30:]:
+def print_end(text):
+    for line in text.strip().splitlines()[-30:]:
         print(" " * 8 + line[:200])
 
 
 def main():
-    failed, skipped, passed = [], {}, 0
-    cases = cases_of(sys.argv[1])
-    repeated = {case.get("name"): case for case in (cases_of(sys.argv[3]) if len(sys.argv) > 3 else [])}
-    told_late = []
-    for case in cases:
-        name, status = case.get("name"), case.get("status")
-        reason = skip_reason(case) if status == "notrun" else None
-        if status == "run":
-            passed += 1
-        elif reason is not None:
-            skipped.setdefault(reason, []).append(name)
-        elif name in repeated and repeated[name].get("status") == "run":
-            passed += 1
-            told_late.append(case)
-        else:
-            failed.append(case)
+    run = read_run(pathlib.Path(sys.argv[1]))
+    late = []
+    if len(sys.argv) > 3:
+        first = read_run(pathlib.Path(sys.argv[3]))
+        for name, cases in run.items():
+            still = {case.name for case in cases if case.state == "failed"}
+            late += [case for case in first.get(name, []) if case.state == "failed" and case.name not in still]
+        run = first | run
+    cases = [case for start in run.values() for case in start]
+    failed = [case for case in cases if case.state == "failed"]
+    if not cases:
+        failed.append(Case("no test was found", "failed"))
+    elif sys.argv[2] != "0" and not failed:
+        failed.append(Case("ctest, see its log", "failed"))
 
-    broken = [] if cases else ["no test was found"]
-    if cases and sys.argv[2] != "0" and not failed:
-        broken.append("ctest failed, see its log")
-    print(passed, len(failed) + len(broken))
-    for name in broken:
-        print("FAILED ", name)
+    print(sum(case.state == "passed" for case in cases), len(failed))
     for number, case in enumerate(failed):
-        print("FAILED ", case.get("name"))
-        if number < 10:
-            print_output(case)
-    for case in told_late:
-        print("passed only when it was repeated:", case.get("name"))
-        print_output(case)
-    for reason, names in skipped.items():
+        print("FAILED ", case.name)
+        print_end(case.said if number < 10 else "")
+    for case in late:
+        print("passed only when it was repeated:", case.name)
+        print_end(case.said)
+    reasons = {}
+    for case in cases:
+        if case.state == "skipped":
+            reasons.setdefault(case.said, []).append(case.name)
+    for reason, names in reasons.items():
         print(f"skipped {len(names)}: {reason}")
         print_names(names)
 

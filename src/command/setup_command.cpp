@@ -2,9 +2,9 @@
 #include <memory>
 
 #include "commands.h"
-#include "duckdb_file.h"
-#include "duckdb_package.h"
-#include "setup_sql.h"
+#include "duckdb/duckdb_file.h"
+#include "duckdb/duckdb_package.h"
+#include "duckdb/setup_sql.h"
 #include "text_output.h"
 #include "words.h"
 

@@ -1,4 +1,4 @@
-#include "../../src/command/console_linux.cpp"
-#include "../../src/command/file_identity_linux.cpp"
-#include "../../src/command/file_rights_linux.cpp"
-#include "../../src/command/raw_file_linux.cpp"
+#include "console_linux.cpp"
+#include "file_identity_linux.cpp"
+#include "file_rights_linux.cpp"
+#include "raw_file_linux.cpp"

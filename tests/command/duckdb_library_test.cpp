@@ -1,7 +1,7 @@
-#include "command/duckdb_library.h"
+#include "command/duckdb/duckdb_library.h"
 
 #include "command/command_test.h"
-#include "command/duckdb_file.h"
+#include "command/duckdb/duckdb_file.h"
 #include "command/duckdb_for_tests.h"
 #include "command/failure.h"
 #include "command/kept_variables.h"

@@ -1,3 +1,3 @@
-#include "../../src/command/duckdb_library_linux.cpp"
-#include "../../src/command/environment_linux.cpp"
-#include "../../src/command/loaded_library_linux.cpp"
+#include "duckdb/duckdb_library_linux.cpp"
+#include "environment_linux.cpp"
+#include "loaded_library_linux.cpp"

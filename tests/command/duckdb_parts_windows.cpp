@@ -1,6 +1,6 @@
 #include <windows.h>
 // windows.h goes first.
-#include "../../src/command/duckdb_library_windows.cpp"
-#include "../../src/command/environment_windows.cpp"
-#include "../../src/command/loaded_library_windows.cpp"
-#include "../../src/command/system_reason_windows.cpp"
+#include "duckdb/duckdb_library_windows.cpp"
+#include "environment_windows.cpp"
+#include "loaded_library_windows.cpp"
+#include "system_reason_windows.cpp"

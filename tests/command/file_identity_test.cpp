@@ -1,5 +1,5 @@
 // Whether a file is noticed to be another one, or to have changed.
-#include "../../src/command/file_identity.h"
+#include "file_identity.h"
 
 #include <gtest/gtest.h>
 

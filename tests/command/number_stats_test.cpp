@@ -1,4 +1,4 @@
-#include "../../src/command/number_stats.h"
+#include "number_stats.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "command/sha512.h"
+#include "command/duckdb/sha512.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "command/sql_statements.h"
+#include "command/sql/sql_statements.h"
 
 #include <gtest/gtest.h>
 

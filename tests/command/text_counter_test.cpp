@@ -1,4 +1,4 @@
-#include "../../src/command/text_counter.h"
+#include "text_counter.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 // version is what FAKE_DUCKDB_VERSION says.
 #include <cstdlib>
 
-#include "command/duckdb_abi.h"
+#include "command/duckdb/duckdb_abi.h"
 
 #ifdef FAKE_DUCKDB_LACKS_ONE
 #define duckdb_replacement_scan_set_error something_else

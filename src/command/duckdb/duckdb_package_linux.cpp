@@ -1,0 +1,10 @@
+#include "duckdb/duckdb_package.h"
+
+namespace command {
+
+const package_facts duckdb_package = {
+    "@duckdb/node-bindings-linux-x64", "1.5.6-r.1",
+    "sha512-IXcrZJE6kEqM0Z4wwdVnGBHX/frOS33VPNAwDXQ/Q+Fs84b058Qe94chrCCIcNJlG8Y3UHIUU4eBeCQxW5mN1Q==",
+    23927610, "package/libduckdb.so"};
+
+}  // namespace command

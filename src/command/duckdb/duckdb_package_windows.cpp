@@ -1,0 +1,10 @@
+#include "duckdb/duckdb_package.h"
+
+namespace command {
+
+const package_facts duckdb_package = {
+    "@duckdb/node-bindings-win32-x64", "1.5.5-r.5",
+    "sha512-mBGFn8netT/AAhK4TOG6Fw47+Db68CxCVtQ9qfxZc1kZAjds+aYrh17Fd/u5CbTDdxILsrcyuF8q9cUcm54kQA==",
+    13549050, "package/duckdb.dll"};
+
+}  // namespace command

@@ -1,0 +1,22 @@
+// A query's rows as a stream of arrays, for a table to append.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "ovfile/stream.h"
+#include "sql/sql_result.h"
+
+namespace command {
+
+struct stream_column {
+  std::string name;
+  bool is_text;   ///< the query gives it as text, else as numbers
+  bool is_float;  ///< of 4 bytes instead of 8
+};
+
+/// As many columns as the query has. What goes wrong while rows are fetched ends the stream with its words.
+/// The database must outlive the stream.
+ovfile::arrow_stream stream_rows(sql_result rows, std::vector<stream_column> columns);
+
+}  // namespace command
