@@ -67,6 +67,8 @@ class memory_file final : public ovf::file {
     return true;
   }
   bool sync() noexcept override { return true; }
+  bool claim_growth() noexcept override { return true; }
+  void give_back_growth() noexcept override {}
 
  private:
   shared_content bytes_;

@@ -9,6 +9,9 @@ namespace ovf {
 namespace {
 
 constexpr wide_view nothing_stored = OLESTR("AddRow failed, the table has no stored fields");
+constexpr wide_view others_append = OLESTR("AddRow failed, another program is appending to the table's file");
+constexpr wide_view others_appended =
+    OLESTR("AddRow failed, another program has changed the table's file meanwhile");
 constexpr wide_view cut_failed =
     OLESTR("OvFile Error: onSetRowCount failed to set the end of the file. (%x: %s)");
 
@@ -83,6 +86,7 @@ row_place row_store<Precision>::locate(std::uint64_t row) {
 template <class Precision>
 row_place row_store<Precision>::append() {
   require_room_for_a_row();
+  begin_growth();
   note_change();
   count_the_uncounted_page();
   const bool has_room =
@@ -90,6 +94,7 @@ row_place row_store<Precision>::append() {
   if (!has_room) append_page();
   set_records_in_last_page(counts_.records_in_last_page + 1);
   ++row_count_;
+  counts_wait_ = true;
   try {
     const row_place place = locate(row_count_);
     fill_with_defaults(place.record);
@@ -107,6 +112,16 @@ template <class Precision>
 void row_store<Precision>::require_room_for_a_row() const {
   if (records_per_page_ == 0) throw MyExceptionClass(wide(nothing_stored));
   int_of(row_count_ + 1);
+}
+
+template <class Precision>
+void row_store<Precision>::begin_growth() {
+  if (grows_alone_ || read_only_) return;
+  claim_growth(others_append);
+  // A file that cannot be read says so when it is written.
+  if (header_.state_of_counts() != counts_state::changed) return;
+  may_let_others_grow();
+  throw MyExceptionClass(wide(others_appended));
 }
 
 template <class Precision>
@@ -175,6 +190,8 @@ template <class Precision>
 void row_store<Precision>::flush() {
   records_.flush();
   header_.flush();
+  counts_wait_ = false;
+  may_let_others_grow();
 }
 
 template class row_store<single_precision>;

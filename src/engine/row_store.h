@@ -91,6 +91,8 @@ class row_store {
   void read_counts();
   std::uint64_t computed_row_count() const noexcept;
   void require_room_for_a_row() const;
+  /// Before the first of several rows: throws MyExceptionClass where somebody else appends, or has appended.
+  void begin_growth();
   /// A header may count its own pages alone though a page of rows follows them.
   void count_the_uncounted_page();
   void append_page();
@@ -110,8 +112,16 @@ class row_store {
   void write_pages(added_rows& of, std::size_t pages);
   void write_rest(added_rows& of);
   void require_written(std::uint64_t page, std::span<const std::byte> bytes);
+  void prepare_rows();
+  /// Leaves the file as it was before the rows.
+  void take_back(const added_rows& lost) noexcept;
   void cut_spare_bytes(std::uint64_t page);
   void note_file() noexcept;
+  /// Nobody else who asks appends rows until `may_let_others_grow`. Throws MyExceptionClass with the words
+  /// for a table that somebody else appends to.
+  void claim_growth(wide_view refused);
+  /// Lets others append where all rows of this table are counted in the file.
+  void may_let_others_grow() noexcept;
   bool is_own_file() const noexcept;
   bool has_own_size() noexcept;
   bool has_known_size(const added_rows& of) noexcept;
@@ -146,6 +156,8 @@ class row_store {
   std::uint64_t row_count_ = 0;
   table_version version_{new_table_number(), 0};
   std::optional<added_rows> added_;
+  bool grows_alone_ = false;         ///< nobody else appends meanwhile
+  bool counts_wait_ = false;         ///< rows were appended, and the counts in the file do not say so yet
   std::optional<file_stamp> noted_;  ///< which file it is, and a size that it has reached
 };
 

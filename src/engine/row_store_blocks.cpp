@@ -10,6 +10,7 @@ namespace ovf {
 namespace {
 
 constexpr wide_view nothing_stored = OLESTR("AddRow failed, the table has no stored fields");
+constexpr wide_view others_append = OLESTR("Append failed, another program is appending to the table's file");
 constexpr wide_view nothing_begun = OLESTR("AddRow failed, the rows that were being added were given up");
 
 template <class Precision>
@@ -81,6 +82,17 @@ template <class Precision>
 void row_store<Precision>::begin_rows() {
   if (records_per_page_ == 0) throw MyExceptionClass(wide(nothing_stored));
   give_up_rows();
+  claim_growth(others_append);
+  try {
+    prepare_rows();
+  } catch (...) {
+    may_let_others_grow();
+    throw;
+  }
+}
+
+template <class Precision>
+void row_store<Precision>::prepare_rows() {
   require_known_file();
   records_.flush();
   added_rows made;
@@ -210,12 +222,14 @@ void row_store<Precision>::commit_rows() {
     note_file();
   }
   added_.reset();
+  may_let_others_grow();
 }
 
 template <class Precision>
 void row_store<Precision>::count_rows(std::uint64_t rows) {
   const std::uint64_t full = (rows - 1) / records_per_page_;
   ++version_.changes;
+  counts_wait_ = true;
   records_.forget();
   row_count_ = rows;
   counts_.pages = counts_.header_pages + full + 1;
@@ -226,11 +240,16 @@ void row_store<Precision>::count_rows(std::uint64_t rows) {
 template <class Precision>
 void row_store<Precision>::give_up_rows() noexcept {
   if (!added_) return;
-  const added_rows lost = *std::exchange(added_, std::nullopt);
+  take_back(*std::exchange(added_, std::nullopt));
+  may_let_others_grow();
+}
+
+template <class Precision>
+void row_store<Precision>::take_back(const added_rows& lost) noexcept {
   if (!lost.are_written && !lost.begun.is_written) return;
   ++version_.changes;  // the file is not the one that was last looked at
   // What somebody else has counted meanwhile may stand where the lost rows do.
-  if (!header_.counts_are_known() || !is_own_file() || !has_known_size(lost)) return;
+  if (header_.state_of_counts() != counts_state::known || !is_own_file() || !has_known_size(lost)) return;
   if (lost.begun.is_written) {
     (void)write_at(*file_, lost.begun.index * Precision::page_bytes, lost.begun.before);
   }

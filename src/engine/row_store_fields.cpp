@@ -183,6 +183,7 @@ void row_store<Precision>::replace_header(const header_image<Precision>& header)
   if (done || file_.get() != before) {
     header_.turn_to(*file_);
     records_.turn_to(*file_);
+    grows_alone_ = false;  // that went with the file before
     note_file();
   }
   if (!done) fail_no_copy();

@@ -19,8 +19,23 @@ void row_store<Precision>::note_file() noexcept {
 }
 
 template <class Precision>
+void row_store<Precision>::claim_growth(wide_view refused) {
+  // What is changed in a table that was opened for reading stays in memory.
+  if (grows_alone_ || read_only_) return;
+  grows_alone_ = file_->claim_growth();
+  if (!grows_alone_) throw MyExceptionClass(wide(refused));
+}
+
+template <class Precision>
+void row_store<Precision>::may_let_others_grow() noexcept {
+  if (!grows_alone_ || counts_wait_ || added_) return;
+  file_->give_back_growth();
+  grows_alone_ = false;
+}
+
+template <class Precision>
 void row_store<Precision>::require_known_file() {
-  const bool is_known = header_.counts_are_known() && is_own_file() &&
+  const bool is_known = header_.state_of_counts() == counts_state::known && is_own_file() &&
                         (added_ ? has_known_size(*added_) && has_known_begun_page(*added_) : has_own_size());
   if (!is_known) throw MyExceptionClass(wide(changed_meanwhile));
 }

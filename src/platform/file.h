@@ -14,6 +14,9 @@ namespace ovf {
 
 enum class seek_origin { begin, current, end };
 
+/// Where the lock that stands for the right to make a file longer lies, far behind all bytes of a file.
+inline constexpr std::int64_t growth_lock_position = std::int64_t{1} << 62;
+
 /// An open regular file with a position of its own. Closes itself; closing never fails visibly, since
 /// nothing is buffered here.
 class file {
@@ -29,6 +32,11 @@ class file {
   virtual bool set_end() noexcept = 0;
   /// Waits until what was written stands on the disk.
   virtual bool sync() noexcept = 0;
+  /// Asks for the right to make the file longer, which one open file has at a time, of all that ask for it.
+  /// False when another has it; a file system without locks gives it to everybody. Kept until it is given
+  /// back or the file is closed. Not to be asked for again while it is kept.
+  virtual bool claim_growth() noexcept = 0;
+  virtual void give_back_growth() noexcept = 0;
 };
 
 enum class open_mode {

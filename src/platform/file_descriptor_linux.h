@@ -1,6 +1,7 @@
 // Open files and file names of Linux, for what implements platform/file.h there.
 #pragma once
 
+#include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -67,6 +68,10 @@ class descriptor_file final : public file {
   }
 
   bool sync() noexcept override { return ::fsync(descriptor_) == 0; }
+  bool claim_growth() noexcept override {
+    return lock_growth(F_WRLCK) || (errno != EAGAIN && errno != EACCES);
+  }
+  void give_back_growth() noexcept override { (void)lock_growth(F_UNLCK); }
 
   /// Asks for a lock without waiting; file systems without locks let everybody pass.
   bool lock(int kind) noexcept { return ::flock(descriptor_, kind | LOCK_NB) == 0 || errno != EWOULDBLOCK; }
@@ -79,6 +84,16 @@ class descriptor_file final : public file {
   }
 
  private:
+  /// The lock belongs to the open file, not to the process, which may have the table open twice.
+  bool lock_growth(short kind) noexcept {
+    struct flock range = {};
+    range.l_type = kind;
+    range.l_whence = SEEK_SET;
+    range.l_start = growth_lock_position;
+    range.l_len = 1;
+    return ::fcntl(descriptor_, F_OFD_SETLK, &range) == 0;
+  }
+
   int descriptor_;
 };
 

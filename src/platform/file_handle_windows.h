@@ -51,11 +51,27 @@ class handle_file final : public file {
 
   bool set_end() noexcept override { return SetEndOfFile(handle_) != 0; }
   bool sync() noexcept override { return FlushFileBuffers(handle_) != 0; }
+  bool claim_growth() noexcept override {
+    OVERLAPPED place = growth_lock();
+    constexpr DWORD at_once = LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY;
+    return LockFileEx(handle_, at_once, 0, 1, 0, &place) != 0 ||
+           (GetLastError() != ERROR_LOCK_VIOLATION && GetLastError() != ERROR_IO_PENDING);
+  }
+  void give_back_growth() noexcept override {
+    OVERLAPPED place = growth_lock();
+    UnlockFileEx(handle_, 0, 1, 0, &place);
+  }
 
   /// For a file that was made with INVALID_HANDLE_VALUE, on which everything fails.
   void take(HANDLE handle) noexcept { handle_ = handle; }
 
  private:
+  static OVERLAPPED growth_lock() noexcept {
+    OVERLAPPED place{};
+    place.OffsetHigh = static_cast<DWORD>(growth_lock_position >> 32);
+    return place;
+  }
+
   HANDLE handle_;
 };
 

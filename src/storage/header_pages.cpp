@@ -60,12 +60,14 @@ void header_pages<Precision>::note_counts() noexcept {
 }
 
 template <class Precision>
-bool header_pages<Precision>::counts_are_known() noexcept {
-  if (!counts_) return true;
+counts_state header_pages<Precision>::state_of_counts() noexcept {
+  if (!counts_) return counts_state::known;
   count_bytes now{};
   std::size_t done = 0;
-  return file_->seek(counts_at, seek_origin::begin) && file_->read(now, done) && done == now.size() &&
-         now == *counts_;
+  if (!file_->seek(counts_at, seek_origin::begin) || !file_->read(now, done) || done != now.size()) {
+    return counts_state::unreadable;
+  }
+  return now == *counts_ ? counts_state::known : counts_state::changed;
 }
 
 template <class Precision>

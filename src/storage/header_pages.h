@@ -14,6 +14,8 @@
 
 namespace ovf {
 
+enum class counts_state { known, changed, unreadable };
+
 template <class Precision>
 class header_pages {
  public:
@@ -44,9 +46,8 @@ class header_pages {
   void forget() noexcept { map_.forget(); }
   /// Goes on with another open file, which nothing was read from yet.
   void turn_to(file& target) noexcept;
-  /// Whether the file's counts of pages and rows are those that were last read or written here. False too
-  /// where they cannot be read.
-  bool counts_are_known() noexcept;
+  /// Compares the file's counts of pages and rows with those that were last read or written here.
+  counts_state state_of_counts() noexcept;
   byte_order order() const noexcept { return order_; }
 
  private:

@@ -5,6 +5,7 @@ namespace ovtest {
 namespace {
 
 const std::string refused = "Append failed, another program has changed the table's file meanwhile";
+const std::string in_turn = "Append failed, another program is appending to the table's file";
 
 class StreamTwoWriters : public StreamHost, public ::testing::WithParamInterface<bool> {
  protected:
@@ -77,12 +78,70 @@ TEST_P(StreamTwoWriters, RowsThatWereAppendedAfterOwnChanges) {
 TEST_P(StreamTwoWriters, RowsThatDoNotCountYet) {
   ASSERT_EQ(table_->SetColumnDouble(2, 3), S_OK);
   ASSERT_EQ(table_->FlushChanges(), S_OK);
-  ASSERT_EQ(other_->Open(path_text(path()).get(), 0), S_OK);
-  other_appends(30'000);
-  made_stream from({depths(20, 7)});
-  expect_refused(from, refused);
-  ASSERT_EQ(table_->Close(), S_OK);
+  // On the page that was begun, and on more.
+  LONG expected = 10;
+  for (const int more : {1, 30'000}) {
+    ASSERT_EQ(other_->Open(path_text(path()).get(), 0), S_OK);
+    open();
+    other_appends(more);
+    expected += more;
+    made_stream from({depths(20, 7)});
+    expect_refused(from, refused);
+    ASSERT_EQ(other_->FlushChanges(), S_OK);
+    made_stream late({depths(20, 7)});
+    expect_refused(late, refused);
+    ASSERT_EQ(table_->Close(), S_OK);
+    ASSERT_EQ(other_->Close(), S_OK);
+    expect_rows(expected, 5);
+  }
+}
+
+TEST_P(StreamTwoWriters, WhoeverClosesFirst) {
+  for (const bool other_closes_first : {false, true}) {
+    const LONG before = rows();
+    ASSERT_EQ(other_->Open(path_text(path()).get(), 0), S_OK);
+    ASSERT_EQ(append_batch(depths(1, 7)), S_OK) << take_error_text();
+    made_stream more({depths(2, 5)});
+    LONG appended = 0;
+    EXPECT_EQ(ovfile::streams_of(other_)->Append(&more.stream, &appended), E_FAIL);
+    if (other_closes_first) {
+      ASSERT_EQ(other_->Close(), S_OK);
+    }
+    ASSERT_EQ(table_->Close(), S_OK);
+    if (!other_closes_first) {
+      ASSERT_EQ(other_->Close(), S_OK);
+    }
+    expect_rows(before + 1, 7);
+  }
+}
+
+TEST_P(StreamTwoWriters, RowsThatAreAddedOneByOne) {
+  ASSERT_EQ(table_->AddRow(), S_OK);
+  EXPECT_EQ(other_->AddRow(), E_FAIL);
+  EXPECT_EQ(take_error_text(), "AddRow failed, another program is appending to the table's file");
+  made_stream from({depths(20, 5)});
+  LONG appended = 0;
+  EXPECT_EQ(ovfile::streams_of(other_)->Append(&from.stream, &appended), E_FAIL);
+  EXPECT_EQ(take_error_text(), in_turn);
+  ASSERT_EQ(table_->SetColumnDouble(2, 7), S_OK);
+  ASSERT_EQ(table_->FlushChanges(), S_OK);
+  EXPECT_EQ(other_->AddRow(), E_FAIL);
+  EXPECT_EQ(take_error_text(), "AddRow failed, another program has changed the table's file meanwhile");
   ASSERT_EQ(other_->Close(), S_OK);
+  ASSERT_EQ(other_->Open(path_text(path()).get(), 0), S_OK);
+  ASSERT_EQ(other_->AddRow(), S_OK);
+  ASSERT_EQ(other_->SetColumnDouble(2, 8), S_OK);
+  ASSERT_EQ(other_->Close(), S_OK);
+  expect_rows(12, 8);
+}
+
+TEST_P(StreamTwoWriters, AStreamThatWasGivenUpHindersNobody) {
+  made_stream wrong({depths(100'000, 7), {texts("DEPTH", {"x"})}});
+  wrong.fails_at = 1;
+  wrong.words = "gone";
+  expect_refused(wrong, "Append failed, the stream failed: gone");
+  ASSERT_EQ(other_->Open(path_text(path()).get(), 0), S_OK);
+  other_appends_and_closes(30'000);
   expect_rows(30'010, 5);
 }
 
@@ -98,10 +157,9 @@ TEST_P(StreamTwoWriters, AValueThatWasChanged) {
 
 TEST_P(StreamTwoWriters, RowsThatAreAppendedMeanwhile) {
   // Nothing of this stream is in the file yet, and then much of it.
+  LONG expected = 10;
   for (const int first : {5, 100'000}) {
-    const LONG before = rows();
     made_stream from({depths(first, 7), depths(100'000, 8)});
-    bytes after;
     int asked = 0;
     from.meanwhile = [&] {
       if (++asked != 2) return;
@@ -109,12 +167,14 @@ TEST_P(StreamTwoWriters, RowsThatAreAppendedMeanwhile) {
       ASSERT_EQ(third->Open(path_text(path()).get(), 0), S_OK);
       made_stream more({depths(30'000, 5)});
       LONG appended = 0;
-      ASSERT_EQ(ovfile::streams_of(third)->Append(&more.stream, &appended), S_OK) << take_error_text();
+      EXPECT_EQ(ovfile::streams_of(third)->Append(&more.stream, &appended), E_FAIL);
+      EXPECT_EQ(take_error_text(), in_turn);
       ASSERT_EQ(third->Close(), S_OK);
-      after = content();
     };
-    expect_refused(from, refused);
-    expect_in_file(after, before + 30'000, 5);
+    LONG appended = 0;
+    ASSERT_EQ(ovfile::streams_of(table_)->Append(&from.stream, &appended), S_OK) << take_error_text();
+    expected += first + 100'000;
+    expect_rows(expected, 8);
   }
 }
 

@@ -141,6 +141,8 @@ class failing_files final : public ovf::file_system {
       return owner_->ask(call::set_end, name_) == fate::works && real_->set_end();
     }
     bool sync() noexcept override { return owner_->ask(call::sync, name_) == fate::works && real_->sync(); }
+    bool claim_growth() noexcept override { return real_->claim_growth(); }
+    void give_back_growth() noexcept override { real_->give_back_growth(); }
 
     std::unique_ptr<ovf::file>& real() noexcept { return real_; }
 

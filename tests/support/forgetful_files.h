@@ -137,6 +137,9 @@ class forgetful_files final : public ovf::file_system {
       return true;
     }
 
+    bool claim_growth() noexcept override { return real_->claim_growth(); }
+    void give_back_growth() noexcept override { real_->give_back_growth(); }
+
     std::unique_ptr<ovf::file>& real() noexcept { return real_; }
     void rename(ovf::wide name) { name_ = std::move(name); }
 
