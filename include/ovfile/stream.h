@@ -73,7 +73,9 @@ struct IOvTableStream : IUnknown {
   ///
   /// Refused, too, where another program or another object has changed the file since this object opened
   /// it, which it knows by its counts of rows and its size, and as long as this object has changed
-  /// nothing, by the time of the last writing. What it finds then it leaves alone.
+  /// nothing, by the time of the last writing. What it finds then it leaves alone. One open table at a time
+  /// appends, by streams or row by row, of all that use this library: from its first row until
+  /// `FlushChanges` or `Close` has counted the last in the file, others are refused.
   ///
   /// The stream's own code may call into the table. It cannot append to it; a change and `Close` hold, and
   /// the rows of the stream are refused. No row counts before all are in: a process that ends before
