@@ -7,11 +7,12 @@ and live as long as the process.
 
 from __future__ import annotations
 
+import contextlib
 import ctypes
 import errno
 import itertools
 from ctypes import POINTER, c_void_p, pointer
-from typing import Any, Dict, Iterator, List, Optional, Sequence
+from typing import Any, Dict, Iterator, List, Optional, Sequence, Tuple
 
 import numpy as np
 
@@ -24,6 +25,7 @@ from ._arrow_abi import (
     GetLastError,
     GetStructure,
     Release,
+    release,
 )
 from ._arrow_import import NUMBERS, Owner
 
@@ -41,15 +43,20 @@ def _keep(structure: Any, what: Any, let_go: Any) -> None:
 
 
 def _release(kind: Any, address: int) -> None:
-    """Releases the children that nobody moved away, then lets go of what the structure points to."""
+    """Releases the children that nobody moved away, then lets go of what the structure points to.
+
+    One that fails keeps none of the others from it.
+    """
     structure = kind.from_address(address)
-    for index in range(structure.n_children):
-        child = structure.children[index].contents
-        if child.release:
-            Release(child.release)(ctypes.addressof(child))
-    if structure.dictionary and structure.dictionary.contents.release:
-        found = structure.dictionary.contents
-        Release(found.release)(ctypes.addressof(found))
+    with contextlib.ExitStack() as rest:
+        rest.callback(_forget, structure)
+        if structure.dictionary:
+            rest.callback(release, structure.dictionary.contents)
+        for index in range(structure.n_children):
+            rest.callback(release, structure.children[index].contents)
+
+
+def _forget(structure: Any) -> None:
     structure.release = None
     _alive.pop(structure.private_data, None)
 
@@ -67,16 +74,18 @@ def _release_array(address: int) -> None:
 @Release
 def _let_go_of_array(address: int) -> None:
     """For a copy of a structure whose children and dictionary belong to somebody else."""
-    structure = ArrowArray.from_address(address)
-    structure.release = None
-    _alive.pop(structure.private_data, None)
+    _forget(ArrowArray.from_address(address))
 
 
 @Release
 def _let_go_of_schema(address: int) -> None:
-    structure = ArrowSchema.from_address(address)
-    structure.release = None
-    _alive.pop(structure.private_data, None)
+    _forget(ArrowSchema.from_address(address))
+
+
+def validity(nulls: Optional[Array]) -> Tuple[Optional[Array], int]:
+    """The bits that say where values are, and how many are null; no bits where none is."""
+    count = 0 if nulls is None else int(np.count_nonzero(nulls))
+    return (np.packbits(~nulls, bitorder="little") if nulls is not None and count else None), count
 
 
 class SchemaParts:
@@ -219,9 +228,7 @@ def _get_last_error(stream: int) -> Optional[int]:
 
 @Release
 def _release_stream(address: int) -> None:
-    structure = ArrowArrayStream.from_address(address)
-    structure.release = None
-    _alive.pop(structure.private_data, None)
+    _forget(ArrowArrayStream.from_address(address))
 
 
 # A structure may be released after the module has gone.

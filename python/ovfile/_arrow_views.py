@@ -6,63 +6,23 @@ other, so they are laid so here, batch by batch.
 
 from __future__ import annotations
 
-from typing import Any, Iterator, List, Optional, Tuple
+from typing import List, Tuple
 
 import numpy as np
 
 from ._arrays import Array
-from ._arrow_abi import ArrowArrayStream, move
-from ._arrow_export import ArrayParts, Batch, Borrowed, Producer, SchemaParts
-from ._arrow_import import ColumnView, Field, Stream, child_of, view
+from ._arrow_export import ArrayParts, validity
+from ._arrow_import import ColumnView, view
+from ._arrow_remaking import Remake
 from ._errors import column_error
 
-_FORMAT, _PLAIN = "vu", "U"
 _VIEW = np.dtype([("length", "=i4"), ("start", "u1", 4), ("buffer", "=i4"), ("offset", "=i4")])
 _LONGEST_INSIDE = 12
 _ROWS_AT_ONCE = 65536
 
 
-def without_views(stream: ArrowArrayStream) -> ArrowArrayStream:
-    """The stream, whose owner the caller is, or one that has the same rows and plain texts."""
-    reader = Stream(stream)
-    if not any(field.value_format == _FORMAT for field in reader.fields):
-        return move(stream)
-    children = reader.schema.structure.children
-    types: List[Any] = [
-        _type(field) if field.value_format == _FORMAT else Borrowed(children[i].contents, reader.schema)
-        for i, field in enumerate(reader.fields)
-    ]
-    return Producer(types, _batches(reader)).stream()
-
-
-def _type(field: Field) -> SchemaParts:
-    if field.is_dictionary:
-        return SchemaParts(field.name, field.format, SchemaParts("", _PLAIN))
-    return SchemaParts(field.name, _PLAIN)
-
-
-def _batches(reader: Stream) -> Iterator[Batch]:
-    for owner in iter(reader.next, None):
-        columns: List[Any] = []
-        for i, found in enumerate(reader.columns(owner)):
-            if found.field.value_format != _FORMAT:
-                columns.append(Borrowed(child_of(owner.structure, i), owner))
-            elif found.field.is_dictionary:
-                columns.append(_numbered(found))
-            else:
-                columns.append(_texts(found, found.field.name))
-        yield Batch(int(owner.structure.length), columns, int(owner.structure.null_count))
-
-
-def _numbered(column: ColumnView) -> ArrayParts:
-    """A dictionary's numbers as they are, its texts as plain ones."""
-    bits, count = _bitmap(column)
-    dictionary = _texts(column.dictionary(), column.field.name)
-    return ArrayParts(column.length, [bits, column.numbers()], count, dictionary)
-
-
-def _texts(column: ColumnView, name: str) -> ArrayParts:
-    nulls = column.nulls()
+def _texts(column: ColumnView) -> ArrayParts:
+    name, nulls = column.field.name, column.nulls()
     views, buffers = _memory(column, name)
     lengths = views["length"].astype(np.int64)
     if nulls is not None:
@@ -75,15 +35,8 @@ def _texts(column: ColumnView, name: str) -> ArrayParts:
         rows = slice(start, start + _ROWS_AT_ONCE)
         end = min(start + _ROWS_AT_ONCE, len(views))
         _lay(views[rows], lengths[rows], buffers, data[ends[start] : ends[end]])
-    bits, count = _bitmap(column)
+    bits, count = validity(nulls)
     return ArrayParts(column.length, [bits, ends, data], count)
-
-
-def _bitmap(column: ColumnView) -> Tuple[Optional[Array], int]:
-    nulls = column.nulls()
-    if nulls is None:
-        return None, 0
-    return np.packbits(~nulls, bitorder="little"), int(np.count_nonzero(nulls))
 
 
 def _memory(column: ColumnView, name: str) -> Tuple[Array, List[Array]]:
@@ -126,3 +79,6 @@ def _lay(views: Array, lengths: Array, buffers: List[Array], out: Array) -> None
         there = (longer & (views["buffer"] == number))[row_of]
         if there.any():
             out[there] = buffer[views["offset"][row_of[there]].astype(np.int64) + within[there]]
+
+
+PLAIN_TEXTS = {"vu": Remake("U", _texts)}

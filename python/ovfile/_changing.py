@@ -7,24 +7,27 @@ from typing import Any, Mapping, NamedTuple, Optional, Sequence, Union
 import numpy as np
 
 from ._choosing import Choice, Reader
-from ._columns import Source, is_of_pandas, source_of, sources_of
+from ._columns import Source
 from ._component import Interface
 from ._errors import Error, column_error
+from ._interruption import interruptible
 from ._naming import no_such
+from ._recognizing import is_of_pandas, source_of, sources_of
 from ._rebuilding import add_default_column, add_implicit_column, rebuild, write_with_column
+from ._rows import ArrayRows, fitting, has_stream, stream_of
 from ._schema import ABSENT, NUMBER, TEXT, WORD_CHARACTERS, Column, Schema
 from ._sorting import Ascending, directions, order_of
-from ._writing import Rows, append_rows, append_stream, arrow_stream_of
+from ._writing import append_rows, append_stream
 
 
-def rows_of(data: Any) -> Rows:
+def rows_of(data: Any) -> ArrayRows:
     """Rows out of a data frame or a mapping of names to arrays."""
     if is_of_pandas(data):
         from ._pandas import frame_sources
 
-        return Rows(frame_sources(data))
+        return ArrayRows(frame_sources(data))
     if isinstance(data, Mapping):
-        return Rows(sources_of(data))
+        return ArrayRows(sources_of(data))
     raise Error(
         "rows are a data frame, a mapping of names to arrays, or have __arrow_c_stream__; this is "
         f"{type(data).__name__}"
@@ -33,15 +36,17 @@ def rows_of(data: Any) -> Rows:
 
 def append(table: Interface, schema: Schema, data: Any) -> int:
     """Appends rows, all of them or none; how many they were."""
-    stream = None if is_of_pandas(data) else arrow_stream_of(data)
-    if stream is not None:
-        return append_stream(table, stream)
+    if has_stream(data):
+        capsule = data.__arrow_c_stream__()
+        with interruptible(table):
+            return append_stream(table, fitting(stream_of(capsule), schema.precision))
     rows = rows_of(data)
     for name in rows.names:
         if name not in schema:
             raise column_error(no_such(name, schema.names), name)
-    rows.check(schema.precision)
-    return append_rows(table, rows)
+    rows.fit(schema.precision)
+    with interruptible(table):
+        return append_rows(table, rows)
 
 
 def sort(table: Interface, schema: Schema, places: Sequence[int], ascending: Ascending) -> None:
@@ -70,19 +75,14 @@ def add_column(table: Interface, schema: Schema, wanted: Wanted) -> None:
     source = None
     if wanted.values is not None:
         source = _source(wanted, table.out_long("GetRowCount"))
-        source.check(schema.precision)
+        source.fit(schema.precision)
     column = _column(wanted, source)
     if wanted.implicit:
         add_implicit_column(table, schema, column, ABSENT if column.default is None else column.default)
     elif source is None:
         add_default_column(table, schema, column)
     else:
-        path = table.out_text("get_Name")
-        try:
-            write_with_column(table, path, schema, column, source)
-        finally:
-            # It is closed where the file was to be replaced.
-            table.call("Open", path, 0)
+        write_with_column(table, schema, column, source)
 
 
 def _source(wanted: Wanted, rows: int) -> Source:

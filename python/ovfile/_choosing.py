@@ -49,8 +49,7 @@ class Choice:
             raise Error(f'absent: one of "nan", "mask", "value", not {self.absent!r}')
         flags = known.STREAM_DICTIONARIES
         flags |= known.STREAM_ABSENT_AS_NULL if self.codes or self.absent != "value" else 0
-        flags |= known.STREAM_TRAILING_BLANKS if self.keep_blanks else 0
-        return flags | (known.STREAM_WIDENED if self.widen else 0)
+        return flags | (known.STREAM_TRAILING_BLANKS if self.keep_blanks else 0)
 
 
 class Reader:
@@ -75,6 +74,14 @@ class Reader:
 
         return read_columns(source, sinks, span, self._passing(choice.where))
 
+    def count(self, choice: Choice) -> int:
+        """How many rows are chosen."""
+        span, passing = span_of(choice.rows, self._rows), self._passing(choice.where)
+        if passing is None:
+            return span.count if span.chosen is None else len(span.chosen)
+        passes = passing(span)
+        return int(np.count_nonzero(passes if span.chosen is None else passes[span.chosen]))
+
     def batches(self, choice: Choice, rows: int) -> Iterator[List[Any]]:
         """The arrays of each batch. Whatever is wrong with the choice is told before the first one."""
         rows = number_of_rows(rows, "a batch")
@@ -82,7 +89,7 @@ class Reader:
         stream = Stream(open_stream(self._table, choice.places, span, most, choice.flags()))
         passing = self._passing(choice.where)
         passes = None if passing is None else PassingByParts(passing, 0, self._rows)
-        return batches(stream, choice.absent, passes)
+        return batches(stream, choice.absent, choice.widen, passes)
 
     def _sink(self, choice: Choice, place: int, count: int) -> Any:
         if self._schema.columns[place].kind == TEXT:

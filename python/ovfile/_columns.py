@@ -2,29 +2,20 @@
 
 from __future__ import annotations
 
-import sys
 from decimal import Decimal
-from typing import Any, Iterable, Iterator, List, Mapping, Optional, Sequence, Tuple
+from typing import Any, Iterator, List, Optional, Sequence, Tuple
 
 import numpy as np
 
 from ._arrays import Array
-from ._arrow_export import FORMATS, ArrayParts, Batch, SchemaParts
-from ._errors import Error, column_error
+from ._arrow_export import FORMATS, ArrayParts, Batch, SchemaParts, validity
+from ._errors import column_error
 from ._schema import NUMBER, TEXT
+from ._widening import by_digits
 
 ROWS_PER_BATCH = 65536
 # Whole numbers up to these come back as they were.
 _EXACT = {"double": 2**53, "single": 2**24}
-_FLOATS = (float, np.floating)
-_DATES = "dates have no place in a table; write them as text (.astype(str)) or as numbers"
-
-
-def _bitmap(nulls: Optional[Array], start: int, stop: int) -> Tuple[Optional[Array], int]:
-    """The validity bits of some rows, and how many are null; no bits where none is."""
-    part = None if nulls is None else nulls[start:stop]
-    count = 0 if part is None else int(np.count_nonzero(part))
-    return (np.packbits(~part, bitorder="little") if part is not None and count else None), count
 
 
 class Source:
@@ -41,6 +32,10 @@ class Source:
     def part(self, start: int, stop: int) -> ArrayParts:
         return ArrayParts(stop - start, [], stop - start)
 
+    def validity(self, start: int, stop: int) -> Tuple[Optional[Array], int]:
+        """The bits that say where values are, and how many of the rows are null."""
+        return validity(None if self.nulls is None else self.nulls[start:stop])
+
     def longest(self) -> int:
         """Characters of the longest text."""
         return 0
@@ -49,21 +44,21 @@ class Source:
         """The same as texts. Raises Error for values of which there is more than one way to write them."""
         return self
 
-    def check(self, precision: str) -> None:
-        """Raises Error for values that numbers of this precision would not keep."""
+    def fit(self, precision: str) -> None:
+        """For a table of this precision. Raises Error for values that its numbers would not keep."""
 
 
 class Numbers(Source):
-    """Numbers of one type; NaN is absent."""
+    """Numbers of one type; NaN is absent. Floats go into a table of doubles as what their digits say."""
 
     kind = NUMBER
 
     def __init__(self, name: str, values: Array, nulls: Optional[Array] = None) -> None:
         super().__init__(name, len(values), nulls)
         self._whole = values.dtype.kind in "iu"
+        self._widened = False
         if values.dtype.kind == "f":
-            wide = values.dtype.itemsize
-            values = values.astype(np.float32 if wide < 4 else f"=f{min(wide, 8)}", copy=False)
+            values = _floats(name, values, nulls)
             missing = np.isnan(values)
             if missing.any():
                 self.nulls = missing if nulls is None else missing | nulls
@@ -72,11 +67,12 @@ class Numbers(Source):
         self._values = values.astype(values.dtype.newbyteorder("="), copy=False)
 
     def type(self) -> SchemaParts:
-        return SchemaParts(self.name, FORMATS[self._values.dtype])
+        return SchemaParts(self.name, "g" if self._widened else FORMATS[self._values.dtype])
 
     def part(self, start: int, stop: int) -> ArrayParts:
-        bits, count = _bitmap(self.nulls, start, stop)
-        return ArrayParts(stop - start, [bits, self._values[start:stop]], count)
+        bits, count = self.validity(start, stop)
+        values = self._values[start:stop]
+        return ArrayParts(stop - start, [bits, by_digits(values) if self._widened else values], count)
 
     def as_texts(self) -> "Texts":
         if not self._whole:
@@ -85,7 +81,8 @@ class Numbers(Source):
             )
         return Texts(self.name, self._values.astype(str).astype(object), self.nulls)
 
-    def check(self, precision: str) -> None:
+    def fit(self, precision: str) -> None:
+        self._widened = precision == "double" and self._values.dtype == np.float32
         if not self._whole or self._values.dtype.itemsize < 4:
             return
         limit = _EXACT[precision]
@@ -102,6 +99,24 @@ class Numbers(Source):
             )
 
 
+def _floats(name: str, values: Array, nulls: Optional[Array]) -> Array:
+    """As floats of 4 or 8 bytes. Raises Error for a number that these cannot hold."""
+    size = min(max(4, values.dtype.itemsize), 8)
+    with np.errstate(over="ignore", under="ignore"):
+        made = values.astype(f"=f{size}", copy=False)
+    if values.dtype.itemsize > size:
+        check_range(name, values, made, nulls)
+    return made
+
+
+def check_range(name: str, given: Array, made: Array, nulls: Optional[Array]) -> None:
+    """Raises Error for a number of which an infinity was made."""
+    wrong = np.flatnonzero(np.isinf(made) & (nulls is None or ~nulls))
+    wrong = wrong[given[wrong] != made[wrong]]
+    if len(wrong):
+        raise column_error("the number is beyond what the column can hold", name, row=int(wrong[0]))
+
+
 class Converted(Numbers):
     """Numbers that were objects: some of these may have more digits than floats, which the others are."""
 
@@ -109,7 +124,7 @@ class Converted(Numbers):
         super().__init__(name, values, nulls)
         self._objects = objects
 
-    def check(self, precision: str) -> None:
+    def fit(self, precision: str) -> None:
         limit = _EXACT[precision]
         for row, value in enumerate(self._objects):
             if self.nulls is not None and self.nulls[row]:
@@ -150,7 +165,7 @@ class Texts(Source):
         return SchemaParts(self.name, "u")
 
     def part(self, start: int, stop: int) -> ArrayParts:
-        bits, count = _bitmap(self.nulls, start, stop)
+        bits, count = self.validity(start, stop)
         ends, data = encode(self._values[start:stop].tolist(), self.name, start)
         return ArrayParts(stop - start, [bits, ends, data], count)
 
@@ -173,7 +188,7 @@ class Codes(Source):
         return SchemaParts(self.name, "i", SchemaParts("", "u"))
 
     def part(self, start: int, stop: int) -> ArrayParts:
-        bits, count = _bitmap(self.nulls, start, stop)
+        bits, count = self.validity(start, stop)
         codes = np.maximum(self._codes[start:stop], 0)
         texts = self._texts or [""]
         dictionary = ArrayParts(len(texts), [None, *encode(texts, self.name, None)])
@@ -211,140 +226,6 @@ def encode(texts: List[str], column: str, start: Optional[int]) -> Tuple[Array, 
 
 def _is_encodable(text: str) -> bool:
     return not any("\ud800" <= c <= "\udfff" for c in text)
-
-
-def array_source(name: str, values: Any) -> Source:
-    """A column out of an array, a masked array or a sequence. Raises Error for types without a place."""
-    nulls = None
-    if isinstance(values, np.ma.MaskedArray):
-        nulls = np.ma.getmaskarray(values)
-        values = values.data
-    elif not isinstance(values, np.ndarray):
-        values = _array_of(values)
-    if values.ndim != 1:
-        raise column_error(f"the values have {values.ndim} dimensions instead of one", name)
-    kind = values.dtype.kind
-    if kind in "biuf":
-        return Numbers(name, values, nulls)
-    if kind == "U":
-        return Texts(name, values.astype(object), nulls)
-    if kind == "O":
-        missing = missing_in(values)
-        return object_source(name, values, missing if nulls is None else missing | nulls)
-    raise column_error(_DATES if kind in "mM" else f"values of type {values.dtype} have no place", name)
-
-
-def _check_several(name: str, values: Any) -> None:
-    """Raises Error for a single value, and for what has no order. A text is one value, not its letters."""
-    try:
-        single = isinstance(values, (str, bytes, bytearray)) or iter(values) is None
-    except TypeError:
-        single = True
-    if single:
-        raise column_error(f"{values!r} is one value; a column is a list or an array of values", name)
-    if isinstance(values, (Mapping, set, frozenset)):
-        raise column_error(f"a {type(values).__name__} has no order; a column is a list or an array", name)
-
-
-def _array_of(values: Any) -> Array:
-    items = list(values)
-    array = np.empty(len(items), object)
-    array[:] = items
-    return array
-
-
-def missing_in(values: Array) -> Array:
-    """Where objects stand for nothing: None, NaN, and what pandas has for it."""
-    pandas = sys.modules.get("pandas")
-    if pandas is not None:
-        return np.asarray(pandas.isna(values), bool)
-    found = [v is None or (isinstance(v, (float, np.floating)) and v != v) for v in values]
-    return np.array(found, bool)
-
-
-def object_source(name: str, values: Array, nulls: Array) -> Source:
-    """A column out of objects that are all texts, or all numbers, or missing."""
-    there = values[~nulls]
-    types = set(map(type, there))
-    if not types:
-        return Source(name, len(values), nulls)
-    missing = nulls if nulls.any() else None
-    if all(issubclass(kind, str) for kind in types):
-        return Texts(name, values, missing)
-    if all(_is_number(kind) for kind in types):
-        filled = np.where(nulls, 0, values)
-        try:
-            converted = filled.astype(_number_type(types))
-        except OverflowError:
-            raise column_error("a whole number has more than 64 bits", name) from None
-        except ValueError as failure:  # a decimal that signals
-            raise column_error(str(failure), name) from None
-        if converted.dtype == np.float64 and not all(issubclass(kind, _FLOATS) for kind in types):
-            return Converted(name, converted, missing, filled)
-        return Numbers(name, converted, missing)
-    _refuse_objects(name, values, nulls, mixed=any(issubclass(kind, str) for kind in types))
-    raise AssertionError
-
-
-def _number_type(types: Iterable[type]) -> Any:
-    """For objects of these types together."""
-    if all(issubclass(kind, (bool, np.bool_)) for kind in types):
-        return np.bool_
-    whole = all(issubclass(kind, (int, np.integer, np.bool_)) for kind in types)
-    return np.int64 if whole else np.float64
-
-
-def _is_number(kind: type) -> bool:
-    return issubclass(kind, (int, float, np.integer, np.floating, np.bool_, Decimal))
-
-
-def _refuse_objects(name: str, values: Array, nulls: Array, mixed: bool) -> None:
-    """Raises Error for the first value that fits neither the column's texts nor its numbers."""
-    rows = np.flatnonzero(~nulls)
-    for row in rows:
-        value = values[row]
-        if isinstance(value, str) or _is_number(type(value)):
-            continue
-        dated = hasattr(value, "isoformat") or isinstance(value, (np.datetime64, np.timedelta64))
-        problem = _DATES if dated else f"{value!r} is neither a text nor a number"
-        raise column_error(problem, name, row=int(row))
-    first_is_text = isinstance(values[rows[0]], str)
-    odd = next(row for row in rows if isinstance(values[row], str) != first_is_text)
-    what = "a number among texts" if first_is_text else "a text among numbers"
-    raise column_error(f"{values[odd]!r} is {what}", name, row=int(odd))
-
-
-def is_of_pandas(data: Any) -> bool:
-    return type(data).__module__.partition(".")[0] == "pandas"
-
-
-def source_of(name: str, values: Any) -> Source:
-    """A column out of a sequence, an array, or a series."""
-    if not is_of_pandas(values):
-        _check_several(name, values)
-        return array_source(name, values)
-    from ._pandas import series_of, series_source
-
-    return series_source(name, series_of(values))
-
-
-def sources_of(data: Mapping[str, Any]) -> List[Source]:
-    """Columns out of a mapping of names to arrays or series of one length."""
-    sources = []
-    for name, values in data.items():
-        if not isinstance(name, str):
-            raise Error(f"a column's name is a text, not {name!r}")
-        sources.append(source_of(name, values))
-    check_lengths(sources)
-    return sources
-
-
-def check_lengths(sources: Sequence[Source]) -> None:
-    for source in sources:
-        if source.length != sources[0].length:
-            raise column_error(
-                f"{source.length} values, where {sources[0].name} has {sources[0].length}", source.name
-            )
 
 
 def batches_of(sources: Sequence[Source]) -> Iterator[Batch]:

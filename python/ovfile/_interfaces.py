@@ -132,7 +132,6 @@ class StreamRequest(ctypes.Structure):
 STREAM_ABSENT_AS_NULL = 1
 STREAM_TRAILING_BLANKS = 2
 STREAM_DICTIONARIES = 4
-STREAM_WIDENED = 8
 
 STREAM = _methods(Read=(3, (POINTER(StreamRequest), c_void_p)), Append=(4, (c_void_p, _OUT_LONG)))
 

@@ -8,14 +8,15 @@ import numpy as np
 import pandas as pd
 
 from ._arrays import Array
-from ._columns import Codes, Numbers, Source, array_source, check_lengths, missing_in, object_source
+from ._columns import Codes, Numbers, Source
 from ._errors import Error
+from ._recognizing import array_source, check_lengths, missing_in, object_source
 
 
-def frame_of(names: Sequence[str], arrays: Sequence[Any], blank: Any) -> pd.DataFrame:
-    """A frame of arrays; a pair of codes and texts becomes a categorical."""
+def frame_of(names: Sequence[str], arrays: Sequence[Any], blank: Any, rows: int) -> pd.DataFrame:
+    """A frame of arrays; a pair of codes and texts becomes a categorical. Without any it has so many rows."""
     series = {i: pd.Series(_values(array, blank), copy=False) for i, array in enumerate(arrays)}
-    frame = pd.DataFrame(series, copy=False)
+    frame = pd.DataFrame(series, index=None if series else pd.RangeIndex(rows), copy=False)
     frame.columns = pd.Index(list(names), dtype=object)
     return frame
 

@@ -15,6 +15,7 @@ from ._arrow_abi import ArrowArrayStream
 from ._arrow_import import ColumnView, Stream
 from ._component import E_NOINTERFACE, Interface
 from ._errors import Error
+from ._widening import by_digits
 
 _ROWS = "rows: a slice, a range, row numbers from 0, or a truth value for each row"
 # Chosen rows further apart are read by themselves, and of one read no more rows than these are looked at.
@@ -129,16 +130,18 @@ def text_array(view: ColumnView) -> Tuple[Array, Optional[Array]]:
     return made, nulls
 
 
-def batch_array(view: ColumnView, absent: str) -> Any:
+def batch_array(view: ColumnView, absent: str, widen: bool) -> Any:
     """A column of a batch as the caller wants it."""
     values, nulls = text_array(view) if view.field.is_text else number_array(view, absent)
+    if widen and values.dtype == np.float32:
+        values = by_digits(values)
     if absent != "mask":
         return values
     return np.ma.MaskedArray(values, mask=np.ma.nomask if nulls is None else nulls)
 
 
 class Gathered:
-    """A whole column, filled batch by batch."""
+    """A whole column, filled batch by batch. One of doubles takes floats as what their digits say."""
 
     def __init__(self, dtype: Any, count: int, absent: str) -> None:
         self._values = np.empty(count, dtype)
@@ -152,7 +155,8 @@ class Gathered:
             values = values[kept]
             nulls = None if nulls is None else nulls[kept]
         end = self._at + len(values)
-        self._values[self._at : end] = values
+        is_widened = values.dtype == np.float32 and self._values.dtype == np.float64
+        self._values[self._at : end] = by_digits(values) if is_widened else values
         if self._absent == "mask" and nulls is not None:
             if self._nulls is None:
                 self._nulls = np.zeros(len(self._values), bool)
@@ -282,7 +286,9 @@ class PassingByParts:
         return self._passes[at : at + count]
 
 
-def batches(stream: Stream, absent: str, passes: Optional[PassingByParts]) -> Iterator[List[Any]]:
+def batches(
+    stream: Stream, absent: str, widen: bool, passes: Optional[PassingByParts]
+) -> Iterator[List[Any]]:
     """The columns of each batch; batches of which no row passes are left out."""
     at = 0
     for views in stream:
@@ -291,5 +297,5 @@ def batches(stream: Stream, absent: str, passes: Optional[PassingByParts]) -> It
         at += length
         if kept is not None and not kept.any():
             continue
-        arrays = [batch_array(view, absent) for view in views]
+        arrays = [batch_array(view, absent, widen) for view in views]
         yield arrays if kept is None else [array[kept] for array in arrays]

@@ -2,7 +2,10 @@
 
 from __future__ import annotations
 
-import shutil
+import contextlib
+import ctypes
+import errno
+import os
 from ctypes import POINTER, c_int32
 from typing import Any, Iterator, Optional, Sequence
 
@@ -13,15 +16,26 @@ from ._arrays import Array
 from ._arrow_export import Batch, Borrowed, Producer
 from ._arrow_import import Stream, child_of
 from ._columns import Source
-from ._component import Interface
+from ._component import WINDOWS, Interface
 from ._errors import Error
-from ._interruption import interruptible
+from ._interruption import held_signals, interruptible, stoppable
 from ._library import library
 from ._reading import Span, open_stream
-from ._schema import Column, Schema, make_object
-from ._writing import append_stream, replacement
+from ._replacement import (
+    CHANGED_ELSEWHERE,
+    OPEN_ELSEWHERE,
+    Replacement,
+    Stamp,
+    copy_file,
+    replacement,
+    stamp_of,
+)
+from ._schema import Column, Schema, make_object, read_schema
+from ._writing import append_stream, closing
 
 _LONGS = POINTER(c_int32)
+_TO_CHANGE, _TO_READ = 0, 1
+_SHARING_VIOLATION = 32
 
 
 def rebuild(
@@ -37,7 +51,7 @@ def rebuild(
     definition = make_object(schema) if schema is not None else None
     columns = (c_int32 * max(1, len(column_of or ())))(*(column_of or ()))
     numbers = None if rows is None else np.ascontiguousarray(np.append(rows, 0) + 1, np.int32)
-    with interruptible(table):
+    with interruptible(table), _in_plain_words():
         table.query(known.MAINTENANCE_ID, known.MAINTENANCE).call(
             "Rebuild",
             definition.pointer if definition is not None else None,
@@ -46,6 +60,23 @@ def rebuild(
             0 if rows is None else len(rows),
             None if numbers is None else numbers.ctypes.data_as(_LONGS),
         )
+
+
+@contextlib.contextmanager
+def _in_plain_words() -> Iterator[None]:
+    """The library gives the system's reason why an open table is not replaced, which does not tell it."""
+    try:
+        yield
+    except Error as failure:
+        if "cannot replace" in failure.message and failure.message.endswith(_in_use()):
+            failure.message = OPEN_ELSEWHERE
+        raise
+
+
+def _in_use() -> str:
+    if WINDOWS:
+        return ctypes.FormatError(_SHARING_VIOLATION)  # type: ignore[attr-defined]
+    return os.strerror(errno.EAGAIN)
 
 
 def wider(schema: Schema, column: Column) -> Schema:
@@ -69,29 +100,61 @@ def add_implicit_column(table: Interface, schema: Schema, column: Column, value:
         table.call("AddImplicitNumericColumnDouble", column.name, value)
 
 
-def write_with_column(
-    table: Interface, path: str, schema: Schema, column: Column, source: Source
-) -> None:
-    """The table with one column more and its values, in a new file that takes the place of `path`.
+def write_with_column(table: Interface, schema: Schema, column: Column, source: Source) -> None:
+    """The table with one column more and its values, in a new file that takes the place of its own.
 
-    The new file begins as a copy, so that what a header holds besides columns stays.
+    The new file begins as a copy, so that what a header holds besides columns stays. The rows come out of the
+    file as it stands, and what somebody else writes to it meanwhile is not lost: then it stays as it is.
     """
-    rows = table.out_long("GetRowCount")
+    path, rows = table.out_text("get_Name"), table.out_long("GetRowCount")
     table.call("FlushChanges")
-    with replacement(path) as beside:
-        try:
-            shutil.copyfile(path, beside)
-        except OSError as failure:
-            raise Error(f"the file cannot be copied: {failure.strerror}") from failure
-        made = library().table()
-        made.call("Open", beside, 0)
-        add_default = [*range(1, len(schema) + 1), 0]
-        rebuild(made, wider(schema, column), add_default, np.empty(0, np.int64))
-        producer = _merged(table, schema, source, rows)
-        append_stream(made, producer.stream(), producer)
-        made.call("Close")
-        made.release()
+    with held_signals() as signals, replacement(path) as new:
+        before = stamp_of(path)
+        with closing(_opened(path, _TO_READ)) as old:
+            _require_same(old, schema, rows)
+            copy_file(path, new.beside, signals.check)
+            with closing(_opened(new.beside, _TO_CHANGE)) as made:
+                add_default = [*range(1, len(schema) + 1), 0]
+                rebuild(made, wider(schema, column), add_default, np.empty(0, np.int64))
+                with stoppable(made, signals):
+                    producer = _merged(old, schema, source, rows)
+                    append_stream(made, producer.stream(), producer)
+        signals.check()
+        if stamp_of(path) != before:
+            raise Error(CHANGED_ELSEWHERE)
+        _put_in_place(table, path, new, before)
+
+
+def _opened(path: str, mode: int) -> Interface:
+    made = library().table()
+    made.call("Open", path, mode)
+    return made
+
+
+def _require_same(found: Interface, schema: Schema, rows: int) -> None:
+    """Raises Error where the file is no longer what the open table knows of it."""
+    own = found.out_interface("get_Schema", known.SCHEMA)
+    columns = () if own is None else read_schema(own).columns
+    if columns != schema.columns or found.out_long("GetRowCount") != rows:
+        raise Error(CHANGED_ELSEWHERE)
+
+
+def _put_in_place(table: Interface, path: str, new: Replacement, before: Stamp) -> None:
+    """The table is closed meanwhile, and open behind it whatever happens, as far as that can be."""
+    try:
         table.call("Close")
+        new.take_place(before)
+    except Error as failure:
+        try:
+            table.call("Open", path, _TO_CHANGE)
+        except Error as second:
+            failure.message += f"; the table cannot be opened again: {second.message}"
+        raise
+    try:
+        table.call("Open", path, _TO_CHANGE)
+    except Error as failure:
+        failure.message = f"the column was added, but the table cannot be opened again: {failure.message}"
+        raise
 
 
 def _merged(table: Interface, schema: Schema, source: Source, rows: int) -> Producer:

@@ -2,10 +2,7 @@
 
 from __future__ import annotations
 
-import contextlib
 import os
-import threading
-import weakref
 from typing import TYPE_CHECKING, Any, Dict, Iterator, List, Optional, Sequence, Union
 
 from . import _interfaces as known
@@ -15,10 +12,11 @@ from ._arrow_import import Stream
 from ._changing import Wanted, add_column, append, sort
 from ._choosing import Choice, Reader
 from ._component import Interface
-from ._errors import Error, WrongType, WrongValue, whole_number
+from ._errors import WrongType, WrongValue, whole_number
 from ._filter import passing_rows
 from ._interruption import interruptible
 from ._naming import Key, Keys, is_key, places_of, unique_names
+from ._open_table import OpenTable
 from ._reading import Rows, Span, open_stream
 from ._schema import Schema, read_schema
 from ._sorting import Ascending
@@ -29,17 +27,7 @@ if TYPE_CHECKING:
 PathLike = Union[str, bytes, "os.PathLike[str]", "os.PathLike[bytes]"]
 
 
-def _close_quietly(handle: Interface, lock: Any) -> None:
-    """For a table that nobody has any more, so that nobody is there to hear of a failure."""
-    if not handle.is_of_this_process():
-        return
-    with lock:
-        with contextlib.suppress(Exception):
-            handle.call("Close")
-        handle.release()
-
-
-class Table:
+class Table(OpenTable):
     """An open table file, as `ovfile.open` and `ovfile.create` answer it.
 
     Columns go by name, rows by number from 0. `len(table)` is the number of rows, `for name in table` and
@@ -50,13 +38,9 @@ class Table:
     its own: there every use of this one raises `Error`, and closing or dropping it does nothing.
     """
 
-    def __init__(self, handle: Interface, path: str, mode: str) -> None:
-        self._handle: Optional[Interface] = handle
-        self._mode = mode
-        self._asked = path
-        self._lock = threading.RLock()
-        self._finalizer = weakref.finalize(self, _close_quietly, handle, self._lock)
-        self._schema: Optional[Schema] = None
+    def __enter__(self) -> "Table":
+        self._open_handle()
+        return self
 
     # What it is.
 
@@ -65,15 +49,6 @@ class Table:
         """The file, absolute; where a link file was opened, the file that it led to."""
         with self._about() as handle:
             return handle.out_text("get_Name")
-
-    @property
-    def mode(self) -> str:
-        """"r" or "r+"."""
-        return self._mode
-
-    @property
-    def closed(self) -> bool:
-        return self._handle is None
 
     @property
     def is_linked(self) -> bool:
@@ -155,9 +130,8 @@ class Table:
                 condition is tested on these alone.
             absent: "nan": absent numbers are NaN; "mask": arrays are masked arrays, absent numbers and
                 blank texts are masked; "value": absent numbers are -1e30 as in the file.
-            widen: single precision as float64, tidied: from 1 on to seven significant digits, below to
-                seven decimals, so that 0.1 is 0.1 and not 0.10000000149. What a number has beyond that is
-                lost: 1.2345678e-05 becomes 1.23e-05.
+            widen: single precision as float64: the numbers that the shortest digits of the floats say, so
+                that 0.1 is 0.1 and not 0.10000000149.
             keep_blanks: texts keep the blanks that fill them up to the column's width; those of blanks
                 alone do with `absent="value"`, and are empty otherwise.
 
@@ -223,8 +197,9 @@ class Table:
         with self._about() as handle:
             places = places_of(self.columns, columns)
             choice = Choice(places, where, rows, widen=widen, codes=categories)
-            arrays = Reader(handle, self.schema).arrays(choice)
-            return frame_of(self._names(places), arrays, blank)
+            reader = Reader(handle, self.schema)
+            arrays = reader.arrays(choice)
+            return frame_of(self._names(places), arrays, blank, 0 if places else reader.count(choice))
 
     def _passing(self, where: str, first: int, count: int) -> Array:
         """Which of `count` rows from `first` (from 0) on a condition lets through, as booleans."""
@@ -290,8 +265,9 @@ class Table:
             default: the column's default.
             implicit: one value for all rows, the default, which the table keeps in its header alone.
 
-        The table is written anew and takes the old one's place in one step; after a failure the old one
-        stands as it was.
+        The table is written anew and takes the old one's place in one step, with its rights; after a failure
+        or Ctrl-C the old one stands as it was. One that somebody else has open, or has changed since it was
+        opened here, is not replaced: that is an error.
         """
         with self._changing() as handle:
             wanted = Wanted(name, values, kind, width, default, implicit)
@@ -301,29 +277,6 @@ class Table:
         """Hands all changes over to the system."""
         with self._about() as handle:
             handle.call("FlushChanges")
-
-    def close(self) -> None:
-        """Writes what is not yet written and closes the file; a second time does nothing.
-
-        In a process that was forked off nothing is written: the table is the first process's to close.
-        """
-        handle = self._handle
-        if handle is None:
-            return
-        if not handle.is_of_this_process():
-            self._forget()
-            return
-        with self._lock:
-            if self._handle is None:
-                return
-            with self._about():
-                handle.call("Close")
-            self._forget()
-            handle.release()
-
-    def _forget(self) -> None:
-        self._handle = None
-        self._finalizer.detach()
 
     def signature(
         self,
@@ -367,57 +320,3 @@ class Table:
     def _arrow_stream(self, handle: Interface, rows: int) -> ArrowArrayStream:
         places = list(range(len(self.schema)))
         return open_stream(handle, places, Span(0, rows, None), flags=known.STREAM_ABSENT_AS_NULL)
-
-    # Its life.
-
-    def __enter__(self) -> "Table":
-        self._open_handle()
-        return self
-
-    def __exit__(self, *failure: Any) -> None:
-        self.close()
-
-    def __reduce_ex__(self, protocol: Any) -> Any:
-        raise TypeError("an open table cannot be copied or pickled: open its path where it is needed")
-
-    def _open_handle(self) -> Interface:
-        if self._handle is None:
-            raise Error("the table is closed", file=self._asked)
-        if not self._handle.is_of_this_process():
-            problem = "the table was opened in another process; open it here"
-            raise Error(problem, file=self._asked)
-        return self._handle
-
-    def _about(self) -> "_About":
-        return _About(self, False)
-
-    def _changing(self) -> "_About":
-        return _About(self, True)
-
-
-class _About:
-    """The table's object, for a call of one thread; errors that come out tell the file."""
-
-    def __init__(self, table: Table, changing: bool) -> None:
-        self._table, self._changing = table, changing
-
-    def __enter__(self) -> Interface:
-        # First of all, as another process may have had the lock at the time of the fork.
-        self._table._open_handle()
-        self._table._lock.acquire()
-        try:
-            handle = self._table._open_handle()
-            if self._changing and self._table._mode == "r":
-                problem = 'the table was opened for reading; open it with mode="r+"'
-                raise Error(problem, file=self._table._asked)
-            return handle
-        except BaseException:
-            self._table._lock.release()
-            raise
-
-    def __exit__(self, kind: Any, failure: Any, trace: Any) -> None:
-        if self._changing:
-            self._table._schema = None
-        self._table._lock.release()
-        if isinstance(failure, Error) and failure.file is None:
-            failure.file = self._table._asked

@@ -2,20 +2,24 @@
 
 from __future__ import annotations
 
+import contextlib
 import os
-from typing import TYPE_CHECKING, Any, Iterable, Mapping, Optional, Union
+from typing import TYPE_CHECKING, Any, Iterable, Optional, Union
 
 from ._changing import rows_of
-from ._columns import is_of_pandas
 from ._component import Interface
 from ._errors import Error, WrongType, WrongValue
+from ._interruption import held_signals
 from ._library import library
+from ._planning import Implicit, Kinds, Wishes, planned_schema
 from ._reading import Rows
+from ._recognizing import is_of_pandas
+from ._replacement import require_file
+from ._rows import ArrowRows, has_stream, stream_of
 from ._schema import Column, Schema, parse_columns
 from ._naming import Keys
 from ._table import PathLike, Table
-from ._writing import ArrowRows, Kinds, arrow_stream_of, create_file, planned_schema, write_new
-from ._writing import Rows as RowsToWrite
+from ._writing import create_file, write_new
 
 if TYPE_CHECKING:
     import pandas
@@ -36,8 +40,8 @@ def open(path: PathLike, mode: str = "r") -> Table:
     Raises:
         Error: there is no such file, it is not a table, or it cannot be opened.
     """
-    if mode not in _MODES:
-        hint = "; ovfile.create makes a new table" if mode in ("w", "x", "w+", "x+") else ""
+    if not isinstance(mode, str) or mode not in _MODES:
+        hint = "; ovfile.create makes a new table" if mode in ["w", "x", "w+", "x+"] else ""
         raise WrongValue(f'mode is "r" or "r+", not {mode!r}{hint}')
     name = _absolute(path)
     handle = library().table()
@@ -75,17 +79,26 @@ def create(
         precision or base.precision,
         base.description if description is None else description,
     )
-    if not overwrite:
-        _reserve(name)
     try:
-        handle = create_file(name, schema)
-    except BaseException as failure:
-        if not overwrite:
-            os.unlink(name)
-        if isinstance(failure, Error) and failure.file is None:
-            failure.file = name
+        require_file(name)
+        own = not (overwrite and os.path.lexists(name))
+        if own:
+            _reserve(name)
+        handle = _created(name, schema, own)
+    except Error as failure:
+        failure.file = failure.file or name
         raise
     return Table(handle, name, "r+")
+
+
+def _created(name: str, schema: Schema, own: bool) -> Interface:
+    try:
+        return create_file(name, schema, own)
+    except BaseException:
+        if own:
+            with contextlib.suppress(FileNotFoundError):
+                os.unlink(name)
+        raise
 
 
 def read_pandas(
@@ -109,13 +122,17 @@ def write(
     precision: Optional[str] = None,
     kinds: Optional[Kinds] = None,
     *,
-    implicit: Optional[Mapping[str, Union[float, str, None]]] = None,
+    implicit: Optional[Implicit] = None,
     description: Optional[str] = None,
     schema: Optional[Schema] = None,
 ) -> int:
     """Writes a table file that has these rows. It appears whole or, after a failure, not at all.
 
-    A file of that name is replaced in one step; after a failure it stands as it was.
+    A file of that name is replaced in one step and keeps its rights; after a failure or Ctrl-C it stands as
+    it was. What is no regular file is not replaced, nor is a table that somebody has open.
+
+    A stream is written batch by batch where `schema` or `kinds` name the widths of all its texts; else its
+    batches are kept until they are known.
 
     Args:
         data: a data frame (its index is not written), a mapping of names to arrays or sequences, or
@@ -137,14 +154,24 @@ def write(
     """
     name = _absolute(path)
     try:
-        stream = None if is_of_pandas(data) else arrow_stream_of(data)
-        prepared: Union[RowsToWrite, ArrowRows]
-        prepared = rows_of(data) if stream is None else ArrowRows(stream)
-        plan = planned_schema(prepared, precision, kinds, implicit, description, schema)
-        return write_new(name, prepared, plan)
+        require_file(name)
+        wishes = Wishes(precision, kinds, implicit, description, schema)
+        if has_stream(data):
+            return _write_stream(name, data.__arrow_c_stream__(), wishes)
+        rows = rows_of(data)
+        return write_new(name, rows, planned_schema(rows, wishes))
     except Error as failure:
         failure.file = name
         raise
+
+
+def _write_stream(name: str, capsule: Any, wishes: Wishes) -> int:
+    with held_signals() as signals:
+        rows = ArrowRows(stream_of(capsule), signals)
+        try:
+            return write_new(name, rows, planned_schema(rows, wishes))
+        finally:
+            rows.let_go()
 
 
 def write_pandas(
@@ -153,7 +180,7 @@ def write_pandas(
     precision: Optional[str] = None,
     kinds: Optional[Kinds] = None,
     *,
-    implicit: Optional[Mapping[str, Union[float, str, None]]] = None,
+    implicit: Optional[Implicit] = None,
     description: Optional[str] = None,
     schema: Optional[Schema] = None,
 ) -> int:

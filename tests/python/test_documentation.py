@@ -91,8 +91,9 @@ def test_polars(folder):
 
 
 def test_sql(folder):
-    join, csv, composites, as_json, absent = run_commands("SQL")
+    join, named, csv, composites, as_json, absent = run_commands("SQL")
     assert join.splitlines()[0].split() == ["BHID", "avg(CU)"] and "LK001" in join
+    assert named.splitlines()[0].split() == ["BHID", "CU", "EOH"]
     assert csv.splitlines()[0] == "BHID,FROM,TO,SAMPLE,CU,AU,DENSITY,LITH" and len(csv.splitlines()) == 11
     assert composites == as_json == ""
     assert absent.splitlines()[1].split()[1] == "-1e+30"

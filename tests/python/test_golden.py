@@ -125,8 +125,9 @@ def check_rows(table, expected):
                 continue
             assert bits(found, single) == bits(value, single), where
             assert np.isnan(missing[name][row]) == (value in (ABSENT, float(np.float32(ABSENT)))), where
-            if not math.isnan(number(cell["d"])):
-                assert bits(wide[name][row], False) == bits(number(cell["d"]), False), where
+            # A float as the double that its shortest digits say.
+            digits = float(np.format_float_scientific(np.float32(value))) if single else value
+            assert bits(wide[name][row], False) == bits(digits, False), where
 
 
 def check_signatures(table, expected):

@@ -100,7 +100,7 @@ def test_single_precision(path):
     assert raw[1] == np.float32(-1e30)
     assert wide.dtype == np.float64
     assert wide[0] == 0.1 and np.isnan(wide[1])
-    assert wide_raw[1] == -1.0000000150474662e30
+    assert wide_raw[1] == -1e30
     assert masked.mask.tolist() == [False, True, False]
 
 
@@ -130,6 +130,22 @@ def test_columns_that_are_not_there(assays):
 def test_no_columns(assays):
     with ovfile.open(assays) as table:
         assert table.read([]) == {}
+
+
+def test_a_frame_without_columns_has_the_rows(assays, path):
+    with ovfile.open(assays) as table:
+        whole = table.to_pandas([])
+        assert whole.shape == (6, 0)
+        pd.testing.assert_index_equal(whole.index, table.to_pandas(["CU"]).index)
+        assert table.to_pandas([], rows=slice(1, 4)).shape == (3, 0)
+        assert table.to_pandas([], rows=[5, 0, 5]).shape == (3, 0)
+        assert table.to_pandas([], where="BHID = 'LK001'").shape == (3, 0)
+        assert table.to_pandas([], where="BHID = 'LK001'", rows=[0, 4, 0]).shape == (2, 0)
+        assert table.to_pandas([], where="CU > 100").shape == (0, 0)
+        with pytest.raises(ovfile.Error, match="where: there is no such column"):
+            table.to_pandas([], where="NO > 1")
+        with pytest.raises(ovfile.Error, match="numbered from 0"):
+            table.to_pandas([], rows=[6])
 
 
 ROWS = [

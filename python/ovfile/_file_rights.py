@@ -1,0 +1,95 @@
+"""Who may do what with a file, for one that takes another's place."""
+
+from __future__ import annotations
+
+import contextlib
+import errno
+import os
+import shutil
+import stat
+
+_ACCESS_LIST = "system.posix_acl_access"
+_OTHERS = stat.S_IRWXG | stat.S_IRWXO
+
+
+def carry_rights(old: int, source: str, target: str) -> None:
+    """Gives `target`, a file of this process's user, the owner, group, permissions, access list and user's
+    attributes of the open file `old`, as far as the system lets us; `source` is that file's name.
+
+    Where the group stays another one, or the list cannot be given, group and others get no rights: nobody may do
+    what he could not do before. Raises OSError where the permissions cannot be set.
+    """
+    if not hasattr(os, "fchown") or not hasattr(os, "getxattr"):
+        shutil.copymode(source, target)
+        return
+    new = os.open(target, os.O_RDONLY | os.O_NOFOLLOW | os.O_CLOEXEC)
+    try:
+        _carry_attributes(old, new)
+        _carry_owner(os.fstat(old), new)
+        before, made = os.fstat(old), os.fstat(new)
+        others_too = made.st_gid == before.st_gid and _carry_access_list(old, new)
+        if not others_too:
+            with contextlib.suppress(OSError):
+                os.removexattr(new, _ACCESS_LIST)
+        _set_mode(new, _mode_under(before, made, others_too))
+        os.fsync(new)
+    finally:
+        os.close(new)
+
+
+def _carry_attributes(old: int, new: int) -> None:
+    """What users have noted beside the file; where one cannot be kept nothing is lost that counts."""
+    with contextlib.suppress(OSError):
+        for name in os.listxattr(old):
+            if name.startswith("user."):
+                with contextlib.suppress(OSError):
+                    os.setxattr(new, name, os.getxattr(old, name))
+
+
+def _carry_owner(before: os.stat_result, new: int) -> None:
+    """Only a privileged user may give files away; the group goes along where the user belongs to it."""
+    with contextlib.suppress(OSError):
+        os.fchown(new, -1, before.st_gid)
+    with contextlib.suppress(OSError):
+        os.fchown(new, before.st_uid, -1)
+
+
+def _carry_access_list(old: int, new: int) -> bool:
+    """A file may have come with a list from its folder: where the old one had none, the new one has none."""
+    try:
+        given = os.getxattr(old, _ACCESS_LIST)
+    except OSError as failure:
+        if not _has_none(failure):
+            return False
+        given = b""
+    try:
+        if given:
+            os.setxattr(new, _ACCESS_LIST, given)
+        else:
+            os.removexattr(new, _ACCESS_LIST)
+    except OSError as failure:
+        return not given and _has_none(failure)
+    return True
+
+
+def _has_none(failure: OSError) -> bool:
+    return failure.errno in (errno.ENODATA, errno.ENOTSUP)
+
+
+def _mode_under(before: os.stat_result, made: os.stat_result, others_too: bool) -> int:
+    """A program that runs with its owner's or group's rights shall not run with another's."""
+    mode = stat.S_IMODE(before.st_mode)
+    if made.st_uid != before.st_uid:
+        mode &= ~stat.S_ISUID
+    if made.st_gid != before.st_gid:
+        mode &= ~stat.S_ISGID
+    return mode if others_too else mode & ~_OTHERS
+
+
+def _set_mode(new: int, mode: int) -> None:
+    """A file system without permissions refuses to set any, and gives all files the same."""
+    try:
+        os.fchmod(new, mode)
+    except OSError:
+        if stat.S_IMODE(os.fstat(new).st_mode) != mode:
+            raise

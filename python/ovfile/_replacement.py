@@ -1,0 +1,185 @@
+"""New files that take another's place in one step, when all went well."""
+
+from __future__ import annotations
+
+import contextlib
+import os
+import secrets
+import stat
+from typing import Callable, Iterator, NamedTuple, Optional
+
+from ._errors import Error
+from ._file_rights import carry_rights
+
+try:
+    import fcntl
+except ImportError:  # Windows refuses to replace an open file by itself
+    fcntl = None  # type: ignore[assignment]
+
+OPEN_ELSEWHERE = "the table is open somewhere else and cannot be replaced"
+CHANGED_ELSEWHERE = "the table was changed elsewhere meanwhile; nothing was written"
+
+# What a table's header says of its rows stands within so many bytes.
+_HEADER_BYTES = 4096
+_PORTION = 1 << 22
+_MOST_TRIES = 5
+# A pipe under the file's name would hold us up.
+_TO_LOOK = os.O_RDONLY | getattr(os, "O_NONBLOCK", 0) | getattr(os, "O_BINARY", 0)
+_TO_MAKE = os.O_RDWR | os.O_CREAT | os.O_EXCL
+
+
+class Stamp(NamedTuple):
+    """What tells that a file is another one, or not what it was."""
+
+    device: int
+    number: int
+    size: int
+    written: int
+    header: bytes
+
+
+def stamp_of(path: str) -> Stamp:
+    try:
+        handle = os.open(path, _TO_LOOK)
+        try:
+            return _stamp_of(handle)
+        finally:
+            os.close(handle)
+    except OSError as failure:
+        raise Error(f"the file cannot be read: {failure.strerror}") from None
+
+
+def _stamp_of(handle: int) -> Stamp:
+    facts = os.fstat(handle)
+    os.lseek(handle, 0, os.SEEK_SET)
+    header = os.read(handle, _HEADER_BYTES)
+    return Stamp(facts.st_dev, facts.st_ino, facts.st_size, facts.st_mtime_ns, header)
+
+
+def require_file(path: str) -> None:
+    """Raises Error where the name stands for something that is no file: a folder, a device, a pipe."""
+    try:
+        kind = os.stat(path).st_mode
+    except FileNotFoundError:
+        return
+    except OSError as failure:
+        raise Error(f"the file cannot be written: {failure.strerror}") from None
+    if not stat.S_ISREG(kind):
+        raise Error("it is not a regular file")
+
+
+def copy_file(source: str, target: str, check: Callable[[], None]) -> None:
+    """Copies into a file that is there. `check` is asked now and then, and raises where it is to end."""
+    try:
+        with open(source, "rb") as old, open(target, "rb+") as new:
+            for portion in iter(lambda: old.read(_PORTION), b""):
+                check()
+                new.write(portion)
+    except OSError as failure:
+        raise Error(f"the file cannot be copied: {failure.strerror}") from None
+
+
+class Replacement:
+    """An empty file, `beside` the one whose place it is to take."""
+
+    def __init__(self, path: str) -> None:
+        require_file(path)
+        self._target = os.path.realpath(path)
+        self.beside = self._make()
+
+    def _make(self) -> str:
+        """What takes another file's place may hold what few shall read, so nobody else reads it before it has
+        that file's rights.
+        """
+        folder, name = os.path.split(self._target)
+        beside = os.path.join(folder, f".NEW{secrets.token_hex(6)}{os.path.splitext(name)[1]}")
+        replaces = os.path.exists(self._target)
+        try:
+            os.close(os.open(beside, _TO_MAKE, 0o600 if replaces else 0o666))
+        except OSError as failure:
+            words = "cannot be replaced, no file can be made in its folder" if replaces else "cannot be made"
+            raise Error(f"the file {words}: {failure.strerror}") from None
+        return beside
+
+    def require_closed(self) -> None:
+        """Raises Error when somebody has the old file open."""
+        if os.path.exists(self._target):
+            with _as_errors(), self._locked():
+                pass
+
+    def take_place(self, expected: Optional[Stamp] = None) -> None:
+        """Raises Error, and leaves the old file, where somebody has it open, or it is not the expected one."""
+        with _as_errors():
+            with open(self.beside, "rb+") as file:
+                os.fsync(file.fileno())
+            if expected is None and not os.path.exists(self._target):
+                os.replace(self.beside, self._target)
+            else:
+                self._replace(expected)
+            self._sync_folder()
+
+    def _replace(self, expected: Optional[Stamp]) -> None:
+        with self._locked() as old:
+            if expected is not None and not _is_expected(_stamp_of(old), expected):
+                raise Error(CHANGED_ELSEWHERE)
+            carry_rights(old, self._target, self.beside)
+            if fcntl is not None:
+                os.replace(self.beside, self._target)
+                return
+        os.replace(self.beside, self._target)
+
+    @contextlib.contextmanager
+    def _locked(self) -> Iterator[int]:
+        """The old file, which nobody has open meanwhile. A table in use holds a shared lock."""
+        for tries in range(_MOST_TRIES):
+            handle = os.open(self._target, _TO_LOOK)
+            try:
+                _lock(handle)
+                # Somebody may have put another file there before it was locked.
+                if tries + 1 == _MOST_TRIES or os.path.samestat(os.fstat(handle), os.stat(self._target)):
+                    yield handle
+                    return
+            finally:
+                os.close(handle)
+
+    def _sync_folder(self) -> None:
+        """A folder that cannot wait leaves the moment to the system."""
+        with contextlib.suppress(OSError):
+            handle = os.open(os.path.dirname(self._target), os.O_RDONLY)
+            try:
+                os.fsync(handle)
+            finally:
+                os.close(handle)
+
+
+@contextlib.contextmanager
+def replacement(path: str) -> Iterator[Replacement]:
+    """A file for the place of `path`, where links lead to. It is gone at the end unless it took that place."""
+    made = Replacement(path)
+    try:
+        yield made
+    finally:
+        with contextlib.suppress(OSError):
+            os.unlink(made.beside)
+
+
+@contextlib.contextmanager
+def _as_errors() -> Iterator[None]:
+    try:
+        yield
+    except OSError as failure:
+        raise Error(f"the file cannot be written: {failure.strerror}") from None
+
+
+def _lock(handle: int) -> None:
+    if fcntl is None:
+        return
+    try:
+        fcntl.flock(handle, fcntl.LOCK_EX | fcntl.LOCK_NB)
+    except BlockingIOError:
+        raise Error(OPEN_ELSEWHERE) from None
+
+
+def _is_expected(found: Stamp, expected: Stamp) -> bool:
+    """Where files are not locked, the last write may be noted as late as a file is closed."""
+    return found == expected if fcntl is not None else found._replace(written=expected.written) == expected

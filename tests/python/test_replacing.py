@@ -1,0 +1,352 @@
+"""What takes a file's place: its rights, what stands under its name, and what others do to it meanwhile."""
+
+import os
+import stat
+import subprocess
+import sys
+
+import numpy as np
+import pytest
+from conftest import ROOT, without_new_files
+
+import ovfile
+from ovfile import _rebuilding, _replacement, _writing
+
+linux = pytest.mark.skipif(os.name == "nt", reason="rights and devices are Linux'")
+
+
+def child(script, *arguments):
+    """What a program of its own says, which works on tables."""
+    environment = {**os.environ, "PYTHONPATH": str(ROOT / "python")}
+    run = subprocess.run(
+        [sys.executable, "-c", script, *map(str, arguments)],
+        env=environment,
+        capture_output=True,
+        text=True,
+        timeout=120,
+    )
+    assert run.returncode == 0, run.stderr
+    return run.stdout.strip()
+
+
+# Others who change the table while a column is added.
+
+APPEND = """
+import sys, ovfile
+with ovfile.open(sys.argv[1], "r+") as table:
+    table.append({"A": [-7.0]})
+with ovfile.open(sys.argv[1]) as table:
+    print(len(table))
+"""
+REPLACE = """
+import os, sys, ovfile
+ovfile.write({"A": [0.0, 1.0, 5.0]}, sys.argv[1] + ".other")
+os.replace(sys.argv[1] + ".other", sys.argv[1])
+print(3)
+"""
+IMPLICIT = """
+import sys, ovfile
+with ovfile.open(sys.argv[1], "r+") as table:
+    table.add_column("SG", default=2.5, implicit=True)
+    print(len(table))
+"""
+
+
+def before(function, work):
+    """`function`, before which something happens."""
+
+    def both(*arguments, **options):
+        work()
+        return function(*arguments, **options)
+
+    return both
+
+
+MOMENTS = {
+    "as it begins": (_rebuilding, "held_signals"),
+    "as it is copied": (_rebuilding, "copy_file"),
+    "while rows are written": (_rebuilding, "append_stream"),
+    "at the end": (_rebuilding, "_put_in_place"),
+    "as the place is taken": (_replacement.Replacement, "take_place"),
+}
+
+
+@pytest.mark.parametrize(
+    "moment, script, rows",
+    [(moment, APPEND, 4) for moment in MOMENTS]
+    # One that was replaced before anything was read is as good as any.
+    + [(moment, REPLACE, 3) for moment in list(MOMENTS)[1:]],
+)
+def test_a_table_that_others_change_gets_no_column(path, monkeypatch, moment, script, rows):
+    ovfile.write({"A": [0.0, 1.0, 2.0]}, path)
+    where, name = MOMENTS[moment]
+    seen = []
+    monkeypatch.setattr(where, name, before(getattr(where, name), lambda: seen.append(child(script, path))))
+    with ovfile.open(path, "r+") as table:
+        with pytest.raises(ovfile.Error, match="changed elsewhere") as caught:
+            table.add_column("B", [1, 2, 3])
+        assert caught.value.file == str(path)
+        monkeypatch.undo()
+    assert seen == [str(rows)]
+    with ovfile.open(path) as table:
+        assert (len(table), table.columns, table["A"][-1]) == (rows, ["A"], {4: -7.0, 3: 5.0}[rows])
+    assert os.listdir(path.parent) == [path.name]
+
+
+def test_a_table_that_was_changed_before(path):
+    """The open table does not know of the row that came behind it."""
+    ovfile.write({"A": [0.0, 1.0, 2.0]}, path)
+    with ovfile.open(path, "r+") as table:
+        assert child(APPEND, path) == "4"
+        with pytest.raises(ovfile.Error, match="changed elsewhere"):
+            table.add_column("B", [1, 2, 3])
+    with ovfile.open(path, "r+") as table:
+        assert table["A"].tolist() == [0, 1, 2, -7]
+        table.add_column("B", [1, 2, 3, 4])
+        assert table["B"].tolist() == [1, 2, 3, 4]
+
+
+def test_a_column_that_came_before(path):
+    ovfile.write({"A": [0.0, 1.0, 2.0]}, path)
+    with ovfile.open(path, "r+") as table:
+        assert child(IMPLICIT, path) == "3"
+        with pytest.raises(ovfile.Error, match="changed elsewhere"):
+            table.add_column("B", [1, 2, 3])
+    with ovfile.open(path) as table:
+        assert table.columns == ["A", "SG"]
+
+
+def test_the_table_is_usable_after_a_refusal(path, monkeypatch):
+    ovfile.write({"A": [0.0, 1.0, 2.0]}, path)
+    with ovfile.open(path, "r+") as table:
+        with ovfile.open(path), pytest.raises(ovfile.Error, match="open somewhere else"):
+            table.add_column("B", [1, 2, 3])
+        assert table["A"].tolist() == [0, 1, 2]
+        table.append({"A": [3]})
+        table.add_column("B", [1, 2, 3, 4])
+        assert table["B"].tolist() == [1, 2, 3, 4]
+
+
+def test_a_table_that_cannot_be_opened_again(path, monkeypatch):
+    """The first failure is told, the other one behind it."""
+    ovfile.write({"A": [0.0, 1.0, 2.0]}, path)
+
+    def vanish(*arguments):
+        os.rename(path, path.with_suffix(".gone"))
+        raise ovfile.Error("the first failure")
+
+    monkeypatch.setattr(_replacement.Replacement, "take_place", vanish)
+    with ovfile.open(path, "r+") as table:
+        with pytest.raises(ovfile.Error) as caught:
+            table.add_column("B", [1, 2, 3])
+        assert caught.value.message.startswith("the first failure; the table cannot be opened again: ")
+        with pytest.raises(ovfile.Error):
+            len(table)
+    assert os.listdir(path.parent) == [path.stem + ".gone"]
+
+
+@pytest.mark.parametrize(
+    "work",
+    [
+        lambda table: table.sort("A", ascending=False),
+        lambda table: table.add_column("B"),
+        lambda table: table.add_column("B", [1, 2, 3]),
+    ],
+)
+def test_a_table_that_is_open_elsewhere(path, work):
+    ovfile.write({"A": [0.0, 1.0, 2.0]}, path)
+    with ovfile.open(path, "r+") as table, ovfile.open(path) as other:
+        with pytest.raises(ovfile.Error, match="the table is open somewhere else and cannot be replaced"):
+            work(table)
+        assert len(table) == len(other) == 3
+    assert os.listdir(path.parent) == [path.name]
+
+
+def test_an_open_table_is_refused_before_the_work(path, monkeypatch):
+    ovfile.write({"A": [1]}, path)
+    monkeypatch.setattr(_writing, "append_rows", None)
+    with ovfile.open(path), pytest.raises(ovfile.Error, match="open somewhere else"):
+        ovfile.write({"A": [2]}, path)
+    assert os.listdir(path.parent) == [path.name]
+
+
+# What stands under the name.
+
+
+@linux
+@pytest.mark.parametrize("how", ["plain", "link"])
+@pytest.mark.parametrize("what", ["pipe", "folder", "device"])
+def test_what_is_no_file_is_left_alone(tmp_path, what, how):
+    path = tmp_path / "table.ovt"
+    if what == "pipe":
+        os.mkfifo(path)
+    elif what == "folder":
+        path.mkdir()
+    else:
+        try:
+            os.mknod(path, stat.S_IFCHR | 0o600, os.makedev(1, 3))
+        except PermissionError:
+            pytest.skip("only a privileged user makes devices")
+    kind = stat.S_IFMT(path.stat().st_mode)
+    name = path
+    if how == "link":
+        name = tmp_path / "link.ovt"
+        name.symlink_to(path)
+    before_it = sorted(os.listdir(tmp_path))
+    for work in (
+        lambda: ovfile.write({"A": [1]}, name),
+        lambda: ovfile.write({"A": object()}, name),  # before any work
+        lambda: ovfile.create(name, ["A"], overwrite=True),
+    ):
+        with pytest.raises(ovfile.Error, match="is not a regular file") as caught:
+            work()
+        assert caught.value.file == str(name)
+    assert stat.S_IFMT(path.stat().st_mode) == kind
+    assert sorted(os.listdir(tmp_path)) == before_it
+
+
+@linux
+def test_a_link_that_leads_nowhere_yet(tmp_path):
+    (tmp_path / "link.ovt").symlink_to(tmp_path / "table.ovt")
+    ovfile.write({"A": [1]}, tmp_path / "link.ovt")
+    assert (tmp_path / "link.ovt").is_symlink() and not (tmp_path / "table.ovt").is_symlink()
+    (tmp_path / "round.ovt").symlink_to("round.ovt")
+    with pytest.raises(ovfile.Error, match="cannot be written: "):
+        ovfile.write({"A": [1]}, tmp_path / "round.ovt")
+
+
+# Rights.
+
+
+def attributes(path):
+    return {name: os.getxattr(path, name) for name in os.listxattr(path) if name.startswith("user.")}
+
+
+@pytest.fixture
+def private(path):
+    """A table that its owner alone may read, with a note, and where that can be another owner and group."""
+    ovfile.write({"A": np.arange(300_000.0)}, path)
+    path.chmod(0o600)
+    try:
+        os.setxattr(path, "user.note", b"ours")
+    except OSError:
+        pytest.skip("the file system keeps no attributes")
+    if os.geteuid() == 0:
+        os.chown(path, 1234, 2345)
+    return path
+
+
+CHANGES = {
+    "write": lambda path: ovfile.write({"A": np.arange(300_000.0)}, path),
+    "add_column": lambda path: changed(path, lambda table: table.add_column("B", np.arange(300_000))),
+}
+
+
+def changed(path, work):
+    with ovfile.open(path, "r+") as table:
+        work(table)
+
+
+@linux
+@pytest.mark.parametrize("mode", [0o600, 0o640, 0o604])
+@pytest.mark.parametrize("change", CHANGES)
+def test_rights_stay(private, change, mode):
+    private.chmod(mode)
+    facts = private.stat()
+    CHANGES[change](private)
+    now = private.stat()
+    assert now.st_ino != facts.st_ino
+    assert (now.st_mode, now.st_uid, now.st_gid) == (facts.st_mode, facts.st_uid, facts.st_gid)
+    assert attributes(private) == {"user.note": b"ours"}
+
+
+@linux
+@pytest.mark.parametrize("change", CHANGES)
+def test_nobody_else_reads_the_copy(private, monkeypatch, change):
+    """Looked at before and behind the writing of the rows, and before it takes the old file's place."""
+    if os.geteuid() == 0:
+        os.chown(private, 1234, 2345)
+    seen = []
+
+    def look():
+        names = [name for name in os.listdir(private.parent) if name.startswith(".NEW")]
+        seen.extend(stat.S_IMODE(os.stat(private.parent / name).st_mode) for name in names)
+
+    private.chmod(0o664)
+    for where, name in (
+        (_writing, "append_stream"),
+        (_rebuilding, "append_stream"),
+        (_replacement.Replacement, "take_place"),
+        (_replacement, "carry_rights"),
+    ):
+        monkeypatch.setattr(where, name, before(getattr(where, name), look))
+    CHANGES[change](private)
+    assert seen == [0o600] * 3
+    assert stat.S_IMODE(private.stat().st_mode) == 0o664
+
+
+@linux
+def test_a_new_file_has_the_rights_of_new_files(tmp_path):
+    before_it = os.umask(0o027)
+    try:
+        ovfile.write({"A": [1]}, tmp_path / "table.ovt")
+    finally:
+        os.umask(before_it)
+    assert stat.S_IMODE((tmp_path / "table.ovt").stat().st_mode) == 0o640
+
+
+@linux
+def test_no_rights_are_won_where_the_group_cannot_stay(private):
+    """As a user who does not belong to the file's group."""
+    if os.geteuid() != 0:
+        pytest.skip("only a privileged user gives a file to another group")
+    private.chmod(0o664)
+    os.chown(private, 65534, 2345)
+    private.parent.chmod(0o777)
+    script = """
+import os, sys, ovfile
+os.chdir(sys.argv[1])
+table = ovfile.open("table.ovt"); table.close()
+os.setgroups([]); os.setgid(65534); os.setuid(65534)
+from ovfile._file_rights import carry_rights
+old, new = os.open("table.ovt", os.O_RDONLY), os.open("new.ovt", os.O_CREAT | os.O_EXCL | os.O_RDWR, 0o600)
+carry_rights(old, "table.ovt", "new.ovt")
+print(oct(os.fstat(new).st_mode & 0o7777), os.fstat(new).st_gid)
+"""
+    assert child(script, private.parent) == "0o600 65534"
+
+
+# Reasons.
+
+
+def test_a_folder_that_is_not_there(tmp_path):
+    for work in (
+        lambda path: ovfile.write({"A": [1]}, path),
+        lambda path: ovfile.create(path, ["A"]),
+        lambda path: ovfile.create(path, ["A"], overwrite=True),
+    ):
+        with pytest.raises(ovfile.Error, match="cannot be made: No such file or directory|system cannot find"):
+            work(tmp_path / "missing" / "table.ovt")
+
+
+@linux
+def test_a_folder_without_rights(tmp_path):
+    if os.geteuid() == 0:
+        pytest.skip("a privileged user may write everywhere")
+    ovfile.write({"A": [1]}, tmp_path / "old.ovt")
+    tmp_path.chmod(0o500)
+    try:
+        with pytest.raises(ovfile.Error, match="cannot be made: Permission denied"):
+            ovfile.write({"A": [1]}, tmp_path / "table.ovt")
+        with pytest.raises(ovfile.Error, match="no file can be made in its folder: Permission denied"):
+            ovfile.write({"A": [1]}, tmp_path / "old.ovt")
+    finally:
+        tmp_path.chmod(0o700)
+
+
+@pytest.mark.parametrize("mode", [[], None, {}, 5, b"r"])
+def test_modes_that_are_no_texts(path, mode):
+    ovfile.write({"A": [1]}, path)
+    with pytest.raises(ovfile.Error, match='mode is "r" or "r\\+"'):
+        ovfile.open(path, mode)
+    assert without_new_files(path.parent)
