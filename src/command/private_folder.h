@@ -20,4 +20,7 @@ class private_folder {
   std::string name_;
 };
 
+/// Where the system's temporary files are to lie; it may not be there.
+std::string temporary_folder();
+
 }  // namespace command

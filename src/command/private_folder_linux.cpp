@@ -8,9 +8,13 @@
 
 namespace command {
 
-private_folder::private_folder(const std::string& purpose) {
+std::string temporary_folder() {
   const char* const set = std::getenv("TMPDIR");
-  name_ = std::string(set != nullptr && *set != '\0' ? set : "/tmp") + "/" + purpose + "-XXXXXX";
+  return set != nullptr && *set != '\0' ? set : "/tmp";
+}
+
+private_folder::private_folder(const std::string& purpose)
+    : name_(temporary_folder() + "/" + purpose + "-XXXXXX") {
   if (::mkdtemp(name_.data()) == nullptr) {
     throw failure("cannot create a temporary folder " + name_ + ": " + last_reason());
   }

@@ -10,12 +10,16 @@
 
 namespace command {
 
-private_folder::private_folder(const std::string& purpose) {
-  // The user's own temporary folder is nobody else's.
+std::string temporary_folder() {
+  // It ends in a backslash.
   wchar_t folder[MAX_PATH + 1];
   const DWORD length = GetTempPathW(static_cast<DWORD>(std::size(folder)), folder);
-  const std::string stem = ovfile::to_utf8({folder, length < std::size(folder) ? length : 0}) + purpose +
-                           "-" + std::to_string(process_number()) + "-";
+  return ovfile::to_utf8({folder, length < std::size(folder) ? length : 0});
+}
+
+private_folder::private_folder(const std::string& purpose) {
+  // The user's own temporary folder is nobody else's.
+  const std::string stem = temporary_folder() + purpose + "-" + std::to_string(process_number()) + "-";
   for (int number = 0;; ++number) {
     name_ = stem + std::to_string(number);
     if (CreateDirectoryW(ovfile::to_wide(name_).c_str(), nullptr) != 0) return;

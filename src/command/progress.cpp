@@ -28,7 +28,8 @@ const auto start = std::chrono::steady_clock::now();
 constexpr auto between_looks = milliseconds(100);
 constexpr std::size_t bar_width = 30;
 
-/// Whether the terminal's last line is a bar, whosever it is.
+/// For the terminal, and for whether its last line is a bar, whosever it is.
+std::mutex terminal;
 bool is_drawn = false;
 
 }  // namespace
@@ -38,16 +39,22 @@ progress::progress(std::string title, bool wanted)
       shown_(wanted && is_terminal(standard_stream::error)),
       next_(start + patience()) {}
 
-void progress::wipe() {
+void progress::wipe() { (void)wiped(); }
+
+std::unique_lock<std::mutex> progress::wiped() {
+  std::unique_lock held(terminal);
   if (std::exchange(is_drawn, false)) std::fputs("\r\x1B[K", stderr);
+  return held;
 }
 
 void progress::look(std::uint64_t done, std::uint64_t total) {
   if (!shown_) return;
   const auto now = std::chrono::steady_clock::now();
   if (now < next_) return;
+  // Who writes there may wait long for the terminal.
+  const std::unique_lock held(terminal, std::try_to_lock);
+  if (!held) return;
   next_ = now + between_looks;
-  is_drawn = true;
   const double share =
       total == 0 ? 0.0 : std::min(1.0, static_cast<double>(done) / static_cast<double>(total));
   const auto full = static_cast<std::size_t>(share * static_cast<double>(bar_width));
@@ -55,6 +62,7 @@ void progress::look(std::uint64_t done, std::uint64_t total) {
                                ? fmt::format("\r{} …\x1B[K", title_)
                                : fmt::format("\r{} [{}{}] {:3.0f} %\x1B[K", title_, std::string(full, '#'),
                                              std::string(bar_width - full, ' '), share * 100);
+  is_drawn = true;
   std::fputs(line.c_str(), stderr);
   std::fflush(stderr);
 }

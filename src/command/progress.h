@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <mutex>
 #include <string>
 
 namespace command {
@@ -25,6 +26,8 @@ class progress {
   /// Takes away the bar that stands on the terminal, if any: for who is about to write there. Work that goes
   /// on draws it again.
   static void wipe();
+  /// The same for where another thread does that work: it does not draw while what this returns lives.
+  [[nodiscard]] static std::unique_lock<std::mutex> wiped();
 
  private:
   static constexpr unsigned calls_per_look = 1024;

@@ -2,8 +2,8 @@
 #include <memory>
 
 #include "commands.h"
-#include "duckdb/duckdb_file.h"
 #include "duckdb/duckdb_package.h"
+#include "duckdb/duckdb_trial.h"
 #include "duckdb/setup_sql.h"
 #include "text_output.h"
 #include "words.h"
@@ -41,11 +41,12 @@ void define_setup_sql(CLI::App& setup) {
       ->type_name("DIGEST");
   app->add_flag("--force", request->force, "also when it is there already");
   app->add_flag("--package", *asked, "only say which package it is, as `npm pack` takes it");
-  // For this program itself: loads a library and prints its version. No group: it is not shown.
+  // For this program itself: tries a library, with --folder for its files, and prints its version. No group:
+  // it is not shown.
   app->add_option("--try", *tried)->group("");
   app->callback([request, tried, asked] {
     if (!tried->empty()) {
-      print(duckdb_version(load_duckdb_file(*tried)) + "\n");
+      print(try_duckdb_here(*tried, request->folder) + "\n");
     } else if (*asked) {
       print(fmt::format("{}@{}\n", duckdb_package.name, duckdb_package.version));
     } else {

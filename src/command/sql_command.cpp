@@ -1,4 +1,5 @@
 // ovfile sql: a question to tables, in SQL.
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -8,6 +9,7 @@
 #include "parquet/parquet_file.h"
 #include "progress.h"
 #include "replacement.h"
+#include "sql/copy_target.h"
 #include "sql/query_table.h"
 #include "sql/sql_database.h"
 #include "sql/sql_options.h"
@@ -15,6 +17,7 @@
 #include "sql/sql_statements.h"
 #include "table_limits.h"
 #include "text_output.h"
+#include "utf8_path.h"
 #include "words.h"
 
 namespace command {
@@ -44,6 +47,17 @@ std::string form_of(const sql_request& request) {
   if (is_named_as_csv(request.output)) return "csv";
   if (is_named_as_parquet(request.output)) return "parquet";
   return is_named_as_json(request.output) ? "json" : "table";
+}
+
+/// A file would hold something else than its name says.
+void check_suffix(const sql_request& request) {
+  const std::filesystem::path suffix = path_of_utf8(request.output).extension();
+  if (!request.form.empty() || form_of(request) != "table" || makes_table(request)) return;
+  if (utf8_of_path(suffix).size() < 2 || ends_in(request.output, ".txt")) return;
+  throw wrong_usage(fmt::format(
+      "{}: a name that ends in .ovt, .csv, .json, .parquet, .pq or .txt tells the form; any other needs "
+      "-o table, csv, json or parquet",
+      request.output));
 }
 
 void write_to_table(sql_database& database, const sql_request& request, const std::string& statement) {
@@ -78,15 +92,36 @@ void write_text(sql_database& database, const sql_request& request, const std::s
   output.finish();
 }
 
+/// A table's file would be written over with something that is none.
+void refuse_copy_to_table(sql_database& database, const std::string& statement) {
+  const std::string target = copy_target(statement);
+  if (target.empty()) return;
+  std::string name;
+  try {
+    sql_result found = database.run(fmt::format("select cast((\n{}\n) as varchar)", target));
+    if (found.next()) name = found.text(0, 0);
+  } catch (const failure&) {
+    return;  // the statement tells it better
+  }
+  if (!is_named_as_table(name)) return;
+  throw failure(fmt::format("COPY makes no table of {0}: give the query alone and --output {0}", name));
+}
+
 void run_sql(const sql_request& request) {
   const std::vector<std::string> statements = split_statements(request.statements);
   if (statements.empty()) throw wrong_usage("there is no statement");
   if (makes_table(request) && !request.form.empty()) {
     throw wrong_usage(request.output + " is a table's name; -o does not go with it");
   }
+  check_suffix(request);
   if (request.made.description) check_description("--description", *request.made.description);
   sql_database database(request.options.settings());
-  for (std::size_t i = 0; i + 1 < statements.size(); ++i) database.execute(statements[i]);
+  database.show("asking");
+  for (std::size_t i = 0; i + 1 < statements.size(); ++i) {
+    refuse_copy_to_table(database, statements[i]);
+    database.execute(statements[i]);
+  }
+  refuse_copy_to_table(database, statements.back());
   const std::string last = database.settled(statements.back());
   if (makes_table(request)) {
     write_to_table(database, request, last);

@@ -20,7 +20,8 @@ text_output::text_output(const std::string& name)
       to_terminal_(!replacement_ && is_terminal(standard_stream::output)) {}
 
 void text_output::write() {
-  if (to_terminal_ && !text_.empty()) progress::wipe();
+  std::unique_lock<std::mutex> undisturbed;
+  if (to_terminal_ && !text_.empty()) undisturbed = progress::wiped();
   file_.write(text_);
   text_.clear();
 }

@@ -21,13 +21,26 @@ class command_test : public testing::Test {
     // The settings of whoever runs the tests shall not matter.
     set_environment("OVFILE_REGISTRY", settings_ / "registry.reg");
     set_environment("OVFILE_ATOMS", settings_ / "atoms");
+    // One for all tests: the program notes there what takes it time to find out.
+    static const scratch_folder data;
+    for (const char* name : {"XDG_DATA_HOME", "LOCALAPPDATA"}) set_environment(name, data.path());
+    set_environment("OVFILE", program());
+  }
+
+  static std::string program() {
+    const char* const set = std::getenv("OVFILE_COMMAND");
+    return set != nullptr ? set : OVFILE_COMMAND_PATH;
   }
 
   /// Runs `ovfile` with these arguments.
   process_result run(std::vector<std::string> arguments, const std::string& input = {}) const {
-    const char* const set = std::getenv("OVFILE_COMMAND");
-    arguments.insert(arguments.begin(), set != nullptr ? set : OVFILE_COMMAND_PATH);
+    arguments.insert(arguments.begin(), program());
     return run_process(arguments, folder_.path(), input);
+  }
+
+  /// Runs a shell script of a system that has one; $OVFILE is the program there.
+  process_result shell(const std::string& script) const {
+    return run_process({"/bin/sh", "-c", script}, folder_.path());
   }
 
   /// Runs it and expects success without a word on standard error; returns the output.
@@ -65,6 +78,12 @@ class command_test : public testing::Test {
     }
     std::sort(names.begin(), names.end());
     return names;
+  }
+
+  /// Whether something is written that is to take a file's place.
+  bool new_file_is_there() const {
+    const std::vector<std::string> there = files();
+    return std::any_of(there.begin(), there.end(), [](const auto& name) { return name.starts_with(".NEW"); });
   }
 
   /// What comes back of a CSV that is imported with these options and exported again.

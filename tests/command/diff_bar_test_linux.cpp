@@ -1,9 +1,6 @@
 // The bar of a comparison, and its lines on the same terminal.
-#include <pty.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include "command/command_test.h"
+#include "support/started_program_linux.h"
 
 namespace {
 
@@ -22,45 +19,8 @@ class diff_bar_test : public ovtest::command_test {
 
   /// What the comparison of a.ovt and b.ovt writes to a terminal that is its output and its standard error.
   std::string seen(const std::string& options = {}) const {
-    const char* const set = std::getenv("OVFILE_COMMAND");
-    const std::string program = set != nullptr ? set : OVFILE_COMMAND_PATH;
-    const std::string script = "stty -opost; exec \"" + program + "\" diff a.ovt b.ovt " + options;
-    int terminal = -1;
-    const pid_t child = ::forkpty(&terminal, nullptr, nullptr, nullptr);
-    if (child == 0) {
-      if (::chdir(folder().path().c_str()) != 0) ::_exit(127);
-      ::execl("/bin/sh", "sh", "-c", script.c_str(), static_cast<char*>(nullptr));
-      ::_exit(127);
-    }
-    std::string all;
-    char bytes[4096];
-    for (ssize_t done = 0; (done = ::read(terminal, bytes, sizeof bytes)) > 0;) {
-      all.append(bytes, static_cast<std::size_t>(done));
-    }
-    ::close(terminal);
-    ::waitpid(child, nullptr, 0);
-    return all;
-  }
-
-  /// What stands on the terminal after that.
-  static std::string left(const std::string& written) {
-    std::string screen;
-    std::size_t line = 0;  // where the last one begins
-    std::size_t place = 0;
-    for (std::size_t i = 0; i < written.size(); ++i) {
-      if (written[i] == '\r') {
-        place = line;
-      } else if (written.compare(i, 3, "\x1B[K") == 0) {
-        screen.resize(place);
-        i += 2;
-      } else if (written[i] == '\n') {
-        screen += '\n';
-        line = place = screen.size();
-      } else {
-        screen.replace(place++, 1, 1, written[i]);
-      }
-    }
-    return screen;
+    return ovtest::on_terminal("stty -opost; exec \"$OVFILE\" diff a.ovt b.ovt " + options, folder().path())
+        .text;
   }
 };
 
@@ -71,7 +31,7 @@ TEST_F(diff_bar_test, equal_tables_leave_an_empty_line) {
   for (const char* options : {"", "--key A"}) {
     const std::string written = seen(options);
     EXPECT_NE(written.find("\rcomparing ["), written.npos) << written;
-    EXPECT_EQ(left(written), "");
+    EXPECT_EQ(ovtest::left_on_terminal(written), "");
   }
 }
 
@@ -85,7 +45,8 @@ TEST_F(diff_bar_test, lines_stand_where_the_bar_was) {
     EXPECT_GT(plain.size(), std::size_t{600000});
     const std::string written = seen(options);
     EXPECT_EQ(written.find("\rcomparing ["), 0u);
-    EXPECT_TRUE(left(written) == plain) << left(written).substr(0, 300);
+    EXPECT_TRUE(ovtest::left_on_terminal(written) == plain)
+        << ovtest::left_on_terminal(written).substr(0, 300);
   }
 }
 

@@ -89,18 +89,19 @@ TEST_F(duckdb_library_test, the_program_knows_its_folder) {
   EXPECT_TRUE(fs::equivalent(command::program_folder(), fs::path(OVFILE_COMMAND_PATH).parent_path()));
 }
 
-TEST_F(duckdb_library_test, every_1_from_1_2_on_can_be_used) {
+TEST_F(duckdb_library_test, every_1_from_1_4_on_can_be_used) {
   const std::string fake = ovtest::fake_duckdb().string();
-  for (const char* version : {"v1.2.0", "v1.5.6", "v1.10.0", "1.4.1", "v1.6.0-dev12"}) {
+  for (const char* version : {"v1.4.0", "v1.5.6", "v1.10.0", "1.4.1", "v1.6.0-dev12"}) {
     ovtest::set_environment("FAKE_DUCKDB_VERSION", version);
     const std::string number = version[0] == 'v' ? version + 1 : version;
     EXPECT_EQ(tried(fake), number + "\n");
   }
-  for (const char* version : {"v1.1.3", "v0.10.0", "v2.0.0", "v12.3.0", "v1", "v1,5", "1.x", "abc"}) {
+  for (const char* version :
+       {"v1.1.3", "v1.3.2", "v0.10.0", "v2.0.0", "v12.3.0", "v1", "v1,5", "1.x", "abc"}) {
     ovtest::set_environment("FAKE_DUCKDB_VERSION", version);
     const std::string number = version[0] == 'v' ? version + 1 : version;
     EXPECT_EQ(tried(fake), "ovfile: " + fake + " is DuckDB " + number +
-                               "; this program can use 1.2 and later ones that begin with 1\n");
+                               "; this program can use 1.4 and later ones that begin with 1\n");
   }
 }
 

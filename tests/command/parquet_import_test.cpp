@@ -152,4 +152,37 @@ TEST_F(parquet_import_test, a_folder_of_files_is_one_table) {
   EXPECT_EQ(run_quietly({"export", "t.ovt"}), "a,b\n1,x\n2,longer\n");
 }
 
+TEST_F(parquet_import_test, floats_are_the_numbers_that_their_digits_say) {
+  const std::string query =
+      "select 1 ID, 1.2345678e-05::float AU union all select 2, 3e-8::float union all select 3, "
+      "123.45678::float union all select 4, -0.0::float union all select 5, 'nan'::float union all "
+      "select 6, '-inf'::float union all select 7, null union all select 8, -1e30::float union all "
+      "select 9, 1e-45::float union all select 10, 3.4028235e38::float union all select 11, 0::float";
+  EXPECT_EQ(imported(query),
+            "ID,AU\n1,1.2345678e-05\n2,3e-08\n3,123.45678\n4,-0\n5,nan\n6,-inf\n7,\n8,\n9,1e-45\n"
+            "10,3.4028235e+38\n11,0\n");
+  EXPECT_THAT(described(), HasSubstr("\"precision\": \"double\""));
+  EXPECT_EQ(imported("select 1 ID, 123.456::float AU union all select 2, 5", {"--absent", "123.456"}),
+            "ID,AU\n1,\n2,5\n");
+}
+
+TEST_F(parquet_import_test, lost_digits_are_told) {
+  make_parquet("in.parquet",
+               "select 16777217 A, 16777216 B, 0.1::double C, 0.123456789::double D, 0.1::float E, 'x' F, "
+               "'nan'::double G, 7 H, 12345678.5::decimal(12, 2) I, 1.25::decimal(12, 2) J, "
+               "null::double K, 5000000000 L, -1e30::double M, true N, 1e-60::double O");
+  const ovtest::process_result result = run({"import", "in.parquet", "t.ovt", "--single"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.error, "ovfile: warning: single precision loses digits of A, D, I, O\n");
+  run_quietly({"import", "in.parquet", "t.ovt"});
+}
+
+TEST_F(parquet_import_test, lost_digits_of_an_implicit_column_are_told) {
+  make_table("A\n1\n", {"--implicit", "X=0.123456789", "--implicit", "Y=0.1", "--implicit", "Z="});
+  run_quietly({"export", "t.ovt", "in.parquet"});
+  const ovtest::process_result result = run({"import", "in.parquet", "u.ovt", "--single"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.error, "ovfile: warning: single precision loses digits of X\n");
+}
+
 }  // namespace

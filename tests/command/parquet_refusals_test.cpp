@@ -106,13 +106,6 @@ TEST_F(parquet_refusals_test, a_number_beyond_single_precision_is_told_with_its_
   EXPECT_EQ(read("t.ovt"), "old");
 }
 
-TEST_F(parquet_refusals_test, files_of_one_folder_that_do_not_go_together_are_told) {
-  std::filesystem::create_directory(folder() / "in");
-  make_parquet("in/1.parquet", "select 1 a");
-  make_parquet("in/2.parquet", "select 'x' b");
-  expect_refused("in", "cannot read in: ");
-}
-
 TEST_F(parquet_refusals_test, names_that_go_another_way_are_wrong_usage) {
   make_parquet("in.parquet", "select 1 a");
   std::filesystem::create_directory(folder() / "in");

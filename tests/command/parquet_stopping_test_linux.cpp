@@ -1,14 +1,12 @@
 // Parquet when the world outside ends the work, in little memory, and under names that only some systems
 // know.
-#include <fcntl.h>
 #include <signal.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include "command/parquet_fixture.h"
 #include "support/shared_data.h"
+#include "support/started_program_linux.h"
 
 #if defined(__SANITIZE_ADDRESS__)
 #define OVTEST_SANITIZED
@@ -37,59 +35,15 @@ class temporary_files_in {
   fs::path before_;
 };
 
-struct ended_program {
-  int status;         ///< as waitpid tells it
-  std::size_t bytes;  ///< resident at their highest
-};
-
 class parquet_stopping_test : public ovtest::parquet_test {
  protected:
-  static std::string program() {
-    const char* const set = std::getenv("OVFILE_COMMAND");
-    return set != nullptr ? set : OVFILE_COMMAND_PATH;
-  }
-
-  pid_t start(names arguments) const {
-    arguments.insert(arguments.begin(), "ovfile");
-    std::vector<char*> values;
-    for (std::string& argument : arguments) values.push_back(argument.data());
-    values.push_back(nullptr);
-    const std::string path = program();
-    const pid_t child = ::fork();
-    if (child != 0) return child;
-    const int quiet = ::open("/dev/null", O_WRONLY);
-    if (::chdir(folder().path().c_str()) != 0 || ::dup2(quiet, 2) != 2) ::_exit(127);
-    ::execv(path.c_str(), values.data());
-    ::_exit(127);
-  }
-
-  static ended_program wait_for(pid_t child) {
-    ended_program ended{};
-    struct rusage used {};
-    ::wait4(child, &ended.status, 0, &used);
-    ended.bytes = static_cast<std::size_t>(used.ru_maxrss) * 1024;
-    return ended;
-  }
-
-  /// Starts the program and sends it the signal as soon as something of ours has grown to so many bytes.
-  int stop(const names& arguments, int signal, std::uintmax_t size) const {
-    const pid_t child = start(arguments);
-    int status = 0;
-    while (::waitpid(child, &status, WNOHANG) == 0) {
-      if (written() >= size) {
-        ::kill(child, signal);
-        ::waitpid(child, &status, 0);
-        return status;
-      }
-      ::usleep(1000);
-    }
-    return status;
+  std::unique_ptr<ovtest::started_program> start(names arguments) const {
+    arguments.insert(arguments.begin(), program());
+    return std::make_unique<ovtest::started_program>(arguments, folder().path());
   }
 
   ovtest::process_result limited(const std::string& arguments) const {
-    ovtest::set_environment("OVFILE", program());
-    return ovtest::run_process({"/bin/sh", "-c", "ulimit -f 200; exec \"$OVFILE\" " + arguments},
-                               folder().path());
+    return shell("ulimit -f 200; exec \"$OVFILE\" " + arguments);
   }
 
   void make_long_table(int rows) const {
@@ -103,7 +57,20 @@ class parquet_stopping_test : public ovtest::parquet_test {
               "");
   }
 
- private:
+  /// Starts the work until the signal ends it when so many bytes are written. Where it was faster, which must
+  /// be the whole work, it is started again; false: it was each time.
+  bool is_stopped(const names& work, int signal, std::uintmax_t bytes) const {
+    for (int attempt = 0; attempt < 20; ++attempt) {
+      const ovtest::ended_program end =
+          start(work)->stop_when([&] { return written() >= bytes; }, signal, std::chrono::milliseconds(1));
+      if (end.was_ended_by(signal)) return true;
+      EXPECT_EQ(end.status, 0);
+      EXPECT_EQ(fs::remove_all(folder() / work[2]) > 0, end.status == 0);
+    }
+    return false;
+  }
+
+  /// Bytes of what is not yet under its name.
   std::uintmax_t written() const {
     std::uintmax_t bytes = 0;
     std::error_code error;
@@ -160,8 +127,7 @@ TEST_F(parquet_stopping_test, a_signal_leaves_nothing) {
     for (const int signal : {SIGTERM, SIGINT}) {
       for (const std::uintmax_t size : {std::uintmax_t{0}, std::uintmax_t{1}}) {
         SCOPED_TRACE(work[0] + " " + work[2] + ", signal " + std::to_string(signal));
-        const int status = stop(work, signal, size);
-        EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == signal) << status;
+        EXPECT_TRUE(is_stopped(work, signal, size));
         EXPECT_EQ(files(), (names{"in.parquet", "t.ovt"}));
         EXPECT_TRUE(fs::is_empty(temporary.path()));
       }
@@ -175,12 +141,12 @@ TEST_F(parquet_stopping_test, a_large_table_goes_out_and_comes_back_in_little_me
 #endif
   constexpr std::size_t most = std::size_t{250} << 20;
   make_long_table(2000000);
-  const ended_program out = wait_for(start({"export", "t.ovt", "out.parquet", "--memory", "100MB"}));
+  const ovtest::ended_program out = start({"export", "t.ovt", "out.parquet", "--memory", "100MB"})->wait();
   EXPECT_EQ(out.status, 0);
-  EXPECT_LT(out.bytes, most);
-  const ended_program in = wait_for(start({"import", "out.parquet", "back.ovt", "--memory", "100MB"}));
+  EXPECT_LT(out.most_bytes, most);
+  const ovtest::ended_program in = start({"import", "out.parquet", "back.ovt", "--memory", "100MB"})->wait();
   EXPECT_EQ(in.status, 0);
-  EXPECT_LT(in.bytes, most);
+  EXPECT_LT(in.most_bytes, most);
   EXPECT_EQ(run_quietly({"diff", "t.ovt", "back.ovt"}), "");
 }
 

@@ -151,6 +151,15 @@ TEST_F(setup_linux_test, another_version_or_a_damaged_library_is_replaced) {
   EXPECT_EQ(listing(), before);
 }
 
+TEST_F(setup_linux_test, one_that_ends_its_process_is_not_taken_for_there) {
+  publish(ovtest::fake_duckdb());
+  expect_done(setup_arguments(), there);
+  const ovtest::kept_variables fault({"FAKE_DUCKDB_FAULT"});
+  ovtest::set_environment("FAKE_DUCKDB_FAULT", "crash");
+  expect_refused(setup_arguments(),
+                 "the library of " + address("/p.tgz is of no use here: a trial of it ended with "));
+}
+
 TEST_F(setup_linux_test, the_users_folder_is_made_for_the_user_alone) {
   publish(ovtest::fake_duckdb());
   const fs::path library = folder() / "home/.local/share/ovfile/libduckdb.so";
@@ -355,6 +364,12 @@ TEST_F(setup_linux_test, the_real_library_is_set_up) {
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.error.find("ovfile: DuckDB 1."), 0u) << result.error;
   shell("cmp made/package/libduckdb.so run/lib/libduckdb.so");
+  if (fs::file_size(*real) != 70'546'800) return;
+  // Damage where a trial does not come by: the package is asked for, and this one is not it.
+  shell("dd if=/dev/zero of=run/lib/libduckdb.so bs=64K seek=416 count=1 conv=notrunc 2>&1");
+  const ovtest::process_result again =
+      run_there({"setup", "sql", "--folder", "lib", "--version", "1.5.6-r.1", "--from", "../registry/p.tgz"});
+  EXPECT_NE(again.error.find(" is not " + std::string(package)), std::string::npos) << again.error;
 }
 
 }  // namespace

@@ -85,9 +85,9 @@ TEST_F(sql_failures_test, files_that_are_no_tables) {
   write("x.ovt", "no table");
   write("e.ovt", "");
   std::filesystem::create_directory(folder() / "d.ovt");
-  expect_failure({"sql", "from 'none.ovt'"}, "Binder Error: none.ovt: File does not exist");
-  expect_failure({"sql", "from 'x.ovt'"}, "Binder Error: x.ovt: Not a valid orvexa table");
-  expect_failure({"sql", "from 'e.ovt'"}, "Binder Error: e.ovt: Not a valid orvexa table");
+  expect_failure({"sql", "from 'none.ovt'"}, "none.ovt: File does not exist");
+  expect_failure({"sql", "from 'x.ovt'"}, "x.ovt: Not a valid orvexa table");
+  expect_failure({"sql", "from 'e.ovt'"}, "e.ovt: Not a valid orvexa table");
   EXPECT_EQ(run({"sql", "from 'd.ovt'"}).status, 1);
   expect_failure({"sql", "from 'none.csv'"}, "IO Error: No files found that match the pattern \"none.csv\"");
 }
@@ -96,7 +96,7 @@ TEST_F(sql_failures_test, a_call_that_cannot_be_made) {
   make_table("t.ovt", "A\n1\n");
   const auto says = [&](const std::string& call, const std::string& words) {
     const std::string place = "LINE 1: from " + call + "\n" + std::string(13, ' ') + "^\n";
-    expect_lines({"sql", "from " + call}, "ovfile: Binder Error: " + words + "\n" + place);
+    expect_lines({"sql", "from " + call}, "ovfile: " + words + "\n" + place);
   };
   says("read_ovt(null)", "the table's name is NULL");
   says("read_ovt('')", "the table's name is empty");
@@ -140,6 +140,34 @@ TEST_F(sql_failures_test, nothing_is_fetched_from_anywhere) {
   EXPECT_EQ(result.status, 1);
   EXPECT_NE(result.error, "");
   EXPECT_EQ(files(), names{});
+}
+
+TEST_F(sql_failures_test, a_table_that_fails_speaks_for_itself_wherever_it_stands) {
+  make_table("t.ovt", "A\n1\n");
+  for (const char* sql :
+       {"create table a as from 'none.ovt'", "describe 'none.ovt'", "explain from 'none.ovt'",
+        "select A from 't.ovt' where A in (from 'none.ovt')", "pivot 'none.ovt' on A"}) {
+    expect_failure({"sql", sql}, "none.ovt: File does not exist");
+  }
+  expect_failure({"sql", "from 'none.ovt'", "--output", "a.parquet"}, "none.ovt: File does not exist");
+  EXPECT_EQ(files(), names{"t.ovt"});
+}
+
+TEST_F(sql_failures_test, a_table_that_fails_while_it_is_read_speaks_for_itself) {
+  make_long_table("t.ovt", 400'000);
+  std::filesystem::resize_file(folder() / "t.ovt", 1'000'000);
+  const std::string words =
+      "t.ovt: OvFile Error: cache failed to read an entire page. (180800 bytes read instead of 409600)";
+  const names sql = {"sql", "select sum(I) as S from 't.ovt'", "--threads", "1"};
+  const auto with = [&sql](names options) {
+    options.insert(options.begin(), sql.begin(), sql.end());
+    return options;
+  };
+  expect_failure(sql, words);
+  expect_failure(with({"-o", "json"}), words);
+  expect_failure(with({"--output", "a.ovt"}), words);
+  expect_failure(with({"--output", "a.parquet"}), "cannot write a.parquet: " + words);
+  EXPECT_EQ(files(), names{"t.ovt"});
 }
 
 }  // namespace

@@ -56,7 +56,7 @@ std::optional<double> number_of(const json& cell, bool is_float) {
       single.is_number() ? single.get<float>() : std::strtof(single.get<std::string>().c_str(), nullptr);
   if (!std::isfinite(value)) return static_cast<double>(value);
   char digits[32];
-  *std::to_chars(digits, digits + sizeof digits - 1, value).ptr = '\0';
+  *std::to_chars(digits, digits + sizeof digits - 1, value, std::chars_format::scientific).ptr = '\0';
   return std::strtod(digits, nullptr);
 }
 
@@ -131,8 +131,7 @@ TEST_F(sql_golden_test, a_link_reads_as_its_target) {
 TEST_F(sql_golden_test, a_table_without_columns_is_refused) {
   for (const char* name : {"d_no_fields.ovt", "s_no_fields.ovt"}) {
     const auto table = golden() / name;
-    expect_failure({"sql", "from " + quoted(table)},
-                   "Binder Error: " + table.generic_string() + " has no columns");
+    expect_failure({"sql", "from " + quoted(table)}, table.generic_string() + " has no columns");
   }
 }
 

@@ -132,4 +132,19 @@ TEST_F(sql_output_test, a_file_that_was_there_is_replaced_by_a_whole_one_alone) 
   EXPECT_EQ(files(), names{"out.csv"});
 }
 
+TEST_F(sql_output_test, a_suffix_that_tells_no_form_is_wrong_usage) {
+  for (const char* name : {"result.xlsx", "out.tsv", "out.csv.gz", "out.ovtx", "a.b/out.x"}) {
+    expect_wrong_usage({"sql", "select 1 as A", "--output", name},
+                       std::string(name) +
+                           ": a name that ends in .ovt, .csv, .json, .parquet, .pq or .txt tells the form; "
+                           "any other needs -o table, csv, json or parquet");
+  }
+  EXPECT_EQ(files(), names{});
+  run_quietly({"sql", "select 1 as A", "-o", "csv", "--output", "out.xlsx"});
+  run_quietly({"sql", "select 1 as A", "--output", "out.TXT"});
+  run_quietly({"sql", "select 1 as A", "--output", "out"});
+  run_quietly({"sql", "select 1 as A", "--output", ".out"});
+  EXPECT_EQ(read("out.xlsx") + read("out.TXT") + read("out") + read(".out"), "A\n1\nA\n1\nA\n1\nA\n1\n");
+}
+
 }  // namespace

@@ -60,6 +60,10 @@ TEST_F(sql_scan_test, numbers_of_four_bytes_are_widened_by_their_digits) {
             "A,B,T\n0.1,1,DOUBLE\n1234.567,12345.67,DOUBLE\n");
   EXPECT_EQ(csv("select A, A::double as B, typeof(A) as T from read_ovt('t.ovt', widen := false)"),
             "A,B,T\n0.1,0.10000000149011612,FLOAT\n1234.567,1234.5670166015625,FLOAT\n");
+  // A float of more than 24 bits stands for fewer digits than it has when it is written out.
+  make_table("large.ovt", "A\n16777216\n1234568000\n-98765430000\n", {"--single"});
+  EXPECT_EQ(csv("select A, A + 1 as B from 'large.ovt'"),
+            "A,B\n16777216,16777217\n1234568000,1234568001\n-98765430000,-98765429999\n");
 }
 
 TEST_F(sql_scan_test, columns_that_are_not_named_are_not_needed) {

@@ -89,4 +89,33 @@ TEST_F(sql_statement_kinds_test, a_failure_ends_the_work) {
   EXPECT_EQ(files(), names{});
 }
 
+TEST_F(sql_statement_kinds_test, a_table_is_not_copied_over) {
+  make_table("s.ovt", "A\n1\n");
+  const std::string before = read("s.ovt");
+  const std::string words = "COPY makes no table of s.ovt: give the query alone and --output s.ovt";
+  for (const char* sql :
+       {"copy (select 1 as A) to 's.ovt'", "create table t(A int); copy t to 's.ovt' (format csv)",
+        "COPY (select 1 as A) TO s.ovt", "copy (select 1 as A) to ((s.ovt))",
+        "copy (select 1 as A) to ('s' || '.ovt')",
+        "set variable f = 's.ovt'; copy (select 1 as A) to (getvariable('f'))",
+        "explain analyze copy (select 1 as A) to 's.ovt'", "copy\xC2\xA0(select 1 as A) to\xC2\xA0's.ovt'",
+        "copy (select 1 as A) to 's.ovt' (format parquet); select 1",
+        "prepare p as copy (select 1 as A) to e's\\x2Eovt'; execute p"}) {
+    expect_failure({"sql", sql}, words);
+    expect_failure({"sql", sql, "--output", "s.ovt"}, words);
+  }
+  expect_failure({"sql", "copy (select 1 as A) to 'S.OVT'"},
+                 "COPY makes no table of S.OVT: give the query alone and --output S.OVT");
+  EXPECT_EQ(read("s.ovt"), before);
+  EXPECT_EQ(files(), names{"s.ovt"});
+}
+
+TEST_F(sql_statement_kinds_test, a_table_is_copied_elsewhere) {
+  make_table("s.ovt", "A\n1\n");
+  EXPECT_EQ(run_quietly({"sql", "copy 's.ovt' to 'a.csv'"}), "Count\n    1\n");
+  EXPECT_EQ(run_quietly({"sql", "copy (from 's.ovt') to ('b' || '.csv')"}), "Count\n    1\n");
+  EXPECT_EQ(read("a.csv"), "A\n1.0\n");
+  EXPECT_EQ(read("b.csv"), "A\n1.0\n");
+}
+
 }  // namespace

@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
+#include "command/sql/copy_target.h"
+
 namespace {
 
 using statements = std::vector<std::string>;
@@ -69,6 +73,53 @@ TEST(sql_statements, text_beyond_ascii_and_nul_are_characters) {
             (statements{"select '\xC3\xA9;'", " select \xC3\xA9"}));
   const std::string_view nul("select 1\0; select 2", 19);
   EXPECT_EQ(split_statements(nul), (statements{std::string("select 1\0", 9), " select 2"}));
+}
+
+TEST(sql_statements, blanks_beyond_ascii_are_blanks) {
+  EXPECT_EQ(split_statements("\xC2\xA0; \xE3\x80\x80;\xE2\x80\x89"), statements{});
+  EXPECT_EQ(split_statements("select '\xC2\xA0'"), statements{"select '\xC2\xA0'"});
+}
+
+TEST(sql_copy_target, is_what_stands_behind_to) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"copy t to 's.ovt'", "'s.ovt'"},
+      {"COPY t TO 's.ovt' (format csv)", "'s.ovt'"},
+      {" -- a\n copy (select 1 /* to */) /* to 'a' */ to/**/'s.ovt' with (format csv)", "'s.ovt'"},
+      {"copy (select 'x to ''y''' from (select 1)) to 'it''s.ovt'", "'it''s.ovt'"},
+      {"copy t (\"to\", b) to 's'\n'.ovt'", "'s'\n'.ovt'"},
+      {"copy t to e's\\'.ovt' (format csv)", "e's\\'.ovt'"},
+      {"copy t to $$s.ovt$$", "$$s.ovt$$"},
+      {"copy t to ('s' || upper('.ovt')) (format csv)", "('s' || upper('.ovt'))"},
+      {"copy t to ('s.ovt')", "('s.ovt')"},
+      {"copy t to (f(s.ovt))", "(f(s.ovt))"},
+      {"copy t to ((a) || (b))", "((a) || (b))"},
+      {"copy t to (s.ovt)", "'s.ovt'"},
+      {"copy t to ( ( /* a */ \"s.ovt\" ) ) (format csv)", "'s.ovt'"},
+      {"copy t to (a.s.ovt)", "'a.s.ovt'"},
+      {"copy t to ()", "()"},
+      {"copy t to s.ovt", "'s.ovt'"},
+      {"copy t to s . ovt (format csv)", "'s.ovt'"},
+      {"copy t to \"it's.ovt\"", "'it''s.ovt'"},
+      {"copy t to stdout", "'stdout'"},
+      {"copy t to program 's.ovt'", "'s.ovt'"},
+      {"copy\xC2\xA0t\xC2\xA0to\xE2\x80\x89's.ovt'", "'s.ovt'"},
+      {"explain copy t to 's.ovt'", "'s.ovt'"},
+      {"explain analyze copy t to 's.ovt'", "'s.ovt'"},
+      {"EXPLAIN (analyze, format json) copy t to 's.ovt'", "'s.ovt'"},
+      {"prepare p as copy t to 's.ovt'", "'s.ovt'"},
+      {"prepare p (int) as copy t to 's.ovt'", "'s.ovt'"}};
+  for (const auto& [statement, target] : cases)
+    EXPECT_EQ(command::copy_target(statement), target) << statement;
+}
+
+TEST(sql_copy_target, other_statements_have_none) {
+  for (const char* statement :
+       {"", "select 1", "copy", "copy t", "copy t to", "copy t from 's.ovt'", "copy (select 1 to 's.ovt'",
+        "copy from database a to b", "alter table copy rename to \"s.ovt\"", "select 'copy t to ''s.ovt'''",
+        "-- copy t to 's.ovt'", "\"copy\" t to 's.ovt'", "copying t to 's.ovt'", "explain", "prepare",
+        "set x to 's.ovt'", "copy t to("}) {
+    EXPECT_EQ(command::copy_target(statement), "") << statement;
+  }
 }
 
 }  // namespace

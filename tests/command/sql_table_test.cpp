@@ -99,13 +99,33 @@ TEST_F(sql_table_test, absent_values_come_back_as_absent) {
 }
 
 TEST_F(sql_table_test, single_precision_on_request) {
-  EXPECT_EQ(made("select 0.1::double as A, 16777216 as B, 1e-60::double as C, 'x' as D", {"--single"}),
-            "A,B,C,D\n0.1,16777216,0,x\n");
+  EXPECT_EQ(made("select 0.1::double as A, 16777216 as B, 1e-30::double as C, 'x' as D", {"--single"}),
+            "A,B,C,D\n0.1,16777216,1e-30,x\n");
   EXPECT_EQ(fields(), (names{"A:number:4", "B:number:4", "C:number:4", "D:text:4"}));
   expect_nothing_made("select 1 as A, 1e300::double as B",
                       "cannot write u.ovt: Append failed, column B, row 1: "
                       "the number is beyond what the column can hold",
                       {"--single"});
+}
+
+TEST_F(sql_table_test, digits_that_single_precision_loses_are_told) {
+  const auto result = run({"sql", "select 16777217::integer as A, 1e-60::double as B, 1 as C from range(2)",
+                           "--single", "--output", "u.ovt"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.error, "ovfile: warning: single precision loses digits of A, B\n");
+  EXPECT_EQ(run_quietly({"export", "u.ovt"}), "A,B,C\n16777216,0,1\n16777216,0,1\n");
+  EXPECT_EQ(made("select 16777217::integer as A where false", {"--single"}), "A\n");
+}
+
+TEST_F(sql_table_test, floats_are_the_numbers_that_their_digits_say) {
+  const std::string floats =
+      "select unnest([1e-10, 123.45678, 1.2345678e-05, 0.1, 0.1, 16777216, null, -1e30, 'nan', 'inf', -0e0, "
+      "0, 1e-45]::float[]) as A, 7 as B";
+  const std::string expected =
+      "A,B\n1e-10,7\n123.45678,7\n1.2345678e-05,7\n0.1,7\n0.1,7\n16777216,7\n,7\n,7\nnan,7\ninf,7\n-0,7\n"
+      "0,7\n1e-45,7\n";
+  EXPECT_EQ(made(floats), expected);
+  EXPECT_EQ(made(floats, {"--single"}), expected);
 }
 
 TEST_F(sql_table_test, no_rows_make_an_empty_table) {

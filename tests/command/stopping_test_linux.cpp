@@ -1,11 +1,13 @@
 // What happens when the world outside ends the work: signals, closed pipes, full disks, terminals.
-#include <pty.h>
 #include <signal.h>
-#include <sys/wait.h>
 #include <unistd.h>
+
+#include <chrono>
+#include <thread>
 
 #include "command/command_test.h"
 #include "ovfile/smart.h"
+#include "support/started_program_linux.h"
 
 namespace {
 
@@ -13,13 +15,6 @@ using names = std::vector<std::string>;
 
 class stopping_test : public ovtest::command_test {
  protected:
-  /// Runs a shell script in which $OVFILE is the program.
-  ovtest::process_result shell(const std::string& script) const {
-    const char* const set = std::getenv("OVFILE_COMMAND");
-    ovtest::set_environment("OVFILE", set != nullptr ? set : OVFILE_COMMAND_PATH);
-    return ovtest::run_process({"/bin/sh", "-c", script}, folder().path());
-  }
-
   /// A table whose CSV is some megabytes long.
   void make_long_table() const {
     std::string csv = "A,B\n";
@@ -76,59 +71,20 @@ TEST_F(stopping_test, a_file_that_may_not_grow_leaves_no_table) {
   EXPECT_EQ(files(), (names{"in.csv", "small.csv", "t.ovt"}));
 }
 
-/// Starts the import of a long CSV and sends the signal as soon as the new table is being written.
-/// Returns how the program ended, as waitpid tells it.
-int stop_import(const std::string& program, const std::filesystem::path& folder, int signal) {
-  const pid_t child = ::fork();
-  if (child == 0) {
-    if (::chdir(folder.c_str()) != 0) ::_exit(127);
-    ::execl(program.c_str(), "ovfile", "import", "long.csv", "t.ovt", static_cast<char*>(nullptr));
-    ::_exit(127);
-  }
-  int status = 0;
-  while (::waitpid(child, &status, WNOHANG) == 0) {
-    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-      if (!entry.path().filename().string().starts_with(".NEW")) continue;
-      ::kill(child, signal);
-      ::waitpid(child, &status, 0);
-      return status;
-    }
-  }
-  return status;
-}
-
 TEST_F(stopping_test, a_signal_leaves_no_table) {
   make_long_table();
   const std::string before = read("t.ovt");
   std::string rows = read("in.csv").substr(4);
   for (int i = 0; i < 2; ++i) rows += rows;
   write("long.csv", "A,B\n" + rows);
-  const char* const set = std::getenv("OVFILE_COMMAND");
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-    const int status = stop_import(set != nullptr ? set : OVFILE_COMMAND_PATH, folder().path(), signal);
-    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == signal) << status;
+    const ovtest::ended_program end =
+        ovtest::started_program({program(), "import", "long.csv", "t.ovt"}, folder().path())
+            .stop_when([&] { return new_file_is_there(); }, signal);
+    EXPECT_TRUE(end.was_ended_by(signal)) << end.status;
     EXPECT_TRUE(read("t.ovt") == before);
     EXPECT_EQ(files(), (names{"in.csv", "long.csv", "t.ovt"}));
   }
-}
-
-/// Runs the program and sends it the signal after so many milliseconds, unless it is done before.
-void stop_after(const std::string& program, const std::filesystem::path& folder, names arguments,
-                int milliseconds, int signal) {
-  arguments.insert(arguments.begin(), "ovfile");
-  std::vector<char*> values;
-  for (std::string& argument : arguments) values.push_back(argument.data());
-  values.push_back(nullptr);
-  const pid_t child = ::fork();
-  if (child == 0) {
-    if (::chdir(folder.c_str()) != 0 || ::close(2) != 0) ::_exit(127);
-    ::execv(program.c_str(), values.data());
-    ::_exit(127);
-  }
-  ::usleep(static_cast<useconds_t>(milliseconds) * 1000);
-  ::kill(child, signal);
-  int status = 0;
-  ::waitpid(child, &status, 0);
 }
 
 TEST_F(stopping_test, a_signal_leaves_the_old_table_or_the_new_one) {
@@ -137,8 +93,6 @@ TEST_F(stopping_test, a_signal_leaves_the_old_table_or_the_new_one) {
   write("in.csv", csv);
   run_quietly({"import", "in.csv", "old.ovt"});
   const std::string before = read("old.ovt");
-  const char* const set = std::getenv("OVFILE_COMMAND");
-  const std::string program = set != nullptr ? set : OVFILE_COMMAND_PATH;
   const std::vector<names> works = {{"sort", "t.ovt", "--by", "A"},
                                     {"alter", "t.ovt", "--drop", "A"},
                                     {"delete-rows", "t.ovt", "--where", "A > 100"},
@@ -151,7 +105,12 @@ TEST_F(stopping_test, a_signal_leaves_the_old_table_or_the_new_one) {
     for (const int milliseconds : {0, 5, 10, 20, 30, 40, 60, 90}) {
       SCOPED_TRACE(work.front() + " after " + std::to_string(milliseconds));
       write("t.ovt", before);
-      stop_after(program, folder().path(), work, milliseconds, SIGINT);
+      names arguments = work;
+      arguments.insert(arguments.begin(), program());
+      ovtest::started_program started(arguments, folder().path());
+      std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+      started.send(SIGINT);
+      (void)started.wait();
       const std::string left = read("t.ovt");
       EXPECT_TRUE(left == before || left == after);
       EXPECT_EQ(files(), (names{"in.csv", "old.ovt", "t.ovt"}));
@@ -227,39 +186,17 @@ TEST_F(stopping_test, a_pipe_can_be_imported) {
   EXPECT_EQ(run_quietly({"export", "t.ovt"}), "A,B\n1,x\n2,yyyyy\n");
 }
 
-/// What a shell script writes to standard error when that is a terminal.
-std::string on_terminal(const std::string& script, const std::filesystem::path& folder, int& status) {
-  int terminal = -1;
-  const pid_t child = ::forkpty(&terminal, nullptr, nullptr, nullptr);
-  if (child == 0) {
-    if (::chdir(folder.c_str()) != 0) ::_exit(127);
-    ::execl("/bin/sh", "sh", "-c", script.c_str(), static_cast<char*>(nullptr));
-    ::_exit(127);
-  }
-  std::string seen;
-  char bytes[4096];
-  for (ssize_t done = 0; (done = ::read(terminal, bytes, sizeof bytes)) > 0;) {
-    seen.append(bytes, static_cast<std::size_t>(done));
-  }
-  ::close(terminal);
-  ::waitpid(child, &status, 0);
-  return seen;
-}
-
 TEST_F(stopping_test, a_terminal_sees_a_bar_only_when_the_work_lasts) {
   make_long_table();
-  const char* const set = std::getenv("OVFILE_COMMAND");
-  ovtest::set_environment("OVFILE", set != nullptr ? set : OVFILE_COMMAND_PATH);
-  int status = -1;
-  const std::string slow =
-      on_terminal("{ head -n 5000 in.csv; sleep 1.3; tail -n +5001 in.csv; } | \"$OVFILE\" import - u.ovt",
-                  folder().path(), status);
-  EXPECT_EQ(status, 0);
+  const auto [end, slow] = ovtest::on_terminal(
+      "{ head -n 5000 in.csv; sleep 1.3; tail -n +5001 in.csv; } | \"$OVFILE\" import - u.ovt",
+      folder().path());
+  EXPECT_EQ(end.status, 0);
   EXPECT_EQ(slow.find("\rreading standard input"), 0u) << slow;
-  EXPECT_EQ(slow.substr(slow.size() - 4), "\r\x1B[K") << "wiped away";
-  const std::string quick = on_terminal("\"$OVFILE\" head t.ovt >/dev/null", folder().path(), status);
-  EXPECT_EQ(status, 0);
-  EXPECT_EQ(quick, "");
+  EXPECT_EQ(ovtest::left_on_terminal(slow), "") << slow;
+  const ovtest::shown quick = ovtest::on_terminal("\"$OVFILE\" head t.ovt >/dev/null", folder().path());
+  EXPECT_EQ(quick.end.status, 0);
+  EXPECT_EQ(quick.text, "");
 }
 
 }  // namespace

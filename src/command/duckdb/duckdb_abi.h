@@ -75,6 +75,13 @@ struct result {
   result_body* body;
 };
 
+/// How far a query has come; below 0 it is not known.
+struct progress {
+  double percentage;
+  std::uint64_t rows;
+  std::uint64_t all_rows;
+};
+
 /// A text in a vector: up to 12 bytes stand in the value itself, a longer one's first 4 and then its address.
 struct alignas(void*) text_value {
   static constexpr std::uint32_t most_inlined = 12;
@@ -99,147 +106,86 @@ using replacement_call = void (*)(scan_info info, const char* name, void* data);
 }  // namespace command::duckdb
 
 // one(what it returns, its name behind "duckdb_", (what it takes))
-#define OVFILE_DUCKDB_FUNCTIONS(one)                                                                                             \
-  one(const char*, library_version, ()) one(status, create_config, (config*)) one(                                               \
-      status, set_config,                                                                                                        \
-      (config, const char* name,                                                                                                 \
-       const char* option)) one(void, destroy_config, (config*)) one(status, open_ext,                                           \
-                                                                     (const char* path, database*, config,                       \
-                                                                      char** error)) one(void, close,                            \
-                                                                                         (database*))                            \
-      one(status, connect, (database, connection*)) one(void, disconnect, (connection*)) one(void, interrupt, (connection)) one( \
-          void, free,                                                                                                            \
-          (void*)) one(status, query,                                                                                            \
-                       (connection, const char* sql,                                                                             \
-                        result*)) one(count, extract_statements, (connection, const char* sql, extracted*))                      \
-          one(void, destroy_extracted, (extracted*)) one(status, prepare, (connection, const char* sql, prepared*)) one(         \
-              const char*, prepare_error,                                                                                        \
-              (                                                                                                                  \
-                  prepared)) one(statement_kind, prepared_statement_type,                                                        \
-                                 (prepared)) one(count, prepared_statement_column_count, (prepared))                             \
-              one(const char*, prepared_statement_column_name, (prepared, count column)) one(                                    \
-                  type_id, prepared_statement_column_type,                                                                       \
-                  (prepared,                                                                                                     \
-                   count                                                                                                         \
-                       column)) one(void, destroy_prepare,                                                                       \
-                                    (prepared*)) one(status, execute_prepared_streaming,                                         \
-                                                     (prepared, result*)) one(chunk, fetch_chunk, (result))                      \
-                  one(const char*, result_error, (result*)) one(void, destroy_result, (result*)) one(                            \
-                      count, column_count,                                                                                       \
-                      (result*)) one(const char*, column_name,                                                                   \
-                                     (result*, count column)) one(type_id, column_type, (result*, count column))                 \
-                      one(count, data_chunk_get_size, (chunk)) one(void, data_chunk_set_size, (chunk, count rows)) one(          \
-                          vector,                                                                                                \
-                          data_chunk_get_vector,                                                                                 \
-                          (                                                                                                      \
-                              chunk,                                                                                             \
-                              count column)) one(void, destroy_data_chunk,                                                       \
-                                                 (chunk*)) one(count, vector_size, ())                                           \
-                          one(void*, vector_get_data, (vector)) one(                                                             \
-                              std::uint64_t*,                                                                                    \
-                              vector_get_validity,                                                                               \
-                              (vector)) one(void, vector_ensure_validity_writable,                                               \
-                                            (                                                                                    \
-                                                vector)) one(void, vector_assign_string_element_len,                             \
-                                                             (vector, count row, const char* bytes, count length))               \
-                              one(logical_type, create_logical_type, (type_id)) one(                                             \
-                                  void, destroy_logical_type,                                                                    \
-                                  (logical_type*)) one(value, create_varchar_length,                                             \
-                                                       (const char* text, count length)) one(bool, is_null_value, (value))       \
-                                  one(char*, get_varchar, (value)) one(bool, get_bool, (value)) one(                             \
-                                      void, destroy_value,                                                                       \
-                                      (value*)) one(table_function, create_table_function,                                       \
-                                                    ()) one(void, destroy_table_function, (table_function*))                     \
-                                      one(void, table_function_set_name, (table_function, const char* name)) one(                \
-                                          void, table_function_add_parameter,                                                    \
-                                          (                                                                                      \
-                                              table_function,                                                                    \
-                                              logical_type)) one(void, table_function_add_named_parameter,                       \
-                                                                 (                                                               \
-                                                                     table_function,                                             \
-                                                                     const char*                                                 \
-                                                                         name,                                                   \
-                                                                     logical_type)) one(void, table_function_set_extra_info,     \
-                                                                                        (                                        \
-                                                                                            table_function,                      \
-                                                                                            void* data,                          \
-                                                                                            destroy_call))                       \
-                                          one(void, table_function_set_bind, (table_function, bind_call)) one(                   \
-                                              void, table_function_set_init,                                                     \
-                                              (table_function,                                                                   \
-                                               init_call)) one(void, table_function_set_local_init,                              \
-                                                               (table_function,                                                  \
-                                                                init_call)) one(void, table_function_set_function,               \
-                                                                                (table_function, main_call))                     \
-                                              one(void, table_function_supports_projection_pushdown,                             \
-                                                  (                                                                              \
-                                                      table_function,                                                            \
-                                                      bool)) one(status, register_table_function,                                \
-                                                                 (connection, table_function))                                   \
-                                                  one(void*, bind_get_extra_info, (bind_info)) one(                              \
-                                                      value, bind_get_parameter,                                                 \
-                                                      (bind_info,                                                                \
-                                                       count                                                                     \
-                                                           parameter)) one(value, bind_get_named_parameter,                      \
-                                                                           (bind_info,                                           \
-                                                                            const char*                                          \
-                                                                                name)) one(void,                                 \
-                                                                                           bind_add_result_column,               \
-                                                                                           (bind_info, const char* name,         \
-                                                                                            logical_type))                       \
-                                                      one(void, bind_set_bind_data,                                              \
-                                                          (                                                                      \
-                                                              bind_info,                                                         \
-                                                              void* data,                                                        \
-                                                              destroy_call)) one(void, bind_set_cardinality,                     \
-                                                                                 (bind_info, count rows, bool exact))            \
-                                                          one(void, bind_set_error, (bind_info, const char* words)) one(         \
-                                                              void*, init_get_bind_data,                                         \
-                                                              (init_info)) one(void, init_set_init_data,                         \
-                                                                               (init_info, void* data,                           \
-                                                                                destroy_call))                                   \
-                                                              one(count, init_get_column_count,                                  \
-                                                                  (init_info)) one(count,                                        \
-                                                                                   init_get_column_index,                        \
-                                                                                   (init_info, count position))                  \
-                                                                  one(void, init_set_max_threads,                                \
-                                                                      (init_info,                                                \
-                                                                       count threads)) one(void,                                 \
-                                                                                           init_set_error,                       \
-                                                                                           (init_info,                           \
-                                                                                            const char*                          \
-                                                                                                words))                          \
-                                                                      one(void*, function_get_bind_data,                         \
-                                                                          (call_info)) one(void*,                                \
-                                                                                           function_get_init_data,               \
-                                                                                           (call_info))                          \
-                                                                          one(void*,                                             \
-                                                                              function_get_local_init_data,                      \
-                                                                              (call_info)) one(void,                             \
-                                                                                               function_set_error,               \
-                                                                                               (call_info,                       \
-                                                                                                const char*                      \
-                                                                                                    words))                      \
-                                                                              one(void,                                          \
-                                                                                  add_replacement_scan,                          \
-                                                                                  (database,                                     \
-                                                                                   replacement_call,                             \
-                                                                                   void* data,                                   \
-                                                                                   destroy_call))                                \
-                                                                                  one(void,                                      \
-                                                                                      replacement_scan_set_function_name,        \
-                                                                                      (scan_info,                                \
-                                                                                       const char*                               \
-                                                                                           name))                                \
-                                                                                      one(void,                                  \
-                                                                                          replacement_scan_add_parameter,        \
-                                                                                          (scan_info,                            \
-                                                                                           value))                               \
-                                                                                          one(void,                              \
-                                                                                              replacement_scan_set_error,        \
-                                                                                              (scan_info,                        \
-                                                                                               const char*                       \
-                                                                                                   words))
+// clang-format off
+#define OVFILE_DUCKDB_FUNCTIONS(one) \
+  one(const char*, library_version, ()) \
+  one(status, create_config, (config*)) \
+  one(status, set_config, (config, const char* name, const char* option)) \
+  one(void, destroy_config, (config*)) \
+  one(status, open_ext, (const char* path, database*, config, char** error)) \
+  one(void, close, (database*)) \
+  one(status, connect, (database, connection*)) \
+  one(void, disconnect, (connection*)) \
+  one(void, interrupt, (connection)) \
+  one(progress, query_progress, (connection)) \
+  one(void, free, (void*)) \
+  one(status, query, (connection, const char* sql, result*)) \
+  one(count, extract_statements, (connection, const char* sql, extracted*)) \
+  one(void, destroy_extracted, (extracted*)) \
+  one(status, prepare, (connection, const char* sql, prepared*)) \
+  one(const char*, prepare_error, (prepared)) \
+  one(statement_kind, prepared_statement_type, (prepared)) \
+  one(count, prepared_statement_column_count, (prepared)) \
+  one(const char*, prepared_statement_column_name, (prepared, count column)) \
+  one(type_id, prepared_statement_column_type, (prepared, count column)) \
+  one(void, destroy_prepare, (prepared*)) \
+  one(status, execute_prepared_streaming, (prepared, result*)) \
+  one(chunk, fetch_chunk, (result)) \
+  one(const char*, result_error, (result*)) \
+  one(void, destroy_result, (result*)) \
+  one(count, column_count, (result*)) \
+  one(const char*, column_name, (result*, count column)) \
+  one(type_id, column_type, (result*, count column)) \
+  one(count, data_chunk_get_size, (chunk)) \
+  one(void, data_chunk_set_size, (chunk, count rows)) \
+  one(vector, data_chunk_get_vector, (chunk, count column)) \
+  one(void, destroy_data_chunk, (chunk*)) \
+  one(count, vector_size, ()) \
+  one(void*, vector_get_data, (vector)) \
+  one(std::uint64_t*, vector_get_validity, (vector)) \
+  one(void, vector_ensure_validity_writable, (vector)) \
+  one(void, vector_assign_string_element_len, (vector, count row, const char* bytes, count length)) \
+  one(logical_type, create_logical_type, (type_id)) \
+  one(void, destroy_logical_type, (logical_type*)) \
+  one(value, create_varchar_length, (const char* text, count length)) \
+  one(bool, is_null_value, (value)) \
+  one(char*, get_varchar, (value)) \
+  one(bool, get_bool, (value)) \
+  one(void, destroy_value, (value*)) \
+  one(table_function, create_table_function, ()) \
+  one(void, destroy_table_function, (table_function*)) \
+  one(void, table_function_set_name, (table_function, const char* name)) \
+  one(void, table_function_add_parameter, (table_function, logical_type)) \
+  one(void, table_function_add_named_parameter, (table_function, const char* name, logical_type)) \
+  one(void, table_function_set_extra_info, (table_function, void* data, destroy_call)) \
+  one(void, table_function_set_bind, (table_function, bind_call)) \
+  one(void, table_function_set_init, (table_function, init_call)) \
+  one(void, table_function_set_local_init, (table_function, init_call)) \
+  one(void, table_function_set_function, (table_function, main_call)) \
+  one(void, table_function_supports_projection_pushdown, (table_function, bool)) \
+  one(status, register_table_function, (connection, table_function)) \
+  one(void*, bind_get_extra_info, (bind_info)) \
+  one(value, bind_get_parameter, (bind_info, count parameter)) \
+  one(value, bind_get_named_parameter, (bind_info, const char* name)) \
+  one(void, bind_add_result_column, (bind_info, const char* name, logical_type)) \
+  one(void, bind_set_bind_data, (bind_info, void* data, destroy_call)) \
+  one(void, bind_set_cardinality, (bind_info, count rows, bool exact)) \
+  one(void, bind_set_error, (bind_info, const char* words)) \
+  one(void*, init_get_bind_data, (init_info)) \
+  one(void, init_set_init_data, (init_info, void* data, destroy_call)) \
+  one(count, init_get_column_count, (init_info)) \
+  one(count, init_get_column_index, (init_info, count position)) \
+  one(void, init_set_max_threads, (init_info, count threads)) \
+  one(void, init_set_error, (init_info, const char* words)) \
+  one(void*, function_get_bind_data, (call_info)) \
+  one(void*, function_get_init_data, (call_info)) \
+  one(void*, function_get_local_init_data, (call_info)) \
+  one(void, function_set_error, (call_info, const char* words)) \
+  one(void, add_replacement_scan, (database, replacement_call, void* data, destroy_call)) \
+  one(void, replacement_scan_set_function_name, (scan_info, const char* name)) \
+  one(void, replacement_scan_add_parameter, (scan_info, value)) \
+  one(void, replacement_scan_set_error, (scan_info, const char* words))
+// clang-format on
 
 namespace command::duckdb {
 

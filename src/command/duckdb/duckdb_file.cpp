@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 
 constexpr int major_version = 1;
 /// Older ones lack some of the functions, or mean something else by them.
-constexpr int least_minor_version = 2;
+constexpr int least_minor_version = 4;
 
 template <class Function>
 void find(Function& function, void* library, const char* name, const std::string& path) {
@@ -68,11 +68,13 @@ duckdb::functions load_duckdb_file(const std::string& path) {
   std::string reason;
   void* const library = load_library(path, reason);
   if (library == nullptr) throw failure("cannot load " + path + ": " + reason);
-  const duckdb::functions found = find_all(library, path);
+  // First the version: an older library lacks functions that nobody knows by name.
+  duckdb::functions found{};
+  find(found.library_version, library, "duckdb_library_version", path);
   const std::string version = duckdb_version(found);
-  if (is_usable(version)) return found;
+  if (is_usable(version)) return find_all(library, path);
   throw failure(path + " is DuckDB " + version +
-                "; this program can use 1.2 and later ones that begin with 1");
+                "; this program can use 1.4 and later ones that begin with 1");
 }
 
 std::string duckdb_version(const duckdb::functions& library) {

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "duckdb/duckdb_check.h"
 #include "duckdb/duckdb_file.h"
 #include "environment.h"
 #include "failure.h"
@@ -55,7 +56,11 @@ std::string find_duckdb() {
 }
 
 const duckdb::functions& load_duckdb() {
-  static const duckdb::functions loaded = load_duckdb_file(find_duckdb());
+  static const duckdb::functions loaded = [] {
+    const std::string path = find_duckdb();
+    check_duckdb(path);
+    return load_duckdb_file(path);
+  }();
   return loaded;
 }
 

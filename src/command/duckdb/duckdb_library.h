@@ -10,8 +10,9 @@ namespace command {
 
 /// Where the library is looked for: the file or folder that OVFILE_DUCKDB names and nowhere else when that is
 /// set, then beside the program, then in the user's data folder, where `ovfile setup sql` puts it.
-/// Loads it once; it stays loaded until the process ends. Throws `failure`, which tells how to get the
-/// library when there is none, and what is wrong with one that cannot be used.
+/// Loads it once, when it is found whole; it stays loaded until the process ends. Throws `failure`, which
+/// tells how to get the library when there is none, and what is wrong with one that cannot be used, and
+/// `interrupted`.
 const duckdb::functions& load_duckdb();
 
 /// The folder of the user's data for this program; it may not exist. Throws `failure` when the

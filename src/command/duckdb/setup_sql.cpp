@@ -7,6 +7,7 @@
 
 #include "child_process.h"
 #include "console.h"
+#include "duckdb/duckdb_check.h"
 #include "duckdb/duckdb_library.h"
 #include "duckdb/duckdb_package.h"
 #include "duckdb/package_registry.h"
@@ -56,22 +57,13 @@ void check_usage(const setup_request& request, const wanted_library& wanted) {
   if (wanted.integrity.empty()) throw wrong_usage("--from with another --version needs --integrity");
 }
 
-std::string without(const std::string& text, const std::string& beginning) {
-  return text.starts_with(beginning) ? text.substr(beginning.size()) : text;
-}
-
-/// What another process of this program says of a library: a damaged one may end the process that loads it,
-/// and one that is loaded cannot be taken away everywhere.
-child_end try_library(const std::string& path) {
-  return run_child({{own_program(), "setup", "sql", "--try", path}});
-}
-
 /// The version of the library in its place, when that is the wanted one and can be used.
 bool is_there(const wanted_library& wanted) {
   std::error_code error;
   if (!fs::exists(path_of_utf8(wanted.target), error)) return false;
-  const child_end end = try_library(wanted.target);
-  return end.status == 0 && first_line(end.words) == wanted.version.substr(0, wanted.version.find('-'));
+  const duckdb_trial found = look_at_duckdb(wanted.target);
+  return found.verdict == duckdb_verdict::good &&
+         found.words == wanted.version.substr(0, wanted.version.find('-'));
 }
 
 void check_integrity(raw_file& package, const std::string& source, const wanted_library& wanted,
@@ -139,14 +131,13 @@ std::string install(package_file& package, const wanted_library& wanted) {
     const private_folder scratch("ovfile-setup");
     copy_file(unpack(package, scratch.name()), target.name(), wanted.target);
   }
-  const child_end end = try_library(target.name());
-  if (end.status != 0) {
-    throw failure(fmt::format("the library of {} is of no use here: {}", package.source,
-                              without(first_line(end.words), "ovfile: ")));
+  const duckdb_trial found = look_at_duckdb(target.name());
+  if (found.verdict != duckdb_verdict::good) {
+    throw failure(fmt::format("the library of {} is of no use here: {}", package.source, found.words));
   }
   target.commit();
   folders.keep();
-  return first_line(end.words);
+  return found.words;
 }
 
 bool is_same_folder(const std::string& left, const std::string& right) {

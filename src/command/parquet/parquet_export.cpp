@@ -77,10 +77,13 @@ void export_parquet(const parquet_export_request& request) {
   const std::string metadata = metadata_option(view, fields, columns);
   sql_database database(request.options.settings());
   if (partition.empty()) {
+    database.show("writing");
     write_parquet(database, query, request.target, metadata);
     return;
   }
+  database.show("looking");
   check_folder_names(database, query, request.rows.table, partition);
+  database.show("writing");
   write_folder(database, query, request.target, partition_option(partition), metadata);
 }
 

@@ -152,7 +152,10 @@ parquet_folder open_folder(sql_database& database, const std::string& name) {
   const std::vector<found_file> files = files_in(name);
   check_keys(name, files);
   parquet_folder made;
-  for (const found_file& file : files) made.files.push_back(as_pattern(file.name));
+  for (const found_file& file : files) {
+    made.files.push_back(as_pattern(file.name));
+    made.shown.push_back(file.below);
+  }
   const std::vector<std::string> names = names_of(name, files.front());
   if (names.empty()) return made;
   const std::size_t above = characters_above(database, files.front());

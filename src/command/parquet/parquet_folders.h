@@ -16,6 +16,7 @@ struct folder_column {
 
 struct parquet_folder {
   std::vector<std::string> files;  ///< in the order of their names, as patterns
+  std::vector<std::string> shown;  ///< the same as messages call them
   std::vector<folder_column> columns;
 };
 

@@ -1,6 +1,7 @@
 #include "parquet/parquet_import.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "absent.h"
 #include "failure.h"
@@ -135,9 +136,10 @@ auto reading(const std::string& name, Work work) {
 
 void import_parquet(const import_request& request, const sql_options& options) {
   sql_database database(options.settings());
+  database.show("reading " + request.csv);
   parquet_source source = reading(request.csv, [&] { return open_source(database, request.csv); });
   put_in_order(source);
-  std::vector<std::string> notes;
+  std::vector<std::string> notes = std::move(source.notes);
   std::vector<planned_field> implicit = reading(request.csv, [&] {
     return take_implicits(database, source, options.absent_value() == absent_value::nan);
   });

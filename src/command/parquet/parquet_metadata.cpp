@@ -1,9 +1,11 @@
 #include "parquet/parquet_metadata.h"
 
 #include <algorithm>
+#include <map>
 
 #include "failure.h"
 #include "number_text.h"
+#include "parquet/parquet_union.h"
 #include "table_limits.h"
 #include "words.h"
 
@@ -21,16 +23,20 @@ std::string json_field(const field_view& field, const std::string& column) {
       field.implicit, json_text(field.is_text ? field.text_default : number_text(field.number_default)));
 }
 
-std::string cell(const sql_result& rows, std::size_t column) {
-  return rows.is_null(column, 0) ? std::string() : std::string(rows.text(column, 0));
-}
-
-/// The text that the file keeps under this key.
-std::string value_of(sql_database& database, const std::string& pattern, const char* key) {
+/// The texts that the files keep under our keys, as far as all of them keep the same.
+std::map<std::string, std::string> common_texts(sql_database& database,
+                                                const std::vector<std::string>& files) {
+  std::map<std::string, std::string> found;
   sql_result rows = database.run(
-      fmt::format("select decode(value) from parquet_kv_metadata({}) where decode(key) = {} limit 1",
-                  sql_text(pattern), sql_text(key)));
-  return rows.next() ? cell(rows, 0) : std::string();
+      fmt::format("select decode(key), decode(any_value(value)) from parquet_kv_metadata({}) where key in "
+                  "(encode({}), encode({}), encode({})) group by key "
+                  "having count(distinct value) = 1 and count(distinct file_name) = {}",
+                  list_of(files), sql_text(precision_key), sql_text(description_key), sql_text(columns_key),
+                  files.size()));
+  while (rows.next()) {
+    for (std::size_t i = 0; i < rows.rows(); ++i) found[std::string(rows.text(0, i))] = rows.text(1, i);
+  }
+  return found;
 }
 
 void read_fields(sql_database& database, const std::string& json, kept_definition& kept) {
@@ -78,12 +84,13 @@ std::string metadata_option(const table_view& view, const std::vector<field_view
                      sql_text(view.description()), sql_text(columns_key), sql_text(definition + "]"));
 }
 
-std::optional<kept_definition> read_metadata(sql_database& database, const std::string& pattern) {
-  const std::string columns = value_of(database, pattern, columns_key);
+std::optional<kept_definition> read_metadata(sql_database& database, const std::vector<std::string>& files) {
+  std::map<std::string, std::string> texts = common_texts(database, files);
+  const std::string columns = texts[columns_key];
   if (columns.empty()) return {};
   kept_definition kept;
-  kept.single = value_of(database, pattern, precision_key) == "single";
-  kept.description = value_of(database, pattern, description_key);
+  kept.single = texts[precision_key] == "single";
+  kept.description = texts[description_key];
   try {
     read_fields(database, columns, kept);
   } catch (const failure&) {

@@ -31,7 +31,8 @@ struct kept_definition {
 std::string metadata_option(const table_view& view, const std::vector<field_view>& fields,
                             const std::vector<std::string>& columns);
 
-/// Of the file that the pattern stands for; empty where it has none, or none that can be read.
-std::optional<kept_definition> read_metadata(sql_database& database, const std::string& pattern);
+/// What all files, which are patterns, say in the same words; empty where they have none, not all the same
+/// columns, or none that can be read.
+std::optional<kept_definition> read_metadata(sql_database& database, const std::vector<std::string>& files);
 
 }  // namespace command

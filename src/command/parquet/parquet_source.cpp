@@ -5,6 +5,7 @@
 
 #include "failure.h"
 #include "parquet/parquet_folders.h"
+#include "parquet/parquet_union.h"
 #include "unique_names.h"
 #include "utf8_path.h"
 #include "words.h"
@@ -76,13 +77,10 @@ void add_columns(sql_database& database, const std::string& name, const std::vec
 }
 
 /// The files' own rows and columns; what stands in the names of folders above them is none of these.
-void read_files(sql_database& database, const std::vector<std::string>& files, const std::string& options,
-                parquet_source& source) {
-  std::string list;
-  for (const std::string& file : files) list += (list.empty() ? "" : ", ") + sql_text(file);
-  source.rows = fmt::format("read_parquet([{}], hive_partitioning = false{})", list, options);
+void read_files(sql_database& database, const parquet_folder& folder, parquet_source& source) {
+  source.rows = rows_of(database, folder, source.notes);
   source.columns = database.shape_of("select * from " + source.rows).columns;
-  source.kept = read_metadata(database, files.front());
+  source.kept = read_metadata(database, folder.files);
 }
 
 }  // namespace
@@ -94,13 +92,12 @@ parquet_source open_source(sql_database& database, const std::string& name) {
     throw failure("cannot open " + name + ": there is no such file");
   }
   if (!std::filesystem::is_directory(path_of_utf8(name), error)) {
-    read_files(database, {as_pattern(name)}, {}, source);
+    read_files(database, {{as_pattern(name)}, {name}, {}}, source);
     return source;
   }
   const parquet_folder folder = open_folder(database, name);
-  const bool has_columns = !folder.columns.empty();
-  read_files(database, folder.files, has_columns ? ", filename = " + sql_text(file_name_column) : "", source);
-  if (has_columns) add_columns(database, name, folder.columns, source);
+  read_files(database, folder, source);
+  if (!folder.columns.empty()) add_columns(database, name, folder.columns, source);
   return source;
 }
 

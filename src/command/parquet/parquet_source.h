@@ -16,6 +16,7 @@ struct parquet_source {
   std::string rows;  ///< stands behind FROM
   std::vector<sql_column> columns;
   std::optional<kept_definition> kept;
+  std::vector<std::string> notes;  ///< for the user
 };
 
 /// `name` is a file, or a folder whose files are found at any depth; what the names of the folders below it

@@ -8,6 +8,8 @@
 #include <memory>
 #include <new>
 
+#include "sql/widened_float.h"
+
 namespace command {
 namespace {
 
@@ -64,6 +66,21 @@ void copy_numbers(const sql_result& rows, std::size_t column, std::vector<Value>
   memory.buffers[1] = numbers.data();
 }
 
+void copy_widened(const sql_result& rows, std::size_t column, column_memory& memory) {
+  const float* const found = rows.values<float>(column);
+  memory.numbers.resize(rows.rows());
+  // Grades of a few digits repeat.
+  float last = 0;
+  double last_widened = 0;
+  for (std::size_t row = 0; row < rows.rows(); ++row) {
+    if (rows.is_null(column, row)) continue;
+    const float value = found[row];
+    if (value != last || value == 0) last_widened = widened(last = value);  // there are two zeros
+    memory.numbers[row] = last_widened;
+  }
+  memory.buffers[1] = memory.numbers.data();
+}
+
 ArrowArray make_column(const sql_result& rows, std::size_t column, const stream_column& form) {
   auto memory = std::make_unique<column_memory>();
   ArrowArray array{};
@@ -72,6 +89,8 @@ ArrowArray make_column(const sql_result& rows, std::size_t column, const stream_
   if (array.null_count > 0) memory->buffers[0] = memory->valid.data();
   if (form.is_text) {
     copy_texts(rows, column, *memory);
+  } else if (form.is_widened) {
+    copy_widened(rows, column, *memory);
   } else if (form.is_float) {
     copy_numbers(rows, column, memory->floats, *memory);
   } else {
@@ -105,20 +124,25 @@ ArrowArray make_batch(const sql_result& rows, const std::vector<stream_column>& 
   return std::exchange(*owner.get(), ArrowArray{});
 }
 
+const char* format_of(const stream_column& column) noexcept {
+  if (column.is_text) return "U";
+  return column.is_float && !column.is_widened ? "f" : "g";
+}
+
 /// Types whose memory is their owner's, who outlives them: the consumer reads them before it reads rows.
 void release_type(ArrowSchema* type) { type->release = nullptr; }
 
 class row_stream {
  public:
-  row_stream(sql_result rows, std::vector<stream_column> columns)
-      : rows_(std::move(rows)), columns_(std::move(columns)), types_(columns_.size()) {
+  row_stream(sql_result rows, std::vector<stream_column> columns, row_count& count)
+      : rows_(std::move(rows)), columns_(std::move(columns)), types_(columns_.size()), count_(count) {
     for (ArrowSchema& type : types_) children_.push_back(&type);
   }
 
   void describe(ArrowSchema* out) {
     for (std::size_t i = 0; i < columns_.size(); ++i) {
       types_[i] = ArrowSchema{};
-      types_[i].format = columns_[i].is_text ? "U" : columns_[i].is_float ? "f" : "g";
+      types_[i].format = format_of(columns_[i]);
       types_[i].name = columns_[i].name.c_str();
       types_[i].flags = ARROW_FLAG_NULLABLE;
       types_[i].release = release_type;
@@ -134,7 +158,9 @@ class row_stream {
   int next(ArrowArray* out) noexcept {
     *out = ArrowArray{};
     try {
-      if (rows_.next()) *out = make_batch(rows_, columns_);
+      if (!rows_.next()) return 0;
+      *out = make_batch(rows_, columns_);
+      count_.add(rows_.rows());
       return 0;
     } catch (const std::bad_alloc&) {
       words_ = "there is not enough memory";
@@ -154,6 +180,7 @@ class row_stream {
   std::vector<stream_column> columns_;
   std::vector<ArrowSchema> types_;
   std::vector<ArrowSchema*> children_;
+  row_count& count_;
   std::string words_;
 };
 
@@ -161,7 +188,7 @@ row_stream& self(ArrowArrayStream* stream) { return *static_cast<row_stream*>(st
 
 }  // namespace
 
-ovfile::arrow_stream stream_rows(sql_result rows, std::vector<stream_column> columns) {
+ovfile::arrow_stream stream_rows(sql_result rows, std::vector<stream_column> columns, row_count& count) {
   ArrowArrayStream made{};
   made.get_schema = [](ArrowArrayStream* stream, ArrowSchema* out) {
     self(stream).describe(out);
@@ -173,7 +200,7 @@ ovfile::arrow_stream stream_rows(sql_result rows, std::vector<stream_column> col
     delete static_cast<row_stream*>(stream->private_data);
     stream->release = nullptr;
   };
-  made.private_data = new row_stream(std::move(rows), std::move(columns));
+  made.private_data = new row_stream(std::move(rows), std::move(columns), count);
   return ovfile::arrow_stream(made);
 }
 

@@ -6,7 +6,9 @@
 #include "field_names.h"
 #include "import_scan.h"
 #include "replacement.h"
+#include "sql/query_columns.h"
 #include "sql/query_stream.h"
+#include "sql/widened_float.h"
 #include "table_limits.h"
 #include "table_writer.h"
 #include "words.h"
@@ -16,34 +18,6 @@ namespace {
 
 using duckdb::type_id;
 
-enum class fit { number, perhaps, text };
-
-/// Whether a double holds every value of the type.
-fit fit_of(type_id type) noexcept {
-  switch (type) {
-    case type_id::boolean:
-    case type_id::tiny:
-    case type_id::small:
-    case type_id::integer:
-    case type_id::unsigned_tiny:
-    case type_id::unsigned_small:
-    case type_id::unsigned_integer:
-    case type_id::real:
-    case type_id::double_real:
-      return fit::number;
-    case type_id::big:
-    case type_id::unsigned_big:
-    case type_id::huge:
-    case type_id::unsigned_huge:
-    case type_id::decimal:
-      return fit::perhaps;
-    default:
-      return fit::text;
-  }
-}
-
-std::string as_text(const std::string& column) { return fmt::format("cast({} as varchar)", column); }
-
 /// The last one of the column in a list of what is known or asked for; null: there is none.
 template <class Entry>
 const Entry* find_last(const std::vector<Entry>& entries, const std::string& column) {
@@ -52,81 +26,6 @@ const Entry* find_last(const std::vector<Entry>& entries, const std::string& col
     if (entry.column == column) found = &entry;
   }
   return found;
-}
-
-/// A float as text: a whole one without the point that the library writes.
-std::string float_as_text(const std::string& value) {
-  return fmt::format(
-      "case when {0} = trunc({0}) and abs({0}) < 1e15 then cast(try_cast({0} as bigint) as varchar) else "
-      "cast({0} as varchar) end",
-      value);
-}
-
-/// The source under our own names, what stands for absent values made NULL.
-std::string cleaned(const std::string& source, const std::vector<sql_column>& columns,
-                    const query_table_request& request) {
-  const std::vector<std::string> names = own_column_names(columns.size());
-  std::vector<std::string> values;
-  for (std::size_t i = 0; i < columns.size(); ++i) {
-    const bool is_float = columns[i].type == type_id::real || columns[i].type == type_id::double_real;
-    std::string value = names[i];
-    // What stands for an absent float is another number as a double.
-    if (is_float) value = fmt::format("case when {0} = cast(-1e30 as real) then null else {0} end", value);
-    if (request.nan_is_absent && is_float)
-      value = fmt::format("case when isnan({0}) then null else {0} end", value);
-    if (!request.absent_text.empty()) {
-      const std::string word = sql_text(request.absent_text);
-      value =
-          fit_of(columns[i].type) == fit::text
-              ? fmt::format("nullif({}, {})", as_text(value), word)
-              : fmt::format("case when {0} = try_cast({1} as double) then null else {0} end", value, word);
-    }
-    if (is_float && find_last(request.texts, columns[i].name) != nullptr) value = float_as_text(value);
-    values.push_back(value + " as " + names[i]);
-  }
-  return fmt::format("(select {} from {} as q({}))", fmt::join(values, ", "), source, fmt::join(names, ", "));
-}
-
-/// Beyond the largest value of a type of whole numbers, as a double. To cast what is not below to the type is
-/// no failure everywhere.
-const char* bound_of(type_id type) noexcept {
-  switch (type) {
-    case type_id::big:
-      return "9223372036854775808e0";
-    case type_id::unsigned_big:
-      return "18446744073709551616e0";
-    case type_id::huge:
-      return "170141183460469231731687303715884105728e0";
-    default:
-      return "340282366920938463463374607431768211456e0";
-  }
-}
-
-/// Whether a double holds every value of the column, as an aggregate that is null for no values at all.
-std::string fits_double(const std::string& column, type_id type, const std::string& type_name) {
-  const std::string as_double = fmt::format("cast({} as double)", column);
-  const auto comes_back = [&](const std::string& value) {
-    return fmt::format("coalesce(try_cast({} as {}) = {}, {} is null)", value, type_name, column, column);
-  };
-  if (type != type_id::decimal) {
-    return fmt::format("bool_and({} is null or ({} < {} and {}))", column, as_double, bound_of(type),
-                       comes_back(as_double));
-  }
-  // A decimal is as good as the number that has the same digits, of which the arithmetic loses some; to read
-  // them is slow.
-  return fmt::format("bool_and(case when {} then true else {} end)", comes_back(as_double),
-                     comes_back(as_text(as_double)));
-}
-
-/// What a column needs of a table, as an aggregate that gives a double: below 0 a number, else text of so
-/// many characters.
-std::string need_of(const std::string& column, type_id type, const std::string& type_name) {
-  const fit fits = fit_of(type);
-  if (fits == fit::number) return "-1e0";
-  std::string width = fmt::format("coalesce(max(length(rtrim({}, ' \t'))), 0)", as_text(column));
-  if (fits == fit::text) return width;
-  return fmt::format("case when {} is not false then -1 else {} end", fits_double(column, type, type_name),
-                     width);
 }
 
 /// The types of a query's columns as SQL writes them.
@@ -169,26 +68,49 @@ planned_field plan_field(const sql_column& column, double need, const text_width
   return field;
 }
 
-std::vector<planned_field> plan_fields(sql_database& database, const std::string& from,
-                                       const std::vector<sql_column>& columns, const std::string& target,
-                                       const query_table_request& request) {
+/// Warns of the fields of numbers that say something else in single precision. `fits` tells of the columns.
+void note_lost_digits(import_plan& plan, const std::vector<bool>& fits) {
+  std::string names;
+  const auto add = [&](const planned_field& field) { names += (names.empty() ? "" : ", ") + field.name; };
+  for (std::size_t i = 0; i < fits.size(); ++i) {
+    if (!plan.stored[i].is_text && !fits[i]) add(plan.stored[i]);
+  }
+  for (const planned_field& field : plan.implicit) {
+    if (!field.is_text && !fits_float(field.number_default)) add(field);
+  }
+  if (!names.empty()) plan.notes.push_back("warning: single precision loses digits of " + names);
+}
+
+/// Plans the fields of the columns, and returns of each whether single precision, where it is asked for,
+/// keeps its numbers.
+std::vector<bool> plan_fields(sql_database& database, const std::string& from,
+                              const std::vector<sql_column>& columns, const std::string& target,
+                              const query_table_request& request, import_plan& plan) {
   const std::vector<std::string> types = type_names(database, from);
   std::vector<std::string> needs;
+  std::vector<std::string> fits;
   std::vector<const text_width*> asked;
   for (std::size_t i = 0; i < columns.size(); ++i) {
     asked.push_back(find_last(request.texts, columns[i].name));
     const type_id type = asked[i] != nullptr ? type_id::varchar : columns[i].type;
-    needs.push_back(fmt::format("cast({} as double)", need_of(fmt::format("c{}", i), type, types.at(i))));
+    const std::string column = fmt::format("c{}", i);
+    needs.push_back(fmt::format("cast({} as double)", need_of(column, type, types.at(i))));
+    fits.push_back(plan.single ? fits_single(column, type) : "true");
   }
   // Counted too: it gives one row whatever the columns are.
-  sql_result found = database.run(fmt::format("select {}, count(*) from {}", fmt::join(needs, ", "), from));
+  sql_result found = database.run(
+      fmt::format("select {}, count(*), {} from {}", fmt::join(needs, ", "), fmt::join(fits, ", "), from));
   if (!found.next()) throw failure("the query gave nothing");
-  std::vector<planned_field> fields;
   for (std::size_t i = 0; i < columns.size(); ++i) {
     const known_column* const known = find_last(request.known, columns[i].name);
-    fields.push_back(plan_field(columns[i], found.values<double>(i)[0], asked[i], known, target));
+    plan.stored.push_back(plan_field(columns[i], found.values<double>(i)[0], asked[i], known, target));
   }
-  return fields;
+  plan.rows = static_cast<std::uint64_t>(found.values<std::int64_t>(columns.size())[0]);
+  std::vector<bool> fit;
+  for (std::size_t i = columns.size() + 1; i <= 2 * columns.size(); ++i) {
+    fit.push_back(found.is_null(i, 0) || found.values<bool>(i)[0]);
+  }
+  return fit;
 }
 
 void check_texts_asked_for(const query_table_request& request, const std::vector<sql_column>& columns) {
@@ -221,25 +143,15 @@ std::size_t words_needed(const std::vector<planned_field>& fields) {
   return words;
 }
 
-/// How each column reaches the table: floats as they are, which it may hold, else widens by their digits.
+/// How each column reaches the table: floats as they are where it holds such.
 std::vector<stream_column> streamed_columns(const import_plan& plan, const std::vector<sql_column>& columns) {
   std::vector<stream_column> streamed;
   for (std::size_t i = 0; i < columns.size(); ++i) {
     const planned_field& field = plan.stored[i];
     const bool is_float = !field.is_text && columns[i].type == type_id::real;
-    streamed.push_back({field.name, field.is_text, is_float});
+    streamed.push_back({field.name, field.is_text, is_float, is_float && !plan.single});
   }
   return streamed;
-}
-
-/// The query that gives each column as the table takes it.
-std::string select_values(const std::vector<stream_column>& columns, const std::string& from) {
-  std::vector<std::string> values;
-  for (std::size_t i = 0; i < columns.size(); ++i) {
-    const char* const type = columns[i].is_text ? "varchar" : columns[i].is_float ? "real" : "double";
-    values.push_back(fmt::format("cast(c{} as {})", i, type));
-  }
-  return fmt::format("select {} from {}", fmt::join(values, ", "), from);
 }
 
 }  // namespace
@@ -262,10 +174,12 @@ std::int64_t make_table(sql_database& database, const std::string& source,
   plan.single = request.single;
   plan.description = request.description.value_or("");
   plan.implicit = request.implicit;
-  if (!columns.empty()) plan.stored = plan_fields(database, from, columns, target, request);
+  std::vector<bool> fits;
+  if (!columns.empty()) fits = plan_fields(database, from, columns, target, request, plan);
   const std::size_t words = words_needed(plan.stored) + words_needed(plan.implicit);
   if (request.single_where_it_fits && has_room(words, true)) plan.single = true;
   name_fields(plan);
+  if (plan.single) note_lost_digits(plan, fits);
   check_words(target, words, plan.single);
 
   const std::vector<stream_column> streamed = streamed_columns(plan, columns);
@@ -273,12 +187,16 @@ std::int64_t make_table(sql_database& database, const std::string& source,
   std::int64_t rows = 0;
   {
     table_writer writer(file.name(), target, plan);
+    database.show("writing");
     if (!columns.empty()) {
-      rows = writer.add_rows(stream_rows(database.run(select_values(streamed, from)), streamed));
+      sql_result found = database.run(select_values(streamed, from));
+      database.rows().expect(plan.rows);
+      rows = writer.add_rows(stream_rows(std::move(found), streamed, database.rows()));
     }
     writer.close();
   }
   file.commit();
+  database.show({});
   notes.insert(notes.end(), plan.notes.begin(), plan.notes.end());
   return rows;
 }

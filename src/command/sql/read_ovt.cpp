@@ -9,6 +9,7 @@
 #include "replacement.h"
 #include "sql/scan_columns.h"
 #include "sql/scanned_table.h"
+#include "sql/sql_failure.h"
 #include "unique_names.h"
 #include "words.h"
 
@@ -23,18 +24,19 @@ constexpr const char* function_name = "read_ovt";
 struct defaults {
   const functions& library;
   absent_value absent;
+  row_count& rows;
 };
 
 struct bound_table {
-  bound_table(const functions& used, const std::string& file, const scan_options& options)
-      : library(used), table(file, options) {}
-  const functions& library;
+  bound_table(const std::string& file, const scan_options& options, row_count& read)
+      : table(file, options), rows(read) {}
   scanned_table table;
+  row_count& rows;
 };
 
 /// What the threads of one scan share.
 struct shared_scan {
-  explicit shared_scan(LONG rows) noexcept : ranges(rows) {}
+  shared_scan(LONG rows, row_count& read) noexcept : ranges(rows, read) {}
   scan_ranges ranges;
   std::vector<LONG> columns;           ///< from 1, those that the query needs
   std::vector<duckdb::count> outputs;  ///< where each of them goes
@@ -53,7 +55,7 @@ void guard(void (*set_error)(Info, const char*), Info info, Work work) noexcept 
   } catch (const interrupted&) {
     set_error(info, "interrupted");
   } catch (const std::exception& error) {
-    set_error(info, error.what());
+    set_error(info, own_sql_words(error.what()).c_str());
   } catch (...) {
     set_error(info, "the table cannot be read");
   }
@@ -100,7 +102,7 @@ void bind(const defaults& given, duckdb::bind_info info) {
   const duckdb_value value(library, library.bind_get_parameter(info, 0));
   const std::string file = take_text(library, value.get(), "the table's name");
   if (file.empty()) throw failure("the table's name is empty");
-  auto bound = std::make_unique<bound_table>(library, file, options_of(given, info));
+  auto bound = std::make_unique<bound_table>(file, options_of(given, info), given.rows);
   const duckdb_type text(library, library.create_logical_type(duckdb::type_id::varchar));
   const duckdb_type number(
       library, library.create_logical_type(bound->table.gives_floats() ? duckdb::type_id::real
@@ -123,8 +125,9 @@ const bound_table& bound_of(const functions& library, duckdb::init_info info) {
 
 /// The library asks for a row's number, or for nothing, by an index that no column has.
 void plan_scan(const functions& library, duckdb::init_info info) {
-  const scanned_table& table = bound_of(library, info).table;
-  auto shared = std::make_unique<shared_scan>(table.view().rows());
+  const bound_table& bound = bound_of(library, info);
+  const scanned_table& table = bound.table;
+  auto shared = std::make_unique<shared_scan>(table.view().rows(), bound.rows);
   const duckdb::count wanted = library.init_get_column_count(info);
   for (duckdb::count output = 0; output < wanted; ++output) {
     const duckdb::count column = library.init_get_column_index(info, output);
@@ -207,7 +210,7 @@ std::vector<std::string> sql_names(const std::vector<field_view>& fields) {
 }
 
 void define_read_ovt(const functions& library, duckdb::database database, duckdb::connection connection,
-                     absent_value absent) {
+                     absent_value absent, row_count& rows) {
   loaded = &library;
   const duckdb_type text(library, library.create_logical_type(duckdb::type_id::varchar));
   const duckdb_type choice(library, library.create_logical_type(duckdb::type_id::boolean));
@@ -217,7 +220,7 @@ void define_read_ovt(const functions& library, duckdb::database database, duckdb
   library.table_function_add_named_parameter(made, "absent", text.get());
   library.table_function_add_named_parameter(made, "condition", text.get());
   library.table_function_add_named_parameter(made, "widen", choice.get());
-  library.table_function_set_extra_info(made, new defaults{library, absent}, destroy<defaults>);
+  library.table_function_set_extra_info(made, new defaults{library, absent, rows}, destroy<defaults>);
   library.table_function_set_bind(made, bind_call);
   library.table_function_set_init(made, init_call);
   library.table_function_set_local_init(made, init_thread_call);

@@ -1,12 +1,10 @@
 #include "sql/scan_columns.h"
 
-#include <fast_float/fast_float.h>
-
 #include <algorithm>
-#include <charconv>
-#include <cmath>
 #include <cstring>
 #include <limits>
+
+#include "sql/widened_float.h"
 
 namespace command {
 namespace {
@@ -45,18 +43,6 @@ void copy_nulls(const duckdb::functions& library, const std::uint8_t* valid, con
   for (std::size_t i = 0; i < rows.count(); ++i) {
     if (is_null(valid, rows[i])) out[i / 64] &= ~(std::uint64_t{1} << (i % 64));
   }
-}
-
-/// The number that the float's shortest digits say: 0.1 is 0.1, not 0.10000000149.
-double widened(float value) noexcept {
-  constexpr float largest_whole = 16777216;
-  if (std::fabs(value) <= largest_whole && std::trunc(value) == value) return static_cast<double>(value);
-  if (!std::isfinite(value)) return static_cast<double>(value);
-  char digits[32];
-  const char* const end = std::to_chars(digits, digits + sizeof digits, value).ptr;
-  double number = 0;
-  fast_float::from_chars(digits, end, number);
-  return number;
 }
 
 void copy_widened(const ArrowArray& column, const std::uint8_t* nan_for, const chosen_rows& rows,

@@ -77,6 +77,16 @@ range_reader::range_reader(const scanned_table& table, scan_ranges& ranges, std:
 }
 
 bool range_reader::next() {
+  try {
+    return advance();
+  } catch (const failure&) {
+    // What cannot be read may be what others have done to the table.
+    table_.check_unchanged(view_);
+    throw;
+  }
+}
+
+bool range_reader::advance() {
   // A condition may leave nothing of a batch.
   do {
     if (left_ == 0 && !next_range()) return false;
@@ -115,6 +125,7 @@ bool range_reader::next_batch() {
     rows_ = batch_ ? static_cast<std::size_t>(batch_->length) : 0;
   }
   left_ -= static_cast<LONG>(rows_);
+  ranges_.add_read(rows_);
   if (rows_ == 0) throw failure(view_.file() + ": the table was cut while the statement ran");
   return true;
 }

@@ -10,6 +10,7 @@
 
 #include "ovfile/stream.h"
 #include "row_condition.h"
+#include "sql/row_count.h"
 #include "sql/sql_database.h"
 #include "table_view.h"
 
@@ -46,13 +47,19 @@ class scan_ranges {
  public:
   static constexpr std::int64_t rows_at_once = 61'440;
 
-  explicit scan_ranges(LONG rows) noexcept : rows_(rows) {}
+  /// `read` counts the rows, and must outlive the ranges.
+  scan_ranges(LONG rows, row_count& read) noexcept : rows_(rows), read_(read) {
+    read_.expect(static_cast<std::uint64_t>(rows));
+  }
   std::int64_t count() const noexcept { return (rows_ + rows_at_once - 1) / rows_at_once; }
   /// The next range, from 1; false when all are taken.
   bool take(LONG& first, LONG& rows) noexcept;
+  /// So many of those that were taken are read.
+  void add_read(std::size_t rows) noexcept { read_.add(rows); }
 
  private:
   std::int64_t rows_;
+  row_count& read_;
   std::atomic<std::int64_t> next_{0};
 };
 
@@ -72,6 +79,7 @@ class range_reader {
   const std::vector<std::uint32_t>* chosen() const noexcept { return condition_ ? &chosen_ : nullptr; }
 
  private:
+  bool advance();
   bool next_range();
   bool next_batch();
   void choose();

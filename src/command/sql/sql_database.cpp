@@ -1,19 +1,18 @@
 #include "sql/sql_database.h"
 
-#include <chrono>
 #include <optional>
-#include <thread>
 
 #include "console.h"
 #include "duckdb/duckdb_library.h"
 #include "failure.h"
 #include "private_folder.h"
 #include "sql/read_ovt.h"
+#include "sql/sql_failure.h"
+#include "sql/statement_watch.h"
+#include "utf8_path.h"
 
 namespace command {
 namespace {
-
-constexpr std::chrono::milliseconds look_again{5};
 
 std::string quoted(std::string_view text, char quote) {
   std::string out(1, quote);
@@ -24,34 +23,31 @@ std::string quoted(std::string_view text, char quote) {
   return out += quote;
 }
 
-/// Passes a request to stop on to a connection, whose calls know nothing of signals. It looks now and then
-/// and sleeps: waits that a wake-up ends early have been seen to last for ever on one system.
-class stop_watch {
- public:
-  stop_watch(const duckdb::functions& library, duckdb::connection connection)
-      : thread_([&library, connection](const std::stop_token& end) {
-          while (!end.stop_requested()) {
-            if (is_stop_asked()) library.interrupt(connection);
-            std::this_thread::sleep_for(look_again);
-          }
-        }) {}
+/// For what does not fit into memory. Where no folder can be made, only a statement that needs one fails.
+std::optional<private_folder> make_scratch() {
+  try {
+    return std::optional<private_folder>(std::in_place, "ovfile-sql");
+  } catch (const failure&) {
+    return {};
+  }
+}
 
- private:
-  std::jthread thread_;
-};
+/// What the library fails to make then, and names.
+std::string folder_of_none() { return utf8_of_path(path_of_utf8(temporary_folder()) / "ovfile-sql"); }
 
 }  // namespace
 
 class sql_database::body {
  public:
-  explicit body(const sql_settings& settings) : library(load_duckdb()), scratch_("ovfile-sql") {
+  explicit body(const sql_settings& settings) : library(load_duckdb()), scratch_(make_scratch()) {
     open(settings);
     try {
       if (library.connect(database_, &connection) == duckdb::status::failed) {
         throw failure("cannot connect to DuckDB");
       }
-      define_read_ovt(library, database_, connection, settings.absent);
-      watch_.emplace(library, connection);
+      define_read_ovt(library, database_, connection, settings.absent, rows);
+      if (is_terminal(standard_stream::error)) let_progress_be_asked();
+      watch.emplace(library, connection, rows);
     } catch (...) {
       close();
       throw;
@@ -84,12 +80,14 @@ class sql_database::body {
 
   const duckdb::functions& library;
   duckdb::connection connection = nullptr;
+  row_count rows;
+  std::optional<statement_watch> watch;
 
  private:
   void open(const sql_settings& settings) {
     duckdb_config made(library);
     library.create_config(made.out());
-    set(made, "temp_directory", scratch_.name());
+    set(made, "temp_directory", scratch_ ? scratch_->name() : folder_of_none());
     // Nothing is fetched from anywhere behind the user's back.
     set(made, "autoinstall_known_extensions", "false");
     set(made, "autoload_known_extensions", "false");
@@ -109,20 +107,33 @@ class sql_database::body {
     }
   }
 
+  /// The library counts only for a bar of its own, which it is not to draw.
+  void let_progress_be_asked() const {
+    for (const char* const setting :
+         {"set enable_progress_bar_print = false", "set enable_progress_bar = true"}) {
+      duckdb::result result{};
+      const duckdb::status status = library.query(connection, setting, &result);
+      library.destroy_result(&result);
+      if (status == duckdb::status::failed) return;
+    }
+  }
+
   void close() noexcept {
-    watch_.reset();
+    watch.reset();
     if (connection != nullptr) library.disconnect(&connection);
     if (database_ != nullptr) library.close(&database_);
   }
 
   interrupt_guard guard_;
-  private_folder scratch_;
+  std::optional<private_folder> scratch_;
   duckdb::database database_ = nullptr;
-  std::optional<stop_watch> watch_;
 };
 
 sql_database::sql_database(const sql_settings& settings) : body_(std::make_unique<body>(settings)) {}
 sql_database::~sql_database() = default;
+
+void sql_database::show(const std::string& title) { body_->watch->show(title); }
+row_count& sql_database::rows() noexcept { return body_->rows; }
 
 std::string sql_database::settled(const std::string& statement) {
   if (!body_->is_several(statement)) return statement;
@@ -149,6 +160,7 @@ sql_result sql_database::run(const std::string& statement, std::size_t own_lines
   const duckdb::functions& library = body_->library;
   duckdb::result result{};
   duckdb::status status = duckdb::status::done;
+  body_->rows.start_again();
   if (body_->is_several(statement)) {
     throw_if_interrupted();
     status = library.query(body_->connection, statement.c_str(), &result);

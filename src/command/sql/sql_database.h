@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "duckdb/duckdb_owner.h"
+#include "sql/row_count.h"
 #include "sql/sql_result.h"
 
 namespace command {
@@ -44,6 +45,12 @@ class sql_database {
   ~sql_database();
   sql_database(const sql_database&) = delete;
   sql_database& operator=(const sql_database&) = delete;
+
+  /// What a bar says from now on that shows, see progress.h, how far each statement has come; empty: none.
+  void show(const std::string& title);
+  /// The rows that this bar counts: those of table files that the statement reads, and what else is added to
+  /// them while it runs.
+  row_count& rows() noexcept;
 
   /// A statement that gives the same rows and that the calls below take. There are such of which the library
   /// makes several, PIVOT for one, which first has to find the names of its columns: their rows are made now.

@@ -183,13 +183,14 @@ void write_json(sql_rows& rows, text_output& output) {
   const char* separator = "[\n";
   while (rows.next()) {
     output.text() += separator;
+    // Only whole lines: a bar may come behind what is passed on.
+    output.pass_on();
     separator = ",\n";
     for (std::size_t i = 0; i < keys.size(); ++i) {
       output.text() += keys[i];
       append_json_cell(output.text(), rows, i, cell);
     }
     output.text() += '}';
-    output.pass_on();
   }
   output.text() += *separator == '[' ? "[]\n" : "\n]\n";
 }

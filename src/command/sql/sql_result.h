@@ -55,8 +55,4 @@ class sql_result {
   std::size_t own_lines_;
 };
 
-/// Throws what a failed call says of a statement that has `own_lines` lines before the user's: see
-/// sql_database.h.
-[[noreturn]] void throw_sql_failure(std::string_view words, std::size_t own_lines);
-
 }  // namespace command
