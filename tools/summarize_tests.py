@@ -22,15 +22,17 @@ class Case:
 
 
 def read_cases(path):
+    """None where the file is not there, or is none of tests."""
     try:
         return list(xml.parse(path).getroot().iter("testcase"))
     except (OSError, xml.ParseError):
-        return []
+        return None
 
 
 def case_of_program(prefix, case):
-    # What fails around the tests of a program has no name.
-    name = f"{prefix}.{case.get('classname')}.{case.get('name')}".replace("..", ".(around its tests)")
+    name = f"{prefix}.{case.get('classname')}.{case.get('name')}"
+    if not case.get("name"):
+        name = f"{prefix}: what stands around the tests"
     failures = [failure.text or failure.get("message") or "" for failure in case.findall("failure")]
     if failures:
         return Case(name, "failed", "\n".join(failures))
@@ -43,24 +45,30 @@ def case_of_program(prefix, case):
     return Case(name, "skipped", reason or "no reason given")
 
 
+def is_program(name):
+    """Whether the start is a part of a test program's tests, as `engine.3` is, and not a test itself."""
+    return re.fullmatch(r"[^.]+\.(\d+|alone)", name) is not None
+
+
 def cases_of_start(folder, start):
     """The tests of one start of a program; the start itself where it is a test, or where it failed though its
     tests did not, or before they could say so."""
     name, passed = start.get("name"), start.get("status") == "run"
-    output = start.findtext("system-out") or ""
-    prefix = name.split(".")[0]
-    cases = [case_of_program(prefix, case) for case in read_cases(folder / f"{name}.xml")
+    if not is_program(name):
+        return [Case(name, "passed" if passed else "failed", start.findtext("system-out") or "")]
+    found = read_cases(folder / f"{name}.xml")
+    if found is None:
+        return [Case(name, "failed", start.findtext("system-out") or "it left no results")]
+    cases = [case_of_program(name.split(".")[0], case) for case in found
              if case.get("status") == "run" or case.find("skipped") is not None]
     if not passed and not any(case.state == "failed" for case in cases):
-        cases.append(Case(name, "failed", output))
-    elif not cases and not (folder / f"{name}.xml").exists():
-        cases.append(Case(name, "passed"))
+        cases.append(Case(name, "failed", start.findtext("system-out") or ""))
     return cases
 
 
 def read_run(folder):
     """The tests of each start, by its name."""
-    return {start.get("name"): cases_of_start(folder, start) for start in read_cases(folder / "all.xml")}
+    return {start.get("name"): cases_of_start(folder, start) for start in read_cases(folder / "all.xml") or []}
 
 
 def print_names(names):

@@ -9,6 +9,7 @@ namespace {
 constexpr wide_view numeric_requested = OLESTR("invalid data type... numeric requested");
 constexpr wide_view default_not_numeric = OLESTR("Cannot write numeric value to an alphanumeric field.");
 constexpr wide_view default_not_text = OLESTR("Cannot write alphanumeric value to a non-alphanumeric field.");
+constexpr wide_view changing_defaults = OLESTR("Changing the defaults");
 
 }  // namespace
 
@@ -43,11 +44,11 @@ template <class Precision>
 void basic_ovtable<Precision>::set_native_default(std::uint64_t index, number value) {
   field& to = rows_.fields().at(index);
   if (to.kind != field_kind::numeric) throw MyExceptionClass(wide(default_not_numeric));
+  rows_.own_header(changing_defaults);
   std::byte* place = entry_word<Precision>(rows_.header().entry(to.first_entry), format::entry_default);
   store_number<Precision>(place, value, rows_.order());
   std::memcpy(to.atoms.front().default_word.data(), place, Precision::word_bytes);
-  rows_.note_change();
-  rows_.header().mark_changed();
+  rows_.mark_header_changed();
 }
 
 template <class Precision>
@@ -71,13 +72,13 @@ void basic_ovtable<Precision>::setDefaultString(std::uint64_t index, const wide&
   if (to.kind != field_kind::alphanumeric) throw MyExceptionClass(wide(default_not_text));
   std::string text = ansi_from_wide(value);
   text.resize(to.atoms.size() * format::text_word_chars, ' ');
-  rows_.note_change();
+  rows_.own_header(changing_defaults);
   for (std::size_t i = 0; i < to.atoms.size(); ++i) {
     std::byte* place = entry_word<Precision>(rows_.header().entry(to.first_entry + i), format::entry_default);
     std::memset(place, 0, Precision::word_bytes);
     std::memcpy(place, text.data() + i * format::text_word_chars, format::text_word_chars);
     std::memcpy(to.atoms[i].default_word.data(), place, Precision::word_bytes);
-    rows_.header().mark_changed();
+    rows_.mark_header_changed();
   }
   flush();
 }

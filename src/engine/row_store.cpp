@@ -9,9 +9,6 @@ namespace ovf {
 namespace {
 
 constexpr wide_view nothing_stored = OLESTR("AddRow failed, the table has no stored fields");
-constexpr wide_view others_append = OLESTR("AddRow failed, another program is appending to the table's file");
-constexpr wide_view others_appended =
-    OLESTR("AddRow failed, another program has changed the table's file meanwhile");
 constexpr wide_view cut_failed =
     OLESTR("OvFile Error: onSetRowCount failed to set the end of the file. (%x: %s)");
 
@@ -86,7 +83,23 @@ row_place row_store<Precision>::locate(std::uint64_t row) {
 template <class Precision>
 row_place row_store<Precision>::append() {
   require_room_for_a_row();
-  begin_growth();
+  const bool is_first = !grows_alone_;
+  own_header(OLESTR("AddRow"));
+  try {
+    // Others may have changed values of the last page since it was read.
+    if (is_first && !read_only_) {
+      records_.flush();
+      records_.forget();
+    }
+    return append_row();
+  } catch (...) {
+    may_let_others_grow();
+    throw;
+  }
+}
+
+template <class Precision>
+row_place row_store<Precision>::append_row() {
   note_change();
   count_the_uncounted_page();
   const bool has_room =
@@ -94,7 +107,6 @@ row_place row_store<Precision>::append() {
   if (!has_room) append_page();
   set_records_in_last_page(counts_.records_in_last_page + 1);
   ++row_count_;
-  counts_wait_ = true;
   try {
     const row_place place = locate(row_count_);
     fill_with_defaults(place.record);
@@ -115,18 +127,9 @@ void row_store<Precision>::require_room_for_a_row() const {
 }
 
 template <class Precision>
-void row_store<Precision>::begin_growth() {
-  if (grows_alone_ || read_only_) return;
-  claim_growth(others_append);
-  // A file that cannot be read says so when it is written.
-  if (header_.state_of_counts() != counts_state::changed) return;
-  may_let_others_grow();
-  throw MyExceptionClass(wide(others_appended));
-}
-
-template <class Precision>
 void row_store<Precision>::count_the_uncounted_page() {
   if (counts_.pages != counts_.header_pages || counts_.records_in_last_page == 0) return;
+  header_waits_ = true;
   header_.set(format::pages_word, counts_.pages + 1);
   ++counts_.pages;
 }
@@ -139,6 +142,7 @@ void row_store<Precision>::append_page() {
   records_.append(grown);
   ++grown.pages;
   grown.records_in_last_page = 0;
+  header_waits_ = true;
   header_.set(format::pages_word, grown.pages);
   header_.set(format::last_records_word, 0);
   counts_ = grown;
@@ -146,6 +150,7 @@ void row_store<Precision>::append_page() {
 
 template <class Precision>
 void row_store<Precision>::set_records_in_last_page(std::uint64_t records) {
+  header_waits_ = true;
   header_.set(format::last_records_word, records);
   counts_.records_in_last_page = records;
 }
@@ -169,6 +174,7 @@ template <class Precision>
 void row_store<Precision>::cut_to(std::uint64_t rows) {
   const std::uint64_t pages = counts_.header_pages + rows / records_per_page_ + 1;
   const bool pages_change = pages != counts_.pages;
+  own_header(OLESTR("ReduceRowCountTo"));
   note_change();
   records_.flush();
   // What the segment holds beyond the new end must never be written again.
@@ -178,6 +184,13 @@ void row_store<Precision>::cut_to(std::uint64_t rows) {
   counts_.pages = pages;
   row_count_ = rows;
   header_.flush();
+  header_waits_ = false;
+  cut_behind(pages, pages_change);
+  may_let_others_grow();
+}
+
+template <class Precision>
+void row_store<Precision>::cut_behind(std::uint64_t pages, bool pages_change) {
   const std::uint64_t end = pages * Precision::page_bytes;
   // A file that is shorter than its header said does not grow by losing rows.
   if (!pages_change || file_bytes() <= end) return;
@@ -187,10 +200,15 @@ void row_store<Precision>::cut_to(std::uint64_t rows) {
 }
 
 template <class Precision>
-void row_store<Precision>::flush() {
+void row_store<Precision>::flush_and_keep() {
   records_.flush();
   header_.flush();
-  counts_wait_ = false;
+  header_waits_ = false;
+}
+
+template <class Precision>
+void row_store<Precision>::flush() {
+  flush_and_keep();
   may_let_others_grow();
 }
 

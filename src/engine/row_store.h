@@ -69,6 +69,16 @@ class row_store {
   /// Throws MyExceptionClass where somebody else has changed the counts or the size of the file since it was
   /// last read or written here, or put another file in its place.
   void require_known_file();
+  /// Before a change of the header, which nobody else makes until it is flushed. Throws MyExceptionClass,
+  /// with the call's name in front, where somebody else appends rows, or has changed the header since it was
+  /// read.
+  void own_header(wide_view call);
+  /// A default was changed.
+  void mark_header_changed() noexcept {
+    note_change();
+    header_.mark_changed();
+    header_waits_ = true;
+  }
   /// Which part of the file is in memory: located records are where they were as long as it stays.
   std::uint64_t held_segment() const noexcept { return records_.segment(); }
   table_version version() const noexcept { return version_; }
@@ -91,8 +101,9 @@ class row_store {
   void read_counts();
   std::uint64_t computed_row_count() const noexcept;
   void require_room_for_a_row() const;
-  /// Before the first of several rows: throws MyExceptionClass where somebody else appends, or has appended.
-  void begin_growth();
+  row_place append_row();
+  /// Ends the file behind that many pages, where it is longer and the pages have become fewer.
+  void cut_behind(std::uint64_t pages, bool pages_change);
   /// A header may count its own pages alone though a page of rows follows them.
   void count_the_uncounted_page();
   void append_page();
@@ -117,9 +128,13 @@ class row_store {
   void take_back(const added_rows& lost) noexcept;
   void cut_spare_bytes(std::uint64_t page);
   void note_file() noexcept;
-  /// Nobody else who asks appends rows until `may_let_others_grow`. Throws MyExceptionClass with the words
-  /// for a table that somebody else appends to.
-  void claim_growth(wide_view refused);
+  /// Of a file that took this one's place.
+  void remember_header() noexcept;
+  /// Writes everything; others may not append for all that.
+  void flush_and_keep();
+  /// Nobody else who asks appends rows until `may_let_others_grow`. Throws MyExceptionClass where somebody
+  /// does, with the call's name in front.
+  void claim_growth(wide_view call);
   /// Lets others append where all rows of this table are counted in the file.
   void may_let_others_grow() noexcept;
   bool is_own_file() const noexcept;
@@ -157,7 +172,7 @@ class row_store {
   table_version version_{new_table_number(), 0};
   std::optional<added_rows> added_;
   bool grows_alone_ = false;         ///< nobody else appends meanwhile
-  bool counts_wait_ = false;         ///< rows were appended, and the counts in the file do not say so yet
+  bool header_waits_ = false;        ///< it was changed, and the file does not say so yet
   std::optional<file_stamp> noted_;  ///< which file it is, and a size that it has reached
 };
 

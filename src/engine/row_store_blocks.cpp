@@ -10,7 +10,6 @@ namespace ovf {
 namespace {
 
 constexpr wide_view nothing_stored = OLESTR("AddRow failed, the table has no stored fields");
-constexpr wide_view others_append = OLESTR("Append failed, another program is appending to the table's file");
 constexpr wide_view nothing_begun = OLESTR("AddRow failed, the rows that were being added were given up");
 
 template <class Precision>
@@ -82,7 +81,7 @@ template <class Precision>
 void row_store<Precision>::begin_rows() {
   if (records_per_page_ == 0) throw MyExceptionClass(wide(nothing_stored));
   give_up_rows();
-  claim_growth(others_append);
+  claim_growth(OLESTR("Append"));
   try {
     prepare_rows();
   } catch (...) {
@@ -229,7 +228,7 @@ template <class Precision>
 void row_store<Precision>::count_rows(std::uint64_t rows) {
   const std::uint64_t full = (rows - 1) / records_per_page_;
   ++version_.changes;
-  counts_wait_ = true;
+  header_waits_ = true;
   records_.forget();
   row_count_ = rows;
   counts_.pages = counts_.header_pages + full + 1;
@@ -249,7 +248,7 @@ void row_store<Precision>::take_back(const added_rows& lost) noexcept {
   if (!lost.are_written && !lost.begun.is_written) return;
   ++version_.changes;  // the file is not the one that was last looked at
   // What somebody else has counted meanwhile may stand where the lost rows do.
-  if (header_.state_of_counts() != counts_state::known || !is_own_file() || !has_known_size(lost)) return;
+  if (header_.state_in_file() != header_state::known || !is_own_file() || !has_known_size(lost)) return;
   if (lost.begun.is_written) {
     (void)write_at(*file_, lost.begun.index * Precision::page_bytes, lost.begun.before);
   }

@@ -26,6 +26,8 @@ void write_entries(Header& header, const field& added) {
   }
 }
 
+constexpr wide_view changing_fields = OLESTR("Changing the fields");
+
 bool on_one_page(const field& each) noexcept {
   return format::entry_page(each.first_entry) == format::entry_page(each.first_entry + each.atoms.size() - 1);
 }
@@ -53,14 +55,16 @@ void row_store<Precision>::append_field(field added) {
   require_readable_count(atoms);
   table_fields grown = fields_;
   grown.add(added);
+  own_header(changing_fields);
   note_change();
-  flush();
+  flush_and_keep();
   if (format::header_pages(atoms) > counts_.header_pages) {
     append_field_in_copy(added);
   } else {
     append_field_in_place(added);
   }
   fields_ = std::move(grown);
+  may_let_others_grow();
 }
 
 template <class Precision>
@@ -129,14 +133,16 @@ void row_store<Precision>::rename_field(std::size_t index, const wide& name) {
   renamed.rename(index, name);
   const std::string text = ansi_from_wide(name);
   const field& old = fields_.at(index);
+  own_header(changing_fields);
   note_change();
-  flush();
+  flush_and_keep();
   if (on_one_page(old)) {
     rename_field_in_place(old, text);
   } else {
     rename_field_in_copy(old, text);
   }
   fields_ = std::move(renamed);
+  may_let_others_grow();
 }
 
 template <class Precision>
@@ -184,6 +190,7 @@ void row_store<Precision>::replace_header(const header_image<Precision>& header)
     header_.turn_to(*file_);
     records_.turn_to(*file_);
     grows_alone_ = false;  // that went with the file before
+    remember_header();
     note_file();
   }
   if (!done) fail_no_copy();

@@ -7,8 +7,9 @@
 namespace ovf {
 namespace {
 
+constexpr wide_view adds_rows = OLESTR(" failed, another program is appending to the table's file");
 constexpr wide_view changed_meanwhile =
-    OLESTR("Append failed, another program has changed the table's file meanwhile");
+    OLESTR(" failed, another program has changed the table's file meanwhile");
 
 }  // namespace
 
@@ -19,25 +20,45 @@ void row_store<Precision>::note_file() noexcept {
 }
 
 template <class Precision>
-void row_store<Precision>::claim_growth(wide_view refused) {
+void row_store<Precision>::remember_header() noexcept {
+  try {
+    header_.get(format::pages_word);
+  } catch (...) {
+    // Whoever needs it reads it then.
+  }
+}
+
+template <class Precision>
+void row_store<Precision>::claim_growth(wide_view call) {
   // What is changed in a table that was opened for reading stays in memory.
   if (grows_alone_ || read_only_) return;
   grows_alone_ = file_->claim_growth();
-  if (!grows_alone_) throw MyExceptionClass(wide(refused));
+  if (!grows_alone_) throw MyExceptionClass(wide(call) += adds_rows);
+}
+
+template <class Precision>
+void row_store<Precision>::own_header(wide_view call) {
+  if (added_) give_up_rows();
+  if (grows_alone_ || read_only_) return;
+  claim_growth(call);
+  // A file that cannot be read says so when it is written.
+  if (header_.state_in_file() != header_state::changed) return;
+  may_let_others_grow();
+  throw MyExceptionClass(wide(call) += changed_meanwhile);
 }
 
 template <class Precision>
 void row_store<Precision>::may_let_others_grow() noexcept {
-  if (!grows_alone_ || counts_wait_ || added_) return;
+  if (!grows_alone_ || header_waits_ || added_) return;
   file_->give_back_growth();
   grows_alone_ = false;
 }
 
 template <class Precision>
 void row_store<Precision>::require_known_file() {
-  const bool is_known = header_.state_of_counts() == counts_state::known && is_own_file() &&
+  const bool is_known = header_.state_in_file() == header_state::known && is_own_file() &&
                         (added_ ? has_known_size(*added_) && has_known_begun_page(*added_) : has_own_size());
-  if (!is_known) throw MyExceptionClass(wide(changed_meanwhile));
+  if (!is_known) throw MyExceptionClass(OLESTR("Append") + wide(changed_meanwhile));
 }
 
 template <class Precision>

@@ -43,31 +43,30 @@ void header_pages<Precision>::flush() {
   if (!map_.dirty()) return;
   if (before_write_) before_write_();
   map_.flush();
-  if (map_.segment() == 0) note_counts();
+  if (map_.segment() == 0) note_first_page();
 }
 
 template <class Precision>
 void header_pages<Precision>::turn_to(file& target) noexcept {
   file_ = &target;
-  counts_.reset();
+  first_page_.reset();
   map_.turn_to(target);
 }
 
 template <class Precision>
-void header_pages<Precision>::note_counts() noexcept {
-  static_assert(format::last_records_word == format::pages_word + 1);
-  std::memcpy(counts_.emplace().data(), map_.data() + counts_at, sizeof(count_bytes));
+void header_pages<Precision>::note_first_page() noexcept {
+  std::memcpy(first_page_.emplace().data(), map_.data(), sizeof(page_bytes));
 }
 
 template <class Precision>
-counts_state header_pages<Precision>::state_of_counts() noexcept {
-  if (!counts_) return counts_state::known;
-  count_bytes now{};
+header_state header_pages<Precision>::state_in_file() noexcept {
+  if (!first_page_) return header_state::known;
+  page_bytes now{};
   std::size_t done = 0;
-  if (!file_->seek(counts_at, seek_origin::begin) || !file_->read(now, done) || done != now.size()) {
-    return counts_state::unreadable;
+  if (!file_->seek(0, seek_origin::begin) || !file_->read(now, done) || done != now.size()) {
+    return header_state::unreadable;
   }
-  return now == *counts_ ? counts_state::known : counts_state::changed;
+  return now == *first_page_ ? header_state::known : header_state::changed;
 }
 
 template <class Precision>
@@ -76,7 +75,7 @@ std::byte* header_pages<Precision>::page(std::uint64_t index) {
     flush();
     map_.load(index, {Precision::page_bytes, Precision::page_bytes}, Precision::page_bytes, 0);
     // The first reading counts: a later one may find what others have written since.
-    if (index == 0 && !counts_) note_counts();
+    if (index == 0 && !first_page_) note_first_page();
   }
   return map_.data();
 }

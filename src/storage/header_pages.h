@@ -14,7 +14,7 @@
 
 namespace ovf {
 
-enum class counts_state { known, changed, unreadable };
+enum class header_state { known, changed, unreadable };
 
 template <class Precision>
 class header_pages {
@@ -46,21 +46,20 @@ class header_pages {
   void forget() noexcept { map_.forget(); }
   /// Goes on with another open file, which nothing was read from yet.
   void turn_to(file& target) noexcept;
-  /// Compares the file's counts of pages and rows with those that were last read or written here.
-  counts_state state_of_counts() noexcept;
+  /// Compares the file's first page, which has the counts of pages and rows, with what was last read or
+  /// written here.
+  header_state state_in_file() noexcept;
   byte_order order() const noexcept { return order_; }
 
  private:
-  /// Both words of the counts, as the file has them.
-  using count_bytes = std::array<std::byte, 2 * Precision::word_bytes>;
-  static constexpr std::size_t counts_at = format::pages_word * Precision::word_bytes;
+  using page_bytes = std::array<std::byte, Precision::page_bytes>;
 
   std::byte* page(std::uint64_t index);
-  void note_counts() noexcept;
+  void note_first_page() noexcept;
 
   byte_order order_;
   file* file_;
-  std::optional<count_bytes> counts_;
+  std::optional<page_bytes> first_page_;  ///< as the file has it
   std::function<void()> before_write_;
   fileSegmentMap<Precision::page_bytes> map_;
 };

@@ -135,6 +135,78 @@ TEST_P(StreamTwoWriters, RowsThatAreAddedOneByOne) {
   expect_rows(12, 8);
 }
 
+const std::string changed = " failed, another program has changed the table's file meanwhile";
+
+TEST_P(StreamTwoWriters, RowsOutliveChangesOfTheHeader) {
+  other_appends_and_closes(300);
+  EXPECT_EQ(table_->SetColumnDefaultDouble(2, 4), E_FAIL);
+  EXPECT_EQ(take_error_text(), "Changing the defaults" + changed);
+  EXPECT_EQ(table_->SetColumnName(2, ovfile::text("LENGTH").get()), E_FAIL);
+  EXPECT_EQ(take_error_text(), "Changing the fields" + changed);
+  expect_rows(310, 5);
+}
+
+TEST_P(StreamTwoWriters, AChangeOfTheHeaderOutlivesRows) {
+  ASSERT_EQ(other_->SetColumnName(2, ovfile::text("LENGTH").get()), S_OK) << take_error_text();
+  ASSERT_EQ(other_->Close(), S_OK);
+  EXPECT_EQ(table_->AddRow(), E_FAIL);
+  EXPECT_EQ(take_error_text(), "AddRow" + changed);
+  ASSERT_EQ(table_->Close(), S_OK);
+  open();
+  EXPECT_EQ(rows(), 10);
+  ovfile::text name;
+  ovfile::pointer<IOvSchema> schema;
+  ASSERT_EQ(table_->get_Schema(schema.out()), S_OK);
+  EXPECT_EQ(schema->GetFieldName(2, name.out()), S_OK);
+  EXPECT_EQ(name.utf8(), "LENGTH");
+}
+
+TEST_P(StreamTwoWriters, ADefaultThatIsNotInTheFileYetKeepsOthersFromAddingRows) {
+  ASSERT_EQ(table_->SetColumnDefaultDouble(2, 4), S_OK) << take_error_text();
+  EXPECT_EQ(other_->AddRow(), E_FAIL);
+  EXPECT_EQ(take_error_text(), "AddRow failed, another program is appending to the table's file");
+  ASSERT_EQ(table_->FlushChanges(), S_OK);
+  ASSERT_EQ(other_->Close(), S_OK);
+  ASSERT_EQ(other_->Open(path_text(path()).get(), 0), S_OK);
+  other_appends_and_closes(300);
+  expect_rows(310, 5);
+}
+
+TEST_P(StreamTwoWriters, RowsAreNotCutBySomebodyWhoDoesNotKnowThem) {
+  other_appends_and_closes(300);
+  EXPECT_EQ(table_->ReduceRowCountTo(9), E_FAIL);
+  EXPECT_EQ(take_error_text(), "ReduceRowCountTo" + changed);
+  expect_rows(310, 5);
+}
+
+TEST_P(StreamTwoWriters, ARowThatIsAddedWithinAnAppendIsOwned) {
+  made_stream from({depths(5, 7), depths(5, 8)});
+  int asked = 0;
+  from.meanwhile = [&] {
+    if (++asked != 2) return;
+    ASSERT_EQ(table_->AddRow(), S_OK);
+    EXPECT_EQ(other_->AddRow(), E_FAIL);
+  };
+  LONG appended = 0;
+  EXPECT_EQ(ovfile::streams_of(table_)->Append(&from.stream, &appended), E_FAIL);
+  ASSERT_EQ(table_->GetLastRow(), S_OK);
+  ASSERT_EQ(table_->SetColumnDouble(2, 6), S_OK);
+  ASSERT_EQ(other_->Close(), S_OK);
+  expect_rows(11, 6);
+}
+
+TEST_P(StreamTwoWriters, AddedRowsStandBesideValuesAsTheyAreNow) {
+  ASSERT_EQ(table_->GetLastRow(), S_OK);  // its page is in memory
+  ASSERT_EQ(other_->GetLastRow(), S_OK);
+  ASSERT_EQ(other_->SetColumnDouble(2, 55), S_OK);
+  ASSERT_EQ(other_->Close(), S_OK);
+  ASSERT_EQ(table_->AddRow(), S_OK) << take_error_text();
+  ASSERT_EQ(table_->GetPreviousRow(), S_OK);
+  double depth = 0;
+  ASSERT_EQ(table_->GetColumnAsDouble(2, &depth), S_OK);
+  EXPECT_EQ(depth, 55);
+}
+
 TEST_P(StreamTwoWriters, AStreamThatWasGivenUpHindersNobody) {
   made_stream wrong({depths(100'000, 7), {texts("DEPTH", {"x"})}});
   wrong.fails_at = 1;

@@ -45,7 +45,7 @@ process_result run_process(const std::vector<std::string>& arguments, const std:
   posix_spawn_file_actions_addopen(&actions, 2, (streams / "err").c_str(), O_WRONLY | O_CREAT, 0600);
   posix_spawn_file_actions_addchdir_np(&actions, folder.c_str());
   // A program of tests that is started for one of them runs it, whatever part of all runs here.
-  ::unsetenv("GTEST_TOTAL_SHARDS");
+  for (const char* const name : {"GTEST_TOTAL_SHARDS", "GTEST_SHARD_INDEX"}) ::unsetenv(name);
   pid_t child = 0;
   const int failed = ::posix_spawn(&child, pointers[0], &actions, nullptr, pointers.data(), environ);
   posix_spawn_file_actions_destroy(&actions);

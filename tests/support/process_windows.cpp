@@ -52,7 +52,9 @@ process_result run_once(const std::vector<std::string>& arguments, const std::fi
   start.hStdOutput = open_stream(streams / "out", true);
   start.hStdError = open_stream(streams / "err", true);
   // A program of tests that is started for one of them runs it, whatever part of all runs here.
-  SetEnvironmentVariableW(L"GTEST_TOTAL_SHARDS", nullptr);
+  for (const wchar_t* const name : {L"GTEST_TOTAL_SHARDS", L"GTEST_SHARD_INDEX"}) {
+    SetEnvironmentVariableW(name, nullptr);
+  }
   PROCESS_INFORMATION process{};
   const BOOL started = CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr,
                                       folder.c_str(), &start, &process);
