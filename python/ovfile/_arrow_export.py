@@ -153,13 +153,13 @@ def _children(kind: Any, parts: Sequence[Any]) -> Any:
 
 
 class Batch:
-    """Rows: the values of each column, and how many rows are said to be null as a whole."""
+    """Rows: the values of each column."""
 
-    def __init__(self, length: int, columns: Sequence[Any], null_count: int = 0) -> None:
-        self.length, self.columns, self.null_count = length, columns, null_count
+    def __init__(self, length: int, columns: Sequence[Any]) -> None:
+        self.length, self.columns = length, columns
 
     def fill(self, out: ArrowArray) -> None:
-        ArrayParts(self.length, [None], self.null_count).fill(out, self.columns)
+        ArrayParts(self.length, [None]).fill(out, self.columns)
 
 
 class Producer:

@@ -74,6 +74,16 @@ class Field:
         self.is_text = self.value_format in OFFSETS
 
 
+def nulls_of(array: ArrowArray, owner: Owner) -> Optional[Array]:
+    """Where an array's bitmap says that nothing is, as booleans; None: nowhere."""
+    if array.null_count == 0 or array.n_buffers == 0 or not array.buffers or not array.buffers[0]:
+        return None
+    end = array.offset + array.length
+    bits = np.unpackbits(view(owner, array.buffers[0], (end + 7) // 8, np.uint8), bitorder="little")
+    nulls = bits[array.offset : end] == 0
+    return nulls if nulls.any() else None
+
+
 class ColumnView:
     """One column of a batch."""
 
@@ -85,17 +95,9 @@ class ColumnView:
 
     def nulls(self) -> Optional[Array]:
         """Where nothing is, as booleans; None: there is something everywhere."""
-        array = self.array
         if self.field.format == "n":
             return np.ones(self.length, bool)
-        if array.null_count == 0 or array.n_buffers == 0 or not array.buffers[0]:
-            return None
-        end = array.offset + self.length
-        bits = np.unpackbits(
-            view(self.owner, array.buffers[0], (end + 7) // 8, np.uint8), bitorder="little"
-        )
-        nulls = bits[array.offset : end] == 0
-        return nulls if nulls.any() else None
+        return nulls_of(self.array, self.owner)
 
     def numbers(self) -> Array:
         """The values of a numeric column, or the indexes of a dictionary's; a view."""

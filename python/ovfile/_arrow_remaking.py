@@ -6,7 +6,8 @@ from typing import Any, Callable, Iterator, List, Mapping, NamedTuple
 
 from ._arrow_abi import ArrowArrayStream, move
 from ._arrow_export import ArrayParts, Batch, Borrowed, Producer, SchemaParts, validity
-from ._arrow_import import ColumnView, Field, Owner, Stream, child_of
+from ._arrow_import import ColumnView, Field, Owner, Stream, child_of, nulls_of
+from ._errors import Error
 
 
 class Remake(NamedTuple):
@@ -46,6 +47,7 @@ def _type(field: Field, code: str) -> SchemaParts:
 
 
 def _batch(reader: Stream, owner: Owner, remakes: Remakes) -> Batch:
+    _require_rows(owner)
     columns: List[Any] = []
     for place, column in enumerate(reader.columns(owner)):
         remake = remakes.get(column.field.value_format)
@@ -55,7 +57,13 @@ def _batch(reader: Stream, owner: Owner, remakes: Remakes) -> Batch:
             columns.append(_numbered(column, remake.values(column.dictionary())))
         else:
             columns.append(remake.values(column))
-    return Batch(int(owner.structure.length), columns, int(owner.structure.null_count))
+    return Batch(int(owner.structure.length), columns)
+
+
+def _require_rows(owner: Owner) -> None:
+    """Raises Error for a batch of whose rows some are null as a whole, whatever their columns hold."""
+    if nulls_of(owner.structure, owner) is not None:
+        raise Error("the stream has rows that are null as a whole")
 
 
 def _numbered(column: ColumnView, dictionary: ArrayParts) -> ArrayParts:

@@ -7,6 +7,7 @@ import errno
 import os
 import shutil
 import stat
+from typing import Optional
 
 _ACCESS_LIST = "system.posix_acl_access"
 _OTHERS = stat.S_IRWXG | stat.S_IRWXO
@@ -16,8 +17,8 @@ def carry_rights(old: int, source: str, target: str) -> None:
     """Gives `target`, a file of this process's user, the owner, group, permissions, access list and user's
     attributes of the open file `old`, as far as the system lets us; `source` is that file's name.
 
-    Where the group stays another one, or the list cannot be given, group and others get no rights: nobody may do
-    what he could not do before. Raises OSError where the permissions cannot be set.
+    Nobody may do what he could not do before: where the group stays another one, group and others may do what
+    both could, and where a list cannot be given, nothing. Raises OSError where the permissions cannot be set.
     """
     if not hasattr(os, "fchown") or not hasattr(os, "getxattr"):
         shutil.copymode(source, target)
@@ -27,12 +28,11 @@ def carry_rights(old: int, source: str, target: str) -> None:
         _carry_attributes(old, new)
         _carry_owner(os.fstat(old), new)
         before, made = os.fstat(old), os.fstat(new)
-        others_too = made.st_gid == before.st_gid and _carry_access_list(old, new)
+        others_too = _carry_access_list(_access_list(old), new, made.st_gid == before.st_gid)
         if not others_too:
             with contextlib.suppress(OSError):
                 os.removexattr(new, _ACCESS_LIST)
         _set_mode(new, _mode_under(before, made, others_too))
-        os.fsync(new)
     finally:
         os.close(new)
 
@@ -54,14 +54,21 @@ def _carry_owner(before: os.stat_result, new: int) -> None:
         os.fchown(new, before.st_uid, -1)
 
 
-def _carry_access_list(old: int, new: int) -> bool:
-    """A file may have come with a list from its folder: where the old one had none, the new one has none."""
+def _access_list(file: int) -> Optional[bytes]:
+    """The list as the system keeps it. Empty: the file has none; None: that cannot be told."""
     try:
-        given = os.getxattr(old, _ACCESS_LIST)
+        return os.getxattr(file, _ACCESS_LIST)
     except OSError as failure:
-        if not _has_none(failure):
-            return False
-        given = b""
+        return b"" if _has_none(failure) else None
+
+
+def _carry_access_list(given: Optional[bytes], new: int, same_group: bool) -> bool:
+    """A file may have come with a list from its folder: where the old one had none, the new one has none.
+
+    A list tells what the file's group may do, so it is not carried to a file of another group.
+    """
+    if given is None or (given and not same_group):
+        return False
     try:
         if given:
             os.setxattr(new, _ACCESS_LIST, given)
@@ -82,7 +89,8 @@ def _mode_under(before: os.stat_result, made: os.stat_result, others_too: bool) 
     if made.st_uid != before.st_uid:
         mode &= ~stat.S_ISUID
     if made.st_gid != before.st_gid:
-        mode &= ~stat.S_ISGID
+        both = mode >> 3 & mode & stat.S_IRWXO
+        mode = mode & ~(stat.S_ISGID | _OTHERS) | both << 3 | both
     return mode if others_too else mode & ~_OTHERS
 
 

@@ -56,13 +56,24 @@ class Signals:
         for number, handler in found.items():
             if callable(handler):
                 self._handlers[number] = handler
-                signal.signal(number, self._note)
+                try:
+                    signal.signal(number, self._note)
+                except ValueError:
+                    # `threading` takes another thread for the main one than the interpreter does.
+                    del self._handlers[number]
+                    return
 
     def let_go(self) -> None:
         """The program's handlers are back, and have their say."""
         # That of Ctrl-C comes last, as it may raise something at once.
-        for number in sorted(self._handlers, key=lambda each: each == signal.SIGINT):
-            signal.signal(number, self._handlers[number])
+        numbers = sorted(self._handlers, key=lambda each: each == signal.SIGINT)
+        while numbers:
+            try:
+                while numbers:
+                    self._restore(numbers[0])
+                    del numbers[0]
+            except BaseException as failure:  # a handler's that is back already; the others shall be, too
+                self._failure = self._failure or failure
         try:
             if self._failure is not None:
                 raise self._failure
@@ -71,6 +82,11 @@ class Signals:
                 # Where it raises nothing, what was said of the stop stands.
                 self._handlers[signal.SIGINT](signal.SIGINT, None)
 
+    def _restore(self, number: int) -> None:
+        """Where a handler has put another one in its own place, that one stays."""
+        if signal.getsignal(number) == self._note:
+            signal.signal(number, self._handlers[number])
+
     def _note(self, number: int, frame: Any) -> None:
         if number == signal.SIGINT:
             self._interrupted = self.stopped = True
@@ -78,7 +94,7 @@ class Signals:
         try:
             self._handlers[number](number, frame)
         except BaseException as failure:
-            self._failure, self.stopped = failure, True
+            self._failure, self.stopped = self._failure or failure, True
 
 
 class _Listener:

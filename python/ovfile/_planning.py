@@ -54,11 +54,11 @@ def planned_schema(rows: Planned, wishes: Wishes) -> Schema:
     guessed = [column for column in rows.columns(known) if column.name not in given]
     added = [_implicit_column(name, value) for name, value in (wishes.implicit or {}).items()]
     description = given.description if wishes.description is None else wishes.description
-    columns = _columns_of(given, precision)
+    columns = columns_of(given, precision)
     return Schema(columns + tuple(guessed) + tuple(added), precision, description)
 
 
-def _columns_of(schema: Schema, precision: str) -> Tuple[Column, ...]:
+def columns_of(schema: Schema, precision: str) -> Tuple[Column, ...]:
     """Its columns. The defaults of floats become for doubles what the values of rows become."""
     if schema.precision == precision or precision != "double":
         return schema.columns

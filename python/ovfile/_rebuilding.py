@@ -90,8 +90,12 @@ def add_default_column(table: Interface, schema: Schema, column: Column) -> None
 
 
 def add_implicit_column(table: Interface, schema: Schema, column: Column, value: Any) -> None:
-    """A column in the header alone."""
+    """A column in the header alone. A file that somebody else changed meanwhile stays as it is."""
     make_object(wider(schema, column))  # says what is wrong with it
+    path, rows = table.out_text("get_Name"), table.out_long("GetRowCount")
+    table.call("FlushChanges")
+    with closing(_opened(path, _TO_READ)) as now:
+        _require_same(now, schema, rows)
     if column.kind == "text":
         table.call("AddImplicitStringColumn", column.name, column.width, str(column.default or ""))
     elif schema.precision == "single":

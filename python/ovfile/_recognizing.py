@@ -11,6 +11,7 @@ import numpy as np
 from ._arrays import Array
 from ._columns import Converted, Numbers, Source, Texts, check_range
 from ._errors import Error, column_error
+from ._widening import SHORT_FLOATS, by_digits
 
 _FLOATS = (float, np.floating)
 _DATES = "dates have no place in a table; write them as text (.astype(str)) or as numbers"
@@ -78,7 +79,10 @@ def object_source(name: str, values: Array, nulls: Array) -> Source:
         filled = np.where(nulls, 0, values)
         try:
             with np.errstate(over="ignore", under="ignore"):
-                converted = filled.astype(_number_type(types))
+                kind = _number_type(types)
+                if kind is np.float64 and any(issubclass(each, SHORT_FLOATS) for each in types):
+                    filled = _widened(filled)
+                converted = filled.astype(kind)
         except OverflowError:
             raise column_error("a whole number has more than 64 bits", name) from None
         except ValueError as failure:  # a decimal that signals
@@ -90,6 +94,14 @@ def object_source(name: str, values: Array, nulls: Array) -> Source:
         return Numbers(name, converted, missing)
     _refuse_objects(name, values, nulls, mixed=any(issubclass(kind, str) for kind in types))
     raise AssertionError
+
+
+def _widened(values: Array) -> Array:
+    """Floats among other numbers as the doubles that their digits say."""
+    made = values.copy()
+    places = np.flatnonzero([isinstance(value, SHORT_FLOATS) for value in values])
+    made[places] = by_digits(values[places].astype(np.float32))
+    return made
 
 
 def _number_type(types: Iterable[type]) -> Any:

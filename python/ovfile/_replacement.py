@@ -160,7 +160,15 @@ def replacement(path: str) -> Iterator[Replacement]:
         yield made
     finally:
         with contextlib.suppress(OSError):
-            os.unlink(made.beside)
+            _remove(made.beside)
+
+
+def _remove(path: str) -> None:
+    try:
+        os.unlink(path)
+    except PermissionError:
+        os.chmod(path, 0o600)  # Windows removes no file that may only be read
+        os.unlink(path)
 
 
 @contextlib.contextmanager
@@ -172,12 +180,15 @@ def _as_errors() -> Iterator[None]:
 
 
 def _lock(handle: int) -> None:
+    """Raises Error where somebody has the file open, as far as the file system tells."""
     if fcntl is None:
         return
     try:
         fcntl.flock(handle, fcntl.LOCK_EX | fcntl.LOCK_NB)
     except BlockingIOError:
         raise Error(OPEN_ELSEWHERE) from None
+    except OSError:
+        return  # a file system without locks
 
 
 def _is_expected(found: Stamp, expected: Stamp) -> bool:

@@ -11,7 +11,7 @@ from ._arrow_import import NUMBERS, Owner, Stream
 from ._arrow_remaking import Remakes, producer_of, remade
 from ._arrow_views import PLAIN_TEXTS
 from ._columns import Source, batches_of
-from ._errors import Error, column_error
+from ._errors import column_error
 from ._interruption import Signals
 from ._planning import Kinds, is_settled, planned_column, wanted_column
 from ._recognizing import is_of_pandas
@@ -90,8 +90,6 @@ class ArrowRows:
     def _read(self) -> Iterator[Owner]:
         for owner in iter(self._stream.next, None):
             self._signals.check()
-            if owner.structure.null_count > 0:
-                raise Error("the stream has rows that are null as a whole")
             yield owner
 
     def fit(self, precision: str) -> None:

@@ -5,11 +5,14 @@ from __future__ import annotations
 from dataclasses import dataclass, field
 from typing import Iterable, Iterator, List, Optional, Tuple, Union
 
+import numpy as np
+
 from ._component import Interface
 from ._errors import Error, WrongType, WrongValue, column_error
 from ._interfaces import COLUMN_TEXT
 from ._kinds import kind_words
 from ._library import library
+from ._widening import SHORT_FLOATS, by_digits
 
 ABSENT = -1.0e30  # the number that stands for "no value"
 ABSENT_NUMBERS = (ABSENT, -1.0000000150474662e30)  # in double precision, in single
@@ -34,7 +37,8 @@ class Column:
             Names that differ in case are different names.
         kind: "number" or "text".
         width: characters of a text, which the table rounds up to a multiple of 4; 0 for a number.
-        default: what a row has that is given no value: a number, a text, or None (absent, blank).
+        default: what a row has that is given no value: a number, a text, or None (absent, blank). A float of
+            4 bytes becomes the double that its digits say.
         implicit: True: all rows have the default, which stands in the table's header alone.
     """
 
@@ -43,6 +47,11 @@ class Column:
     width: int = 0
     default: Union[float, str, None] = None
     implicit: bool = False
+
+    def __post_init__(self) -> None:
+        if isinstance(self.default, SHORT_FLOATS):
+            (default,) = by_digits(np.array([self.default], np.float32))
+            object.__setattr__(self, "default", float(default))
 
     @classmethod
     def number(

@@ -11,7 +11,7 @@ from ._component import Interface
 from ._errors import Error, WrongType, WrongValue
 from ._interruption import held_signals
 from ._library import library
-from ._planning import Implicit, Kinds, Wishes, planned_schema
+from ._planning import Implicit, Kinds, Wishes, columns_of, planned_schema
 from ._reading import Rows
 from ._recognizing import is_of_pandas
 from ._replacement import require_file
@@ -74,9 +74,10 @@ def create(
     """
     name = _absolute(path)
     base = template or Schema()
+    precision = precision or base.precision
     schema = Schema(
-        base.columns + parse_columns(columns),
-        precision or base.precision,
+        columns_of(base, precision) + parse_columns(columns),
+        precision,
         base.description if description is None else description,
     )
     try:

@@ -15,6 +15,7 @@ import numpy as np
 
 from ._arrays import Array
 
+SHORT_FLOATS = (np.float16, np.float32)
 _AT_ONCE = 16384  # values whose intermediate arrays stay in the processor's cache
 _LOW, _HIGH = 1e-14, 1e27  # between these no rounding to 6 up to 9 digits needs a power beyond 22
 _DIGITS = (6, 7, 8, 9)

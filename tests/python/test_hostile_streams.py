@@ -102,6 +102,54 @@ def test_refused_by_a_table(path, what):
         assert len(table) == 0
 
 
+class SparseBatch(Batch):
+    """Four rows, of which the bitmap of the whole rows names some from the offset on."""
+
+    def __init__(self, values, bits, null_count, offset=0):
+        super().__init__(4, [values])
+        self.bits, self.null_count, self.offset = bits, null_count, offset
+
+    def fill(self, out):
+        bitmap = None if self.bits is None else np.array([self.bits], np.uint8)
+        ArrayParts(4, [bitmap], self.null_count).fill(out, self.columns)
+        out.offset = self.offset
+
+
+def six(code):
+    """What the values 0 to 5 are as floats of this format."""
+    return ArrayParts(6, [None, np.arange(6).astype({"f": np.float32, "g": np.float64}[code])])
+
+
+@pytest.mark.parametrize("how", ["write", "append"])
+@pytest.mark.parametrize("code", ["f", "g"])
+@pytest.mark.parametrize("bits, null_count, offset", [(0b0101, 2, 0), (0b0101, -1, 0), (0b010111, -1, 2)])
+def test_rows_that_are_null_as_a_whole(path, how, code, bits, null_count, offset):
+    ovfile.write({"A": [50.0]}, path)
+    stream = Rows([SchemaParts("A", code)], [SparseBatch(six(code), bits, null_count, offset)])
+    with pytest.raises(ovfile.Error, match="rows that are null"):
+        if how == "write":
+            ovfile.write(stream, path)
+        else:
+            with ovfile.open(path, "r+") as table:
+                table.append(stream)
+    with ovfile.open(path) as table:
+        assert table["A"].tolist() == [50]
+    assert without_new_files(path.parent)
+
+
+@pytest.mark.parametrize("code", ["f", "g"])
+@pytest.mark.parametrize("bits, null_count", [(0b111100, -1), (0b111100, 0), (0, 0), (None, -1)])
+def test_a_bitmap_that_leaves_no_row_of_the_batch_out(path, code, bits, null_count):
+    def stream():
+        return Rows([SchemaParts("A", code)], [SparseBatch(six(code), bits, null_count, 2)])
+
+    assert ovfile.write(stream(), path) == 4
+    with ovfile.open(path, "r+") as table:
+        assert table["A"].tolist() == [2, 3, 4, 5]
+        table.append(stream())
+        assert table["A"].tolist() == [2, 3, 4, 5] * 2
+
+
 def test_views_of_texts(path):
     """The form that is laid anew before the library has it."""
     view = np.zeros(2, np.dtype("V16"))

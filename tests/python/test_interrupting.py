@@ -12,7 +12,7 @@ import pytest
 from conftest import ROOT
 
 import ovfile
-from ovfile import _arrow_export
+from ovfile import _arrow_export, _writing
 from ovfile._arrow_abi import ArrowArray
 
 pytestmark = pytest.mark.skipif(os.name == "nt", reason="sends signals as Linux does")
@@ -206,6 +206,106 @@ def test_other_signals_that_raise(tmp_path, source):
     assert run.stderr.rstrip().endswith("TimeoutError: too late") and "ignored" not in run.stderr
     assert path.read_bytes() == source.read_bytes()
     assert os.listdir(tmp_path) == [path.name]
+
+
+@pytest.fixture
+def handlers():
+    """What the test sets is not there for others."""
+    numbers = (signal.SIGINT, signal.SIGALRM, signal.SIGTERM, signal.SIGUSR1, signal.SIGUSR2)
+    found = {number: signal.getsignal(number) for number in numbers}
+    yield found
+    for number, handler in found.items():
+        signal.signal(number, handler)
+
+
+def raising(failure):
+    def handler(number, frame):
+        raise failure
+
+    return handler
+
+
+@pytest.mark.parametrize("numbers", [["SIGALRM"], ["SIGUSR1", "SIGALRM", "SIGTERM"]])
+def test_a_signal_while_handlers_are_put_back(path, monkeypatch, handlers, numbers):
+    """What it raises comes, and all handlers are back, that of Ctrl-C too."""
+    own = {getattr(signal, number): raising(TimeoutError(number)) for number in numbers}
+    for number, handler in own.items():
+        signal.signal(number, handler)
+    real = signal.signal
+
+    def at_once(number, handler):
+        real(number, handler)
+        if handler is own.get(number):
+            os.kill(os.getpid(), number)
+
+    monkeypatch.setattr(signal, "signal", at_once)
+    with pytest.raises(TimeoutError) as caught:
+        ovfile.write({"A": [1.0]}, path)
+    monkeypatch.undo()
+    assert str(caught.value) in numbers
+    assert {number: signal.getsignal(number) for number in own} == own
+    assert signal.getsignal(signal.SIGINT) is handlers[signal.SIGINT]
+
+
+@pytest.fixture
+def at_work(monkeypatch):
+    """Signals, each of which comes while a table is written."""
+    numbers = []
+    real = _writing.append_rows
+
+    def busy(*arguments):
+        for number in numbers:
+            os.kill(os.getpid(), number)
+        return real(*arguments)
+
+    monkeypatch.setattr(_writing, "append_rows", busy)
+    return numbers
+
+
+def test_a_handler_that_puts_another_in_its_place(path, handlers, at_work):
+    def once(number, frame):
+        signal.signal(number, signal.SIG_DFL)
+
+    signal.signal(signal.SIGTERM, once)
+    at_work.append(signal.SIGTERM)
+    assert ovfile.write({"A": [1.0]}, path) == 1
+    assert signal.getsignal(signal.SIGTERM) == signal.SIG_DFL
+    assert signal.getsignal(signal.SIGINT) is handlers[signal.SIGINT]
+
+
+def test_the_first_of_two_failures_is_told(path, handlers, at_work):
+    signal.signal(signal.SIGUSR1, raising(TimeoutError("too late")))
+    signal.signal(signal.SIGUSR2, raising(ConnectionError("gone")))
+    at_work.extend([signal.SIGUSR1, signal.SIGUSR2])
+    with pytest.raises(TimeoutError, match="too late"):
+        ovfile.write({"A": [1.0]}, path)
+    assert not path.exists()
+
+
+THREAD = """
+import _thread, sys, time, traceback
+done = []
+def work():
+    try:
+        import ovfile
+        done.append(ovfile.write({"A": [1.0, 2.0]}, sys.argv[1]))
+    except BaseException:
+        done.append(traceback.format_exc())
+_thread.start_new_thread(work, ())
+while not done:
+    time.sleep(0.01)
+print(done[0])
+"""
+
+
+def test_a_thread_that_takes_itself_for_the_main_one(path):
+    """As of a program that the interpreter is embedded in, which imports the package there."""
+    environment = {**os.environ, "PYTHONPATH": str(ROOT / "python")}
+    command = [sys.executable, "-c", THREAD, str(path)]
+    run = subprocess.run(command, env=environment, capture_output=True, text=True, timeout=120)
+    assert (run.stdout, run.returncode) == ("2\n", 0), run.stderr
+    with ovfile.open(path) as table:
+        assert len(table) == 2
 
 
 def test_a_release_that_fails_keeps_no_other_from_it(monkeypatch):

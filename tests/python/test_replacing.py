@@ -1,9 +1,12 @@
 """What takes a file's place: its rights, what stands under its name, and what others do to it meanwhile."""
 
+import errno
 import os
 import stat
+import struct
 import subprocess
 import sys
+import tempfile
 
 import numpy as np
 import pytest
@@ -106,6 +109,39 @@ def test_a_table_that_was_changed_before(path):
         assert table["B"].tolist() == [1, 2, 3, 4]
 
 
+@pytest.mark.parametrize("kind", [{"default": 2.5}, {"default": "x", "width": 8}])
+def test_a_column_in_the_header_loses_no_rows_of_others(path, kind):
+    """The header that is written tells how many rows there are."""
+    ovfile.write({"A": [0.0, 1.0, 2.0]}, path)
+    with ovfile.open(path, "r+") as table:
+        assert child(APPEND.replace("[-7.0]", "[-7.0] * 300"), path) == "303"
+        with pytest.raises(ovfile.Error, match="changed elsewhere") as caught:
+            table.add_column("SG", implicit=True, **kind)
+        assert caught.value.file == str(path)
+    with ovfile.open(path) as table:
+        assert (table.columns, table["A"].tolist()) == (["A"], [0, 1, 2] + [-7] * 300)
+
+
+def test_a_column_in_the_header_beside_another_one(path):
+    ovfile.write({"A": [0.0, 1.0, 2.0]}, path)
+    with ovfile.open(path, "r+") as table:
+        assert child(IMPLICIT, path) == "3"
+        with pytest.raises(ovfile.Error, match="changed elsewhere"):
+            table.add_column("B", default=1, implicit=True)
+    with ovfile.open(path) as table:
+        assert (table.columns, table["SG"].tolist()) == (["A", "SG"], [2.5] * 3)
+
+
+def test_a_column_in_the_header_behind_rows_of_ones_own(path):
+    with ovfile.create(path, ["A"]) as table:
+        table.add_column("X", default=1, implicit=True)
+        table.append({"A": [1, 2, 3]})
+        table.add_column("SG", default=2.5, implicit=True)
+        table.append({"A": [4]})
+    with ovfile.open(path) as table:
+        assert (table["A"].tolist(), table["SG"].tolist()) == ([1, 2, 3, 4], [2.5] * 4)
+
+
 def test_a_column_that_came_before(path):
     ovfile.write({"A": [0.0, 1.0, 2.0]}, path)
     with ovfile.open(path, "r+") as table:
@@ -168,6 +204,38 @@ def test_an_open_table_is_refused_before_the_work(path, monkeypatch):
     with ovfile.open(path), pytest.raises(ovfile.Error, match="open somewhere else"):
         ovfile.write({"A": [2]}, path)
     assert os.listdir(path.parent) == [path.name]
+
+
+@linux
+@pytest.mark.parametrize("reason", [errno.EBADF, errno.ENOLCK, errno.EOPNOTSUPP])
+def test_a_file_system_without_locks(path, monkeypatch, reason):
+    ovfile.write({"A": [1]}, path)
+
+    def refuse(*arguments):
+        raise OSError(reason, os.strerror(reason))
+
+    monkeypatch.setattr(_replacement.fcntl, "flock", refuse)
+    ovfile.write({"A": [2, 3]}, path)
+    with ovfile.open(path, "r+") as table:
+        table.add_column("B", [4, 5])
+        assert (table["A"].tolist(), table["B"].tolist()) == ([2, 3], [4, 5])
+    assert os.listdir(path.parent) == [path.name]
+
+
+@linux
+@pytest.mark.parametrize("change", ["write", "add_column"])
+def test_nobody_is_turned_away_while_the_disk_is_waited_for(path, monkeypatch, change):
+    """A sync may take long, and who opens the table meanwhile does not wait for it."""
+    ovfile.write({"A": np.arange(300_000.0)}, path)
+    seen = []
+
+    def look():
+        with ovfile.open(path) as table:
+            seen.append(len(table))
+
+    monkeypatch.setattr(os, "fsync", before(os.fsync, look))
+    CHANGES[change](path)
+    assert seen and set(seen) == {300_000}
 
 
 # What stands under the name.
@@ -285,6 +353,29 @@ def test_nobody_else_reads_the_copy(private, monkeypatch, change):
     assert stat.S_IMODE(private.stat().st_mode) == 0o664
 
 
+def test_nothing_stays_beside_a_table_that_may_only_be_read(path, monkeypatch):
+    """As on Windows, which neither replaces nor removes such files."""
+    ovfile.write({"A": [1]}, path)
+    path.chmod(0o444)
+    remove = os.unlink
+
+    def refuse(*arguments):
+        raise PermissionError(errno.EACCES, "Access is denied")
+
+    def unlink(name):
+        if not os.stat(name).st_mode & stat.S_IWUSR:
+            refuse()
+        remove(name)
+
+    monkeypatch.setattr(os, "replace", refuse)
+    monkeypatch.setattr(os, "unlink", unlink)
+    with pytest.raises(ovfile.Error, match="cannot be written: Access is denied"):
+        ovfile.write({"A": [2]}, path)
+    assert os.listdir(path.parent) == [path.name]
+    with ovfile.open(path) as table:
+        assert table["A"].tolist() == [1]
+
+
 @linux
 def test_a_new_file_has_the_rights_of_new_files(tmp_path):
     before_it = os.umask(0o027)
@@ -295,13 +386,62 @@ def test_a_new_file_has_the_rights_of_new_files(tmp_path):
     assert stat.S_IMODE((tmp_path / "table.ovt").stat().st_mode) == 0o640
 
 
+OTHER_USER = """
+import os, sys, ovfile
+path = sys.argv[1]
+ovfile.open(path).close()  # the library is loaded
+os.setgroups([]); os.setgid(65534); os.setuid(65534)
+if sys.argv[2] == "write":
+    ovfile.write({"A": [1.0, 2.0]}, path)
+else:
+    with ovfile.open(path, "r+") as table:
+        table.add_column("B", [1] * len(table))
+facts = os.stat(path)
+print(oct(facts.st_mode & 0o7777), facts.st_uid, facts.st_gid)
+"""
+LIST = struct.pack("<I" + "HHI" * 5, 2, 1, 6, 0, 2, 6, 4321, 4, 0, 0, 16, 6, 0, 32, 6, 0)
+
+
+@pytest.fixture
+def shared():
+    """A table of somebody's that everybody may write, where everybody gets to."""
+    if os.geteuid() != 0:
+        pytest.skip("only a privileged user becomes another one")
+    with tempfile.TemporaryDirectory() as folder:
+        os.chmod(folder, 0o777)
+        path = os.path.join(folder, "table.ovt")
+        ovfile.write({"A": [1.0, 2.0]}, path)
+        os.chown(path, 1234, 2345)
+        os.chmod(path, 0o666)
+        yield path
+
+
 @linux
-def test_no_rights_are_won_where_the_group_cannot_stay(private):
+@pytest.mark.parametrize("change", CHANGES)
+@pytest.mark.parametrize("listed", [False, True])
+def test_a_shared_table_stays_open_to_its_owner(shared, change, listed):
+    """Somebody else writes it. Where a list kept the group out, but not all others, they are all kept out."""
+    if listed:
+        try:
+            os.setxattr(shared, "system.posix_acl_access", LIST)
+        except OSError:
+            pytest.skip("the file system keeps no access lists")
+    expected = "0o600" if listed else "0o666"
+    assert child(OTHER_USER, shared, change) == f"{expected} 65534 65534"
+    assert "system.posix_acl_access" not in os.listxattr(shared)
+
+
+@linux
+@pytest.mark.parametrize(
+    "mode, expected",
+    [(0o664, 0o644), (0o666, 0o666), (0o2777, 0o777), (0o640, 0o600), (0o604, 0o600), (0o646, 0o644)],
+)
+def test_no_rights_are_won_where_the_group_cannot_stay(private, mode, expected):
     """As a user who does not belong to the file's group."""
     if os.geteuid() != 0:
         pytest.skip("only a privileged user gives a file to another group")
-    private.chmod(0o664)
     os.chown(private, 65534, 2345)
+    private.chmod(mode)
     private.parent.chmod(0o777)
     script = """
 import os, sys, ovfile
@@ -313,7 +453,7 @@ old, new = os.open("table.ovt", os.O_RDONLY), os.open("new.ovt", os.O_CREAT | os
 carry_rights(old, "table.ovt", "new.ovt")
 print(oct(os.fstat(new).st_mode & 0o7777), os.fstat(new).st_gid)
 """
-    assert child(script, private.parent) == "0o600 65534"
+    assert child(script, private.parent) == f"{oct(expected)} 65534"
 
 
 # Reasons.

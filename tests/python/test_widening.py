@@ -284,6 +284,47 @@ def test_a_table_of_floats_becomes_one_of_doubles_with_its_implicit_columns(path
         assert table["SG"].tolist() == [2.7, 2.7]
 
 
+def test_a_table_of_doubles_like_one_of_floats(path, tmp_path):
+    """The rows of the one go into the other, whichever way."""
+    ovfile.write({"A": [1.0, 2]}, path, precision="single", implicit={"SG": 2.7, "NO": None, "T": "x"})
+    wide = tmp_path / "wide.ovt"
+    with ovfile.open(path) as table:
+        with ovfile.create(wide, ["B"], template=table.schema, precision="double") as made:
+            assert [column.default for column in made.schema] == [None, 2.7, None, "x", None]
+            assert made.append(table) == made.append(table.to_pandas(widen=True)) == 2
+            assert made["SG"].tolist() == [2.7] * 4
+        with ovfile.create(tmp_path / "same.ovt", template=table.schema) as made:
+            assert made.schema.columns == table.schema.columns
+
+
+@pytest.mark.parametrize(
+    "given, expected",
+    [(np.float32(0.1), 0.1), (np.float32(3e-8), 3e-8), (np.float16(6e-5), 6.0021877e-05), (0.1, 0.1)],
+)
+def test_a_single_float_as_a_default(path, given, expected):
+    ovfile.write({"A": [1.0]}, path, implicit={"Q": given})
+    with ovfile.open(path, "r+") as table:
+        table.add_column("I", default=given, implicit=True)
+        table.add_column("D", default=given)
+        assert [column.default for column in table.schema][1:] == [expected] * 3
+    assert [kept(path, name) for name in "QID"] == [bits([expected])] * 3
+    with ovfile.create(path, [ovfile.Column.number("C", given)], precision="single", overwrite=True) as table:
+        assert table.schema["C"].default == float(np.float32(expected))
+
+
+def test_floats_among_other_numbers(path):
+    values = [np.float32(0.1), 0.5, None, 7, np.float16(6e-5), True, np.float32(-1e30)]
+    expected = [0.1, 0.5, -1e30, 7, 6.0021877e-05, 1, -1e30]
+    ovfile.write({"V": values}, path)
+    assert kept(path) == bits(expected)
+    with ovfile.open(path, "r+") as table:
+        table.append({"V": [np.float16(6e-5)]})
+    assert kept(path) == bits([*expected, 6.0021877e-05])
+    ovfile.write({"V": values}, path, precision="single")
+    with ovfile.open(path) as table:
+        assert table["V"][[0, 4]].view(np.uint32).tolist() == [0x3DCCCCCD, 0x387BC000]
+
+
 def test_a_column_of_floats_is_added(path):
     ovfile.write({"A": [1.0, 2, 3, 4]}, path)
     with ovfile.open(path, "r+") as table:
