@@ -31,8 +31,9 @@ std::string load_reason(DWORD code) {
 void* load_library(const std::string& path, std::string& reason) {
   const silent_errors silence;
   std::error_code error;
-  const std::filesystem::path whole =
-      std::filesystem::absolute(ovfile::to_wide(path), error).make_preferred();
+  std::filesystem::path whole = std::filesystem::absolute(ovfile::to_wide(path), error).make_preferred();
+  // A name without a suffix would be taken for that of another file, which ends in .dll.
+  if (!whole.has_extension()) whole += L'.';
   // What it needs itself may lie beside it, but never in the current folder.
   const HMODULE library = LoadLibraryExW(whole.c_str(), nullptr,
                                          LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
