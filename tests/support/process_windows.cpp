@@ -56,8 +56,16 @@ process_result run_once(const std::vector<std::string>& arguments, const std::fi
     SetEnvironmentVariableW(name, nullptr);
   }
   PROCESS_INFORMATION process{};
-  const BOOL started = CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr,
-                                      folder.c_str(), &start, &process);
+  const auto create = [&] {
+    return CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, folder.c_str(), &start,
+                          &process) != 0;
+  };
+  // Under Wine on a busy machine the first try may fail.
+  bool started = create();
+  for (int tries = 1; !started && tries < 3; ++tries) {
+    Sleep(500);
+    started = create();
+  }
   for (const HANDLE handle : {start.hStdInput, start.hStdOutput, start.hStdError}) CloseHandle(handle);
   if (!started) throw std::runtime_error("cannot start " + arguments[0]);
   WaitForSingleObject(process.hProcess, INFINITE);
