@@ -5,6 +5,7 @@ The library is the one that OVFILE_LIBRARY names, else that of build/release.
 
 import os
 import pathlib
+import subprocess
 import sys
 
 import pytest
@@ -14,6 +15,20 @@ sys.path.insert(0, str(ROOT / "python"))
 os.environ.setdefault("OVFILE_LIBRARY", str(ROOT / "build" / "release" / "bin"))
 
 import ovfile  # noqa: E402
+
+
+def child(script, *arguments):
+    """What a program of its own says, which works on tables."""
+    environment = {**os.environ, "PYTHONPATH": str(ROOT / "python")}
+    run = subprocess.run(
+        [sys.executable, "-c", script, *map(str, arguments)],
+        env=environment,
+        capture_output=True,
+        text=True,
+        timeout=300,
+    )
+    assert run.returncode == 0, run.stderr
+    return run.stdout.strip()
 
 
 @pytest.fixture(autouse=True, scope="session")

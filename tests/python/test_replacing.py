@@ -4,32 +4,16 @@ import errno
 import os
 import stat
 import struct
-import subprocess
-import sys
 import tempfile
 
 import numpy as np
 import pytest
-from conftest import ROOT, without_new_files
+from conftest import child, without_new_files
 
 import ovfile
 from ovfile import _rebuilding, _replacement, _writing
 
 linux = pytest.mark.skipif(os.name == "nt", reason="rights and devices are Linux'")
-
-
-def child(script, *arguments):
-    """What a program of its own says, which works on tables."""
-    environment = {**os.environ, "PYTHONPATH": str(ROOT / "python")}
-    run = subprocess.run(
-        [sys.executable, "-c", script, *map(str, arguments)],
-        env=environment,
-        capture_output=True,
-        text=True,
-        timeout=120,
-    )
-    assert run.returncode == 0, run.stderr
-    return run.stdout.strip()
 
 
 # Others who change the table while a column is added.

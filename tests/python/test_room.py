@@ -2,28 +2,14 @@
 
 import os
 import subprocess
-import sys
 
 import numpy as np
 import pytest
-from conftest import ROOT
+from conftest import child
 
 import ovfile
 
 pytestmark = pytest.mark.skipif(os.name == "nt", reason="measures and limits as Linux does")
-
-
-def child(script, *arguments):
-    environment = {**os.environ, "PYTHONPATH": str(ROOT / "python")}
-    run = subprocess.run(
-        [sys.executable, "-c", script, *map(str, arguments)],
-        env=environment,
-        capture_output=True,
-        text=True,
-        timeout=300,
-    )
-    assert run.returncode == 0, run.stderr
-    return run.stdout.split()
 
 
 COPY = """
@@ -59,7 +45,7 @@ def long_table(tmp_path_factory):
 @pytest.mark.parametrize("known", ["schema", "kinds"])
 def test_a_stream_is_not_gathered_where_its_columns_are_known(long_table, tmp_path, known):
     """It takes a few batches' memory (of 3 MB each), and not the table's."""
-    rows, kilobytes = child(COPY, long_table, tmp_path / "copy.ovt", known)
+    rows, kilobytes = child(COPY, long_table, tmp_path / "copy.ovt", known).split()
     assert int(rows) == 2_000_000
     assert int(kilobytes) * 1024 < long_table.stat().st_size / 3
     with ovfile.open(long_table) as one, ovfile.open(tmp_path / "copy.ovt") as other:
@@ -70,7 +56,7 @@ def test_a_stream_is_not_gathered_where_its_columns_are_known(long_table, tmp_pa
 
 
 def test_a_stream_whose_widths_are_to_be_found(long_table, tmp_path):
-    assert child(COPY, long_table, tmp_path / "copy.ovt", "nothing")[0] == "2000000"
+    assert child(COPY, long_table, tmp_path / "copy.ovt", "nothing").split()[0] == "2000000"
     with ovfile.open(tmp_path / "copy.ovt") as table:
         assert len(table) == 2_000_000 and table.schema["T"].width == 8
 
@@ -137,7 +123,7 @@ def short_table(tmp_path):
 def test_appending_against_a_limit(short_table, more):
     """All rows or none, and a table without them is as it was."""
     before = short_table.read_bytes()
-    said = child(LIMITED, short_table, len(before) + more, "append")
+    said = child(LIMITED, short_table, len(before) + more, "append").split()
     if said[-1] == "done":
         assert said[0] == "4000"
     else:
@@ -155,7 +141,7 @@ def test_writing_anew_against_a_limit(short_table, work, limit):
     before = short_table.read_bytes()
     if work != "write":
         limit = min(limit, len(before) - 100)
-    said = child(LIMITED, short_table, limit, work)
+    said = child(LIMITED, short_table, limit, work).split()
     assert said[-1] != "done"
     assert "File too large" in " ".join(said)
     assert short_table.read_bytes() == before
@@ -165,7 +151,7 @@ def test_writing_anew_against_a_limit(short_table, work, limit):
 @pytest.mark.parametrize("limit", [0, 100, 4096])
 @pytest.mark.parametrize("work", ["write", "create"])
 def test_a_new_table_against_a_limit(tmp_path, work, limit):
-    said = " ".join(child(LIMITED, tmp_path / "table.ovt", limit, work))
+    said = child(LIMITED, tmp_path / "table.ovt", limit, work)
     if said == "done":
         assert (work, limit) == ("create", 4096)
         return
