@@ -65,18 +65,20 @@ if("server" IN_LIST OVF_MODULES)
   endif()
 endif()
 
-# The command is a host like any other: published headers and the shared library, nothing else.
+# The command is a host like any other: published headers and the shared library, nothing else. All of it but
+# main() is a library, for its tests.
 ovf_sources(files src/command src/command/duckdb src/command/sql src/command/parquet)
 if(files AND TARGET ovfile)
-  add_executable(ovfile_command ${files})
-  set_target_properties(ovfile_command PROPERTIES OUTPUT_NAME ovfile)
-  target_include_directories(ovfile_command PRIVATE src/command)
+  set(main "${CMAKE_CURRENT_SOURCE_DIR}/src/command/main.cpp")
+  list(REMOVE_ITEM files "${main}")
+  add_library(ovf_command STATIC ${files})
+  target_include_directories(ovf_command PUBLIC src/command)
   set_source_files_properties(src/command/program.cpp PROPERTIES
                               COMPILE_DEFINITIONS "OVFILE_VERSION=\"${PROJECT_VERSION}\"")
   # The library before the system's, some of which have a DllGetClassObject too.
-  target_link_libraries(ovfile_command PRIVATE ovfile ovf_settings ovf_header_libraries)
-  # main_windows.cpp begins at wmain, which receives its arguments as UTF-16.
-  if(WIN32 AND EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/src/command/main_windows.cpp")
-    target_link_options(ovfile_command PRIVATE -municode)
-  endif()
+  target_link_libraries(ovf_command PUBLIC ovfile ovf_settings ovf_header_libraries)
+
+  add_executable(ovfile_command "${main}")
+  set_target_properties(ovfile_command PROPERTIES OUTPUT_NAME ovfile)
+  target_link_libraries(ovfile_command PRIVATE ovf_command)
 endif()

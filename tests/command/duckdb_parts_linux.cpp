@@ -1,7 +1,0 @@
-#include "child_process_linux.cpp"
-#include "duckdb/crash_report_linux.cpp"
-#include "duckdb/duckdb_library_linux.cpp"
-#include "duckdb/duckdb_package_linux.cpp"
-#include "environment_linux.cpp"
-#include "loaded_library_linux.cpp"
-#include "private_folder_linux.cpp"
