@@ -102,7 +102,7 @@ TEST_F(parquet_export_test, a_folder_is_no_file_to_write) {
 TEST_F(parquet_export_test, a_table_without_columns_cannot_go_out) {
   const auto source = ovtest::shared_folder() / "golden" / "d_no_fields.ovt";
   if (!std::filesystem::exists(source)) GTEST_SKIP() << source << " is not there";
-  std::filesystem::copy_file(source, folder() / "t.ovt");
+  ovtest::copy_writable(source, folder() / "t.ovt");
   expect_failure({"export", "t.ovt", "out.parquet"}, "t.ovt has no columns; a Parquet file needs one");
 }
 

@@ -96,7 +96,7 @@ TEST_F(parquet_round_trip_test, a_link_is_not_made_by_a_description) {
   const fs::path source = ovtest::shared_folder() / "golden" / "link_chain.ovt";
   if (!fs::exists(source)) GTEST_SKIP() << source << " is not there";
   for (const char* name : {"link_chain.ovt", "link_relative.ovt", "s_one_number.ovt"}) {
-    fs::copy_file(source.parent_path() / name, folder() / name);
+    ovtest::copy_writable(source.parent_path() / name, folder() / name);
   }
   run_quietly({"export", "link_chain.ovt", "out.parquet"});
   const ovtest::process_result result = run({"import", "out.parquet", "back.ovt"});
@@ -118,7 +118,7 @@ class given_tables_test : public parquet_round_trip_test, public testing::WithPa
  protected:
   void round_trip(const fs::path& source) const {
     if (!fs::exists(source)) GTEST_SKIP() << source << " is not there";
-    fs::copy_file(source, folder() / "t.ovt");
+    ovtest::copy_writable(source, folder() / "t.ovt");
     go_through_a_file("t.ovt");
     if (GetParam().partition != nullptr) go_through_folders("t.ovt", GetParam().partition);
   }

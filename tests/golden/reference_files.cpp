@@ -68,8 +68,7 @@ std::optional<fs::path> copy_reference(const std::string& file, const fs::path& 
     const fs::path packed = source.string() + ".gz";
     return unpack(packed, target) ? std::optional(target) : std::nullopt;
   }
-  fs::copy_file(source, target);
-  fs::permissions(target, fs::perms::owner_write, fs::perm_options::add);
+  copy_writable(source, target);
   return target;
 }
 

@@ -18,4 +18,11 @@ inline std::filesystem::path shared_folder() {
   return root / ".." / "shared";
 }
 
+/// A copy that may be changed and, on Windows too, removed: the reference files themselves are read-only.
+inline void copy_writable(const std::filesystem::path& source, const std::filesystem::path& target) {
+  std::filesystem::copy_file(source, target);
+  std::filesystem::permissions(target, std::filesystem::perms::owner_write,
+                               std::filesystem::perm_options::add);
+}
+
 }  // namespace ovtest
