@@ -1,6 +1,6 @@
 # One program for each folder of tests/. A folder named like a module sees that module and those below
-# it; `command`, `golden` and `filter` are hosts of the shared library; `host` loads it by itself at run
-# time.
+# it; `command`, `golden` and `filter` are hosts of the shared library, and the first two know the parts of the
+# command; `host` loads it by itself at run time.
 # `early_bound` knows it from the header that the type library gives. tests/support is a library for all
 # of them.
 
@@ -94,18 +94,10 @@ function(ovf_add_test_folder name)
     add_dependencies(${target} fake_duckdb lacking_duckdb)
   endif()
   if(name STREQUAL "command" OR name STREQUAL "golden")
+    add_dependencies(${target} ovfile_command ovfilter)
     target_link_libraries(${target} PRIVATE ovf_command)
-  endif()
-  if(name STREQUAL "host" OR name STREQUAL "command" OR name STREQUAL "golden")
-    foreach(needed ovfile ovfilter ovfile_command)
-      if(TARGET ${needed} AND NOT (name STREQUAL "host" AND needed STREQUAL "ovfile_command"))
-        add_dependencies(${target} ${needed})
-      endif()
-    endforeach()
-    if(TARGET ovfile AND NOT name STREQUAL "host")
-      # Before the system's libraries, some of which have a DllGetClassObject too.
-      target_link_libraries(${target} PRIVATE ovfile)
-    endif()
+  elseif(name STREQUAL "host")
+    add_dependencies(${target} ovfile ovfilter)
   elseif(name STREQUAL "early_bound")
     add_dependencies(${target} ovfile ovf_type_library)
     target_include_directories(${target} SYSTEM PRIVATE "${OVF_TYPE_LIBRARY_FOLDER}")

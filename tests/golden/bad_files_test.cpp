@@ -7,10 +7,10 @@
 
 #include "golden/check_reading.h"
 #include "golden/expected_json.h"
-#include "golden/reference_files.h"
 #include "support/component.h"
 #include "support/file_bytes.h"
 #include "support/peak_memory.h"
+#include "support/reference_files.h"
 #include "support/scratch_folder.h"
 
 namespace ovtest {

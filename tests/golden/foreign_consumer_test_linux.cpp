@@ -10,8 +10,8 @@
 
 #include "duckdb/duckdb_abi.h"
 #include "golden/expected_json.h"
-#include "golden/reference_files.h"
 #include "ovfile/stream.h"
+#include "support/reference_files.h"
 #include "support/scratch_folder.h"
 
 // The library keeps schemas that it asks for. A program that is built to look for memory that nobody gives

@@ -4,8 +4,8 @@
 
 #include <fstream>
 
-#include "golden/reference_files.h"
 #include "support/process.h"
+#include "support/reference_files.h"
 #include "support/scratch_folder.h"
 
 namespace ovtest {

@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "golden/recipe.h"
-#include "golden/reference_files.h"
 #include "support/file_bytes.h"
+#include "support/reference_files.h"
 #include "support/scratch_folder.h"
 
 namespace ovtest {

@@ -2,8 +2,8 @@
 #include <fstream>
 
 #include "getters.h"
-#include "golden/reference_files.h"
 #include "stream_host.h"
+#include "support/reference_files.h"
 #include "support/table_cases.h"
 
 namespace ovtest {

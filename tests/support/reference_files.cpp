@@ -1,4 +1,4 @@
-#include "golden/reference_files.h"
+#include "support/reference_files.h"
 
 #include <algorithm>
 #include <cstdlib>

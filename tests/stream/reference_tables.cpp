@@ -1,1 +1,0 @@
-#include "golden/reference_files.cpp"
