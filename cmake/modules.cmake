@@ -11,8 +11,13 @@ function(ovf_add_module name)
   add_library(ovf_${name} STATIC ${files})
   target_include_directories(ovf_${name} PUBLIC include src)
   target_link_libraries(ovf_${name} PUBLIC ovf_settings)
+  ovf_may_join_sources(ovf_${name})
   set(OVF_MODULES ${OVF_MODULES} ${name} PARENT_SCOPE)
 endfunction()
+
+# Each of these instantiates what it defines of the class, which one compilation can do but once.
+file(GLOB instantiating CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/src/engine/row_store_*.cpp")
+set_source_files_properties(${instantiating} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
 
 foreach(module platform storage engine schema table stream server)
   ovf_add_module(${module})
@@ -77,6 +82,7 @@ if(files AND TARGET ovfile)
                               COMPILE_DEFINITIONS "OVFILE_VERSION=\"${PROJECT_VERSION}\"")
   # The library before the system's, some of which have a DllGetClassObject too.
   target_link_libraries(ovf_command PUBLIC ovfile ovf_settings ovf_header_libraries)
+  ovf_may_join_sources(ovf_command)
 
   add_executable(ovfile_command "${main}")
   set_target_properties(ovfile_command PROPERTIES OUTPUT_NAME ovfile)

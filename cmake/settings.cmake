@@ -32,6 +32,18 @@ if(OVFILE_LTO)
   set(CMAKE_INTERPROCEDURAL_OPTIMIZATION ON)
 endif()
 
+option(OVFILE_JOINED "Compile many sources as one: quick from nothing, slow after a change" OFF)
+# ovf_join_sources(TARGET SIZE): its sources are compiled in lots of so many.
+function(ovf_join_sources target size)
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE ${size})
+endfunction()
+# The product's sources, each of which also compiles alone, as it does where this is off.
+function(ovf_may_join_sources target)
+  if(OVFILE_JOINED)
+    ovf_join_sources(${target} 16)
+  endif()
+endfunction()
+
 find_package(Threads REQUIRED)
 
 set(OVF_WARNINGS -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)

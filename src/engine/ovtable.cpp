@@ -3,16 +3,15 @@
 #include <algorithm>
 #include <type_traits>
 
+#include "engine/refusals.h"
 #include "engine/values.h"
 #include "storage/file_error.h"
 
 namespace ovf {
 namespace {
 
-constexpr wide_view numeric_requested = OLESTR("invalid data type... numeric requested");
 constexpr wide_view string_expected = OLESTR("invalid field type... expected string data");
 constexpr wide_view not_a_number = OLESTR("Error: Invalid number");
-constexpr wide_view bad_field_index = OLESTR("field index out of range");
 
 template <class Number>
 Number valid_number(const VARIANT& value) {

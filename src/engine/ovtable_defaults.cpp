@@ -1,12 +1,12 @@
 // Default values of fields, and what the header says.
 #include "engine/ovtable.h"
+#include "engine/refusals.h"
 #include "engine/values.h"
 #include "storage/file_error.h"
 
 namespace ovf {
 namespace {
 
-constexpr wide_view numeric_requested = OLESTR("invalid data type... numeric requested");
 constexpr wide_view default_not_numeric = OLESTR("Cannot write numeric value to an alphanumeric field.");
 constexpr wide_view default_not_text = OLESTR("Cannot write alphanumeric value to a non-alphanumeric field.");
 constexpr wide_view changing_defaults = OLESTR("Changing the defaults");

@@ -3,11 +3,11 @@
 
 #include "engine/field_name.h"
 #include "engine/ovtable.h"
+#include "engine/refusals.h"
 
 namespace ovf {
 namespace {
 
-constexpr wide_view bad_field_index = OLESTR("field index out of range");
 constexpr wide_view negative_width = OLESTR("field width out of range");
 
 }  // namespace

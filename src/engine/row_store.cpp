@@ -2,13 +2,13 @@
 
 #include <algorithm>
 
+#include "engine/refusals.h"
 #include "engine/values.h"
 #include "storage/file_error.h"
 
 namespace ovf {
 namespace {
 
-constexpr wide_view nothing_stored = OLESTR("AddRow failed, the table has no stored fields");
 constexpr wide_view cut_failed =
     OLESTR("OvFile Error: onSetRowCount failed to set the end of the file. (%x: %s)");
 

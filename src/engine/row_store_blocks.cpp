@@ -3,13 +3,13 @@
 #include <atomic>
 #include <utility>
 
+#include "engine/refusals.h"
 #include "engine/row_store.h"
 #include "storage/file_error.h"
 
 namespace ovf {
 namespace {
 
-constexpr wide_view nothing_stored = OLESTR("AddRow failed, the table has no stored fields");
 constexpr wide_view nothing_begun = OLESTR("AddRow failed, the rows that were being added were given up");
 
 template <class Precision>

@@ -5,25 +5,20 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
 #include <string>
 
 #include "platform/atoms.h"
 #include "platform/descriptor_linux.h"
+#include "platform/environment_linux.h"
 
 namespace ovf {
 
 namespace {
 
-std::string setting(const char* name) {
-  const char* value = std::getenv(name);
-  return value != nullptr ? value : "";
-}
-
 std::string atom_folder() {
-  std::string folder = setting("OVFILE_ATOMS");
+  std::string folder = environment_value("OVFILE_ATOMS");
   if (folder.empty()) {
-    const std::string runtime = setting("XDG_RUNTIME_DIR");
+    const std::string runtime = environment_value("XDG_RUNTIME_DIR");
     folder = runtime.empty() ? "/tmp/orvexa-atoms-" + std::to_string(getuid()) : runtime + "/orvexa-atoms";
   }
   // A slash at the end would make the system follow a link.

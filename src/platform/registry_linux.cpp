@@ -8,25 +8,20 @@
 
 #include <cerrno>
 #include <chrono>
-#include <cstdlib>
 #include <filesystem>
 #include <optional>
 #include <thread>
 
 #include "platform/descriptor_linux.h"
+#include "platform/environment_linux.h"
 #include "platform/registry_file_linux.h"
 
 namespace ovf {
 
 namespace {
 
-std::string setting(const char* name) {
-  const char* value = std::getenv(name);
-  return value != nullptr ? value : "";
-}
-
 std::string home_folder() {
-  std::string home = setting("HOME");
+  std::string home = environment_value("HOME");
   if (!home.empty()) return home;
   char buffer[4096];
   passwd entry{};
@@ -56,9 +51,9 @@ struct location {
 };
 
 location registry_location() {
-  const std::string named = setting("OVFILE_REGISTRY");
+  const std::string named = environment_value("OVFILE_REGISTRY");
   if (!named.empty()) return {named, false};
-  const std::string config = setting("XDG_CONFIG_HOME");
+  const std::string config = environment_value("XDG_CONFIG_HOME");
   return {(config.empty() ? home_folder() + "/.config" : config) + "/orvexa/registry.reg", true};
 }
 

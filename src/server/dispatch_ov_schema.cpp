@@ -4,7 +4,7 @@ namespace ovf {
 
 namespace {
 
-constexpr auto list = member_list(std::to_array<dispatch_member>({
+constexpr auto ov_schema_members = member_list(std::to_array<dispatch_member>({
     getter<&IOvSchema::get_TypeHint>(1, OLESTR("TypeHint")),
     method<&IOvSchema::GetFieldDefault>(2, OLESTR("GetFieldDefault"), OLESTR("lIndex pVal")),
     method<&IOvSchema::SetFieldDefault>(3, OLESTR("SetFieldDefault"), OLESTR("lIndex newVal")),
@@ -57,13 +57,13 @@ constexpr auto list = member_list(std::to_array<dispatch_member>({
     putter<&IOvSchema::put_UseLongFieldNamesMaster>(40, OLESTR("UseLongFieldNamesMaster")),
 }));
 
-constexpr method_table table(list, CLSID_OvSchema, IID_IOvSchema);
+constexpr method_table ov_schema_methods(ov_schema_members, CLSID_OvSchema, IID_IOvSchema);
 
 }  // namespace
 
 template <>
 const dispatch_methods& methods_of<IOvSchema>() noexcept {
-  return table;
+  return ov_schema_methods;
 }
 
 }  // namespace ovf

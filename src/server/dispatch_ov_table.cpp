@@ -4,7 +4,7 @@ namespace ovf {
 
 namespace {
 
-constexpr auto list = member_list(std::to_array<dispatch_member>({
+constexpr auto ov_table_members = member_list(std::to_array<dispatch_member>({
     method<&IOvTable::GetColumnAsDouble>(1, OLESTR("GetColumnAsDouble"), OLESTR("lIndex pVal")),
     method<&IOvTable::GetColumnAsFloat>(2, OLESTR("GetColumnAsFloat"), OLESTR("lIndex pVal")),
     method<&IOvTable::GetColumnAsString>(3, OLESTR("GetColumnAsString"), OLESTR("lIndex pVal")),
@@ -63,13 +63,13 @@ constexpr auto list = member_list(std::to_array<dispatch_member>({
     method<&IOvTable::ReduceRowCountTo>(48, OLESTR("ReduceRowCountTo"), OLESTR("lRows")),
 }));
 
-constexpr method_table table(list, CLSID_OvTable, IID_IOvTable);
+constexpr method_table ov_table_methods(ov_table_members, CLSID_OvTable, IID_IOvTable);
 
 }  // namespace
 
 template <>
 const dispatch_methods& methods_of<IOvTable>() noexcept {
-  return table;
+  return ov_table_methods;
 }
 
 }  // namespace ovf

@@ -4,7 +4,7 @@ namespace ovf {
 
 namespace {
 
-constexpr auto list = member_list(std::to_array<dispatch_member>({
+constexpr auto ov_table_ado_members = member_list(std::to_array<dispatch_member>({
     getter<&IOvTableADO::get_Schema>(1, OLESTR("Schema")),
     putter_taking_over<&IOvTableADO::put_Schema>(1, OLESTR("Schema")),
     getter<&IOvTableADO::get_Name>(2, OLESTR("Name")),
@@ -30,13 +30,13 @@ constexpr auto list = member_list(std::to_array<dispatch_member>({
     method<&IOvTableADO::GetNamedColumn>(21, OLESTR("GetNamedColumn"), OLESTR("bsName val")),
 }));
 
-constexpr method_table table(list, CLSID_OvTableADO, IID_IOvTableADO);
+constexpr method_table ov_table_ado_methods(ov_table_ado_members, CLSID_OvTableADO, IID_IOvTableADO);
 
 }  // namespace
 
 template <>
 const dispatch_methods& methods_of<IOvTableADO>() noexcept {
-  return table;
+  return ov_table_ado_methods;
 }
 
 }  // namespace ovf

@@ -4,7 +4,7 @@ namespace ovf {
 
 namespace {
 
-constexpr auto list = member_list(std::to_array<dispatch_member>({
+constexpr auto zu_schema_members = member_list(std::to_array<dispatch_member>({
     getter<&IZuCommonDataSchema::get_TypeHint>(1, OLESTR("TypeHint")),
     method<&IZuCommonDataSchema::Reserved1>(2, OLESTR("Reserved1")),
     method<&IZuCommonDataSchema::Reserved2>(3, OLESTR("Reserved2")),
@@ -36,13 +36,13 @@ constexpr auto list = member_list(std::to_array<dispatch_member>({
     method<&IZuCommonDataSchema::Reserved8>(29, OLESTR("Reserved8")),
 }));
 
-constexpr method_table table(list, CLSID_OvSchema, IID_IZuCommonDataSchema);
+constexpr method_table zu_schema_methods(zu_schema_members, CLSID_OvSchema, IID_IZuCommonDataSchema);
 
 }  // namespace
 
 template <>
 const dispatch_methods& methods_of<IZuCommonDataSchema>() noexcept {
-  return table;
+  return zu_schema_methods;
 }
 
 }  // namespace ovf

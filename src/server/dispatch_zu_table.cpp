@@ -4,7 +4,7 @@ namespace ovf {
 
 namespace {
 
-constexpr auto list = member_list(std::to_array<dispatch_member>({
+constexpr auto zu_table_members = member_list(std::to_array<dispatch_member>({
     method<&IZuCommonDataTable::Reserved1>(1, OLESTR("Reserved1")),
     method<&IZuCommonDataTable::Reserved2>(2, OLESTR("Reserved2")),
     method<&IZuCommonDataTable::GetColumnAsDouble>(3, OLESTR("GetColumnAsDouble"), OLESTR("lIndex pVal")),
@@ -59,13 +59,13 @@ constexpr auto list = member_list(std::to_array<dispatch_member>({
     method<&IZuCommonDataTable::Reserved29>(52, OLESTR("Reserved29")),
 }));
 
-constexpr method_table table(list, CLSID_OvTable, IID_IZuCommonDataTable);
+constexpr method_table zu_table_methods(zu_table_members, CLSID_OvTable, IID_IZuCommonDataTable);
 
 }  // namespace
 
 template <>
 const dispatch_methods& methods_of<IZuCommonDataTable>() noexcept {
-  return table;
+  return zu_table_methods;
 }
 
 }  // namespace ovf

@@ -11,8 +11,8 @@ namespace {
 constexpr wide_view cannot_create = OLESTR("cannot create temp file for segment");
 constexpr wide_view copy_failed =
     OLESTR("OvFile Error: _segmentFile failed to write an entire page. (%x: %s)");
-constexpr wide_view read_failed = OLESTR("OvFile Error: _segmentFile::readData read. (%x: %s)");
-constexpr wide_view write_failed =
+constexpr wide_view slice_read_failed = OLESTR("OvFile Error: _segmentFile::readData read. (%x: %s)");
+constexpr wide_view slice_write_failed =
     OLESTR("OvFile Error: _segmentFile::writeData failed to write an entire page. (%x: %s)");
 constexpr wide_view pure_failed = OLESTR("OvFile Error: readPure failed  (%x: %s)");
 constexpr wide_view sync_failed = OLESTR("OvFile Error: segmentFile::sync failed read. (%x: %s)");
@@ -118,7 +118,7 @@ std::size_t _segmentFile::readData(std::uint64_t position, std::span<std::byte> 
   if (!state_->holds(position)) return 0;
   std::size_t done = 0;
   if (!read_at(*state_->temporary, position - state_->base, bytes, done)) {
-    note_system_error(read_failed);
+    note_system_error(slice_read_failed);
     return 0;
   }
   return done;
@@ -130,7 +130,7 @@ std::size_t _segmentFile::writeData(std::uint64_t position, std::span<const std:
   const auto part = bytes.first(std::min(bytes.size(), slice_bytes - offset));
   std::size_t done = 0;
   if (!write_at(*state_->temporary, offset, part, done) || done != part.size()) {
-    note_system_error(write_failed);
+    note_system_error(slice_write_failed);
   }
   state_->size = std::max(state_->size, static_cast<std::int64_t>(offset + done));
   state_->dirty = state_->dirty || done > 0;

@@ -9,10 +9,11 @@
 namespace ovf {
 namespace {
 
-constexpr wide_view read_failed = OLESTR("OvFile Error: cache failed to read file. (%x: %s)");
+constexpr wide_view page_read_failed = OLESTR("OvFile Error: cache failed to read file. (%x: %s)");
 constexpr wide_view read_short =
     OLESTR("OvFile Error: cache failed to read an entire page. (%d bytes read instead of %d)");
-constexpr wide_view write_failed = OLESTR("OvFile Error: doFlush failed to write an entire page. (%x: %s)");
+constexpr wide_view page_write_failed =
+    OLESTR("OvFile Error: doFlush failed to write an entire page. (%x: %s)");
 
 [[noreturn]] void fail_short_read(std::uint64_t held, std::uint64_t required) {
   const wide message =
@@ -70,7 +71,7 @@ void fileSegmentMap<N>::read(std::uint64_t segment, segment_need need) {
   forget();
   seek(segment * N);
   std::size_t held = 0;
-  if (!file_->read({buffer_.get(), N}, held)) fail_with_system_error(read_failed);
+  if (!file_->read({buffer_.get(), N}, held)) fail_with_system_error(page_read_failed);
   std::memset(buffer_.get() + held, 0, N - held);
   if (held < std::min(need.required, need.usable)) fail_short_read(held, need.required);
   segment_ = segment;
@@ -86,7 +87,7 @@ void fileSegmentMap<N>::flush() {
   const std::size_t count = extent_ > write_start_ ? static_cast<std::size_t>(extent_ - write_start_) : 0;
   std::size_t done = 0;
   if (!file_->write({buffer_.get() + write_start_, count}, done) || done != count) {
-    fail_with_system_error(write_failed);
+    fail_with_system_error(page_write_failed);
   }
   writable_ = false;
   dirty_ = false;

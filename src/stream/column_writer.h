@@ -10,6 +10,10 @@
 
 namespace ovf {
 
+/// Why a value of an implicit column is refused.
+inline constexpr wide_view not_the_constant =
+    OLESTR("the column is implicit, and the value is another one than its default");
+
 class column_writer {
  public:
   column_writer() = default;

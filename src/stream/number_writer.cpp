@@ -15,8 +15,6 @@ namespace {
 
 constexpr wide_view beyond_range = OLESTR("the number is beyond what the column can hold");
 constexpr wide_view too_many_digits = OLESTR("the integer has more digits than the column can hold");
-constexpr wide_view not_the_constant =
-    OLESTR("the column is implicit, and the value is another one than its default");
 
 struct truth {};
 struct half {};

@@ -6,7 +6,8 @@ namespace ovf {
 namespace {
 
 constexpr wide_view prefix = OLESTR("Append failed, ");
-constexpr wide_view changed_since = OLESTR("the table was closed or changed while rows were appended to it");
+constexpr wide_view changed_while_appended =
+    OLESTR("the table was closed or changed while rows were appended to it");
 
 /// Rows that are put without a word to anybody.
 constexpr std::uint64_t rows_at_a_time = 1 << 14;
@@ -60,11 +61,11 @@ class table_appender {
 
  private:
   table& require_table() const {
-    if (table_ == nullptr) refuse(changed_since);
+    if (table_ == nullptr) refuse(changed_while_appended);
     return *table_;
   }
   void require_unchanged() const {
-    if (owner_.in_state(version_) == nullptr) refuse(changed_since);
+    if (owner_.in_state(version_) == nullptr) refuse(changed_while_appended);
   }
 
   void take_types() {

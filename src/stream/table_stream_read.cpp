@@ -8,7 +8,7 @@
 namespace ovf {
 namespace {
 
-constexpr const char* changed_since =
+constexpr const char* changed_while_read =
     "the table was closed or changed after the stream was made, which reads it as it was then";
 
 /// Bytes of a batch's columns, where the host does not say how many rows it wants: they stay in the
@@ -42,7 +42,7 @@ class table_reader {
   void next(ArrowArray& out) {
     if (rows_left_ == 0) return;
     table* from = owner_->in_state(version_);
-    if (from == nullptr) throw stream_failure{EINVAL, changed_since};
+    if (from == nullptr) throw stream_failure{EINVAL, changed_while_read};
     const std::uint64_t rows = std::min(rows_left_, rows_per_batch_);
     for (const auto& column : columns_) column->begin(static_cast<std::size_t>(rows));
     if (!columns_.empty()) {

@@ -9,8 +9,6 @@ constexpr wide_view not_utf8 = OLESTR("the text is no UTF-8");
 constexpr wide_view not_in_page = OLESTR("the text has a character outside the ANSI code page");
 constexpr wide_view has_nul = OLESTR("the text has a NUL character");
 constexpr wide_view too_long = OLESTR("the text is longer than the column");
-constexpr wide_view not_the_constant =
-    OLESTR("the column is implicit, and the value is another one than its default");
 
 /// What is stored of a text.
 std::string_view kept(std::string_view text) noexcept {

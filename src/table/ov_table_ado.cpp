@@ -6,10 +6,10 @@
 namespace ovf {
 namespace {
 
-constexpr wide_view missing_file = OLESTR("Error: File does not exist.");
-constexpr wide_view close_failed = OLESTR("Error in COvTableADO::Close");
-constexpr wide_view no_definition = OLESTR("Error: Empty table definition (schema).");
-constexpr wide_view create_failed = OLESTR("Couldnt create file");
+constexpr wide_view ado_missing_file = OLESTR("Error: File does not exist.");
+constexpr wide_view ado_close_failed = OLESTR("Error in COvTableADO::Close");
+constexpr wide_view ado_no_definition = OLESTR("Error: Empty table definition (schema).");
+constexpr wide_view ado_create_failed = OLESTR("Couldnt create file");
 constexpr wide_view update_read_only = OLESTR("Error: Update failed, file open in read-only mode.");
 
 }  // namespace
@@ -18,7 +18,7 @@ HRESULT COvTableADO::Open(BSTR filename, LONG ReadOnly) {
   return guard(*this, [&]() -> HRESULT {
     HRESULT filled = S_OK;
     const opening outcome = core_.open(view_of(filename), ReadOnly, filled);
-    if (outcome == opening::missing) return report(*this, missing_file);
+    if (outcome == opening::missing) return report(*this, ado_missing_file);
     if (outcome == opening::not_a_table) return E_FAIL;
     // A row that cannot be read does not make the table unreadable: the move has reported it.
     (void)MoveFirst();
@@ -26,15 +26,15 @@ HRESULT COvTableADO::Open(BSTR filename, LONG ReadOnly) {
   });
 }
 
-HRESULT COvTableADO::Close() { return shared::close(*this, core_, close_failed); }
+HRESULT COvTableADO::Close() { return shared::close(*this, core_, ado_close_failed); }
 
 HRESULT COvTableADO::Create(BSTR filename, IDispatch* tableDefinition) {
   return guard(*this, [&]() -> HRESULT {
     core_.name = view_of(filename);
     const auto definition = ovfile::pointer<IDispatch>(tableDefinition).query<IOvSchema>();
-    if (!definition) return report(*this, no_definition);
+    if (!definition) return report(*this, ado_no_definition);
     const HRESULT status = guard(*this, [&] { core_.create(definition); });
-    return FAILED(status) ? report(*this, create_failed) : status;
+    return FAILED(status) ? report(*this, ado_create_failed) : status;
   });
 }
 
@@ -48,7 +48,7 @@ HRESULT COvTableADO::Update() {
     try {
       core_.reopen(path);
     } catch (const table_core::not_open&) {
-      return report(*this, missing_file);
+      return report(*this, ado_missing_file);
     }
     (void)MoveTo(row);
     return S_OK;

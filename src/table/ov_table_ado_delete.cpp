@@ -5,9 +5,9 @@
 namespace ovf {
 namespace {
 
-constexpr wide_view read_only_refused = OLESTR("Error: DeleteRow failed, file open in read-only mode.");
-constexpr wide_view bad_index = OLESTR("Error: DeleteRow failed, invalid row index.");
-constexpr edit_words words{
+constexpr wide_view ado_delete_read_only = OLESTR("Error: DeleteRow failed, file open in read-only mode.");
+constexpr wide_view ado_delete_bad_index = OLESTR("Error: DeleteRow failed, invalid row index.");
+constexpr edit_words ado_delete_words{
     .no_copy = OLESTR("Error: DeleteRow failed, creating temp file."),
     .not_replaced = OLESTR("Error: DeleteRow failed. Could not delete file: %s (%s)"),
     .not_reopened = OLESTR("Error: DeleteRow failed, new table invalid."),
@@ -28,12 +28,12 @@ bool describes_anew(IOvSchema& schema, table& opened) {
 }  // namespace
 
 HRESULT COvTableADO::DeleteRow(LONG lRow) {
-  if (core_.is_read_only()) return report(*this, read_only_refused);
+  if (core_.is_read_only()) return report(*this, ado_delete_read_only);
   return guard(*this, [&]() -> HRESULT {
     std::vector<std::uint32_t> rows = all_rows(core_);
-    if (lRow < 1 || static_cast<std::size_t>(lRow) > rows.size()) return report(*this, bad_index);
+    if (lRow < 1 || static_cast<std::size_t>(lRow) > rows.size()) return report(*this, ado_delete_bad_index);
     rows.erase(rows.begin() + (lRow - 1));
-    return run_edit(*this, words, [&] {
+    return run_edit(*this, ado_delete_words, [&] {
       if (!core_.schema) throw no_copy_made();
       IOvSchema& schema = *core_.schema.get();
       keep_rows(core_, schema, rows, !describes_anew(schema, core_.opened()));

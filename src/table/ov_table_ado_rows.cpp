@@ -5,12 +5,12 @@
 namespace ovf {
 namespace {
 
-constexpr wide_view current_refused = OLESTR("Error: GetCurrentRow failed, current row is not valid");
-constexpr wide_view next_refused = OLESTR("Error: MoveNext failed, current row is not valid.");
-constexpr wide_view previous_refused = OLESTR("Error: MovePrevious failed, current row is not valid.");
-constexpr wide_view add_refused = OLESTR("Error: AddRow failed, file is open in read-only mode.");
+constexpr wide_view get_current_row_refused = OLESTR("Error: GetCurrentRow failed, current row is not valid");
+constexpr wide_view move_next_refused = OLESTR("Error: MoveNext failed, current row is not valid.");
+constexpr wide_view move_previous_refused = OLESTR("Error: MovePrevious failed, current row is not valid.");
+constexpr wide_view ado_add_refused = OLESTR("Error: AddRow failed, file is open in read-only mode.");
 constexpr wide_view get_refused = OLESTR("Error: GetColumn failed, current row is not valid.");
-constexpr wide_view set_refused = OLESTR("Error: SetColumn failed, current row is not valid");
+constexpr wide_view ado_set_refused = OLESTR("Error: SetColumn failed, current row is not valid");
 constexpr wide_view set_read_only = OLESTR("Error: SetColumn failed, file is open in read-only mode.");
 constexpr wide_view get_unknown = OLESTR("Error: GettNamedColumn failed, no column with given name.");
 constexpr wide_view set_unknown = OLESTR("Error: SetNamedColumn failed, no column with given name.");
@@ -28,7 +28,7 @@ HRESULT COvTableADO::get_BOF(VARIANT_BOOL* pVal) {
 HRESULT COvTableADO::GetRowCount(LONG* pVal) { return shared::get_row_count(*this, core_, pVal); }
 
 HRESULT COvTableADO::GetCurrentRow(LONG* pVal) {
-  return shared::get_current_row(*this, core_, current_refused, pVal);
+  return shared::get_current_row(*this, core_, get_current_row_refused, pVal);
 }
 
 HRESULT COvTableADO::MoveTo(LONG record) { return shared::move_to(*this, core_, record); }
@@ -39,16 +39,16 @@ HRESULT COvTableADO::MoveFirst() {
 }
 
 HRESULT COvTableADO::MoveNext() {
-  if (!core_.on_a_row()) return report(*this, next_refused);
+  if (!core_.on_a_row()) return report(*this, move_next_refused);
   if (!core_.is_open() || core_.opened().getRowCount() == 0) return S_OK;
   return guard(*this, [&] { return core_.next_row() == move::on_a_row ? S_OK : S_FALSE; });
 }
 
 HRESULT COvTableADO::MoveLast() { return shared::move_to_last(*this, core_); }
 
-HRESULT COvTableADO::MovePrevious() { return shared::move_to_previous(*this, core_, previous_refused); }
+HRESULT COvTableADO::MovePrevious() { return shared::move_to_previous(*this, core_, move_previous_refused); }
 
-HRESULT COvTableADO::AddRow() { return shared::add_row(*this, core_, add_refused); }
+HRESULT COvTableADO::AddRow() { return shared::add_row(*this, core_, ado_add_refused); }
 
 HRESULT COvTableADO::GetColumn(LONG index, VARIANT* val) {
   return shared::get_column(*this, core_, get_refused, index, val);
@@ -56,7 +56,7 @@ HRESULT COvTableADO::GetColumn(LONG index, VARIANT* val) {
 
 HRESULT COvTableADO::SetColumn(LONG index, VARIANT val) {
   if (core_.is_read_only()) return report(*this, set_read_only);
-  return shared::on_a_row(*this, core_, set_refused,
+  return shared::on_a_row(*this, core_, ado_set_refused,
                           [&] { return put_column(core_.opened(), index, val) ? S_FALSE : S_OK; });
 }
 

@@ -8,7 +8,7 @@ namespace ovf {
 namespace {
 
 // Hosts know these words, one of which speaks of another method.
-constexpr edit_words words{
+constexpr edit_words repair_words{
     .no_copy = OLESTR("Repair failed, creating temp table object"),
     .not_replaced = OLESTR("Repair failed. Could not delete temp file: "),
     .not_reopened = OLESTR("DeleteColumns failed, new table invalid"),
@@ -27,7 +27,7 @@ HRESULT COvTable::Repair(IOvSchema* pSchema) {
     std::vector<std::uint32_t> rows = all_rows(core_);
     // The last row is left behind: hosts add one before they repair.
     if (!rows.empty()) rows.pop_back();
-    return run_edit(*this, words,
+    return run_edit(*this, repair_words,
                     [&] { rebuild_table(core_, *copy_of(*pSchema).get(), {*origins}, rows, false); });
   });
 }

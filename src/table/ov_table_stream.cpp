@@ -13,7 +13,7 @@ constexpr wide_view append_in_append =
     OLESTR("Append failed, rows of another stream are being appended to this table");
 constexpr wide_view append_changed =
     OLESTR("Append failed, another program has changed the table's file meanwhile");
-constexpr wide_view stopped = OLESTR("Append failed, it was stopped");
+constexpr wide_view append_stopped = OLESTR("Append failed, it was stopped");
 constexpr wide_view no_stream = OLESTR("Append failed, the stream was released before");
 
 }  // namespace
@@ -64,7 +64,7 @@ HRESULT COvTable::Append(ArrowArrayStream* pStream, LONG* pRows) {
       *pRows = append_rows(*from.get());
       return S_OK;
     } catch (const work_stopped&) {
-      return ReportError(class_id, stopped, 0, nullptr, interface_id, E_ABORT);
+      return ReportError(class_id, append_stopped, 0, nullptr, interface_id, E_ABORT);
     }
   });
 }

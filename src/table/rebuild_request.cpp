@@ -15,7 +15,7 @@ constexpr wide_view bad_column = OLESTR("Rebuild failed, column %d of the new ta
 constexpr wide_view bad_count = OLESTR("Rebuild failed, %d is no number of rows");
 constexpr wide_view bad_row = OLESTR("Rebuild failed, row %d does not exist");
 constexpr wide_view row_twice = OLESTR("Rebuild failed, row %d is named twice");
-constexpr wide_view bad_value = OLESTR("Rebuild failed, row %d, column %d: %s");
+constexpr wide_view bad_rebuilt_value = OLESTR("Rebuild failed, row %d, column %d: %s");
 
 template <class... Values>
 [[noreturn]] void fail(wide_view pattern, const Values&... values) {
@@ -97,7 +97,7 @@ void rebuild(table_core& core, const rebuild_request& request) {
   try {
     run(core, request);
   } catch (const cell_error& error) {
-    fail(bad_value, static_cast<long long>(error.row()), static_cast<long long>(error.column()),
+    fail(bad_rebuilt_value, static_cast<long long>(error.row()), static_cast<long long>(error.column()),
          wide_view(error.message()));
   }
 }

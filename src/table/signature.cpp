@@ -57,7 +57,7 @@ struct signed_field {
   variant default_value;
 };
 
-signed_field field_of(IOvSchema& schema, LONG column) {
+signed_field signed_field_of(IOvSchema& schema, LONG column) {
   ovfile::text name;
   signed_field field{column, {}, {}, 0, {}};
   throw_on_failure(schema.GetFieldName(column, name.out()));
@@ -72,7 +72,7 @@ std::vector<signed_field> fields_of(IOvSchema& schema, bool sorted) {
   LONG count = 0;
   throw_on_failure(schema.get_FieldCount(&count));
   std::vector<signed_field> fields;
-  for (LONG column = 1; column <= count; ++column) fields.push_back(field_of(schema, column));
+  for (LONG column = 1; column <= count; ++column) fields.push_back(signed_field_of(schema, column));
   if (sorted) std::ranges::stable_sort(fields, {}, &signed_field::name);
   return fields;
 }

@@ -221,20 +221,20 @@ std::vector<std::string> written_words(int width, const ovf::wide& text, ovtest:
   return words;
 }
 
-using words = std::vector<std::string>;
+using raw_words = std::vector<std::string>;
 
 TEST(TextWords, SinglePrecisionCutsAndPads) {
-  EXPECT_EQ(written_words(2, OLESTR("ABCDEFGHIJ"), single_words), (words{"ABCD", "EFGH"}));
-  EXPECT_EQ(written_words(2, OLESTR("AB"), single_words), (words{"AB  ", "    "}));
-  EXPECT_EQ(written_words(2, OLESTR(""), single_words), (words{"    ", "    "}));
+  EXPECT_EQ(written_words(2, OLESTR("ABCDEFGHIJ"), single_words), (raw_words{"ABCD", "EFGH"}));
+  EXPECT_EQ(written_words(2, OLESTR("AB"), single_words), (raw_words{"AB  ", "    "}));
+  EXPECT_EQ(written_words(2, OLESTR(""), single_words), (raw_words{"    ", "    "}));
 }
 
 TEST(TextWords, DoublePrecisionShowsWhatFollowsBehindANul) {
   EXPECT_EQ(written_words(3, OLESTR("ABCDEFGHIJ"), double_words),
-            (words{"ABCD\0FGH"s, "EFGH\0J  "s, "IJ  \0   "s}));
-  EXPECT_EQ(written_words(2, OLESTR("AB"), double_words), (words{"AB  \0   "s, "    \0   "s}));
-  EXPECT_EQ(written_words(2, OLESTR(""), double_words), (words{"        ", "        "}));
-  EXPECT_EQ(written_words(1, OLESTR("ABCDEFGH"), double_words), (words{"ABCD\0FGH"s}));
+            (raw_words{"ABCD\0FGH"s, "EFGH\0J  "s, "IJ  \0   "s}));
+  EXPECT_EQ(written_words(2, OLESTR("AB"), double_words), (raw_words{"AB  \0   "s, "    \0   "s}));
+  EXPECT_EQ(written_words(2, OLESTR(""), double_words), (raw_words{"        ", "        "}));
+  EXPECT_EQ(written_words(1, OLESTR("ABCDEFGH"), double_words), (raw_words{"ABCD\0FGH"s}));
 }
 
 TEST(TextWords, ReadBackWithTheirTrailingBlanks) {

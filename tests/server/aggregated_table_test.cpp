@@ -10,10 +10,10 @@ namespace ovtest {
 namespace {
 
 /// Destroyed by its last release, with the inner object.
-class outer_object final : public IUnknown {
+class choosy_outer_object final : public IUnknown {
  public:
   /// `only` is the one interface that is handed on; IID_NULL: all of them are, unseen.
-  outer_object(REFCLSID class_id, REFIID only) : only_(only) {
+  choosy_outer_object(REFCLSID class_id, REFIID only) : only_(only) {
     void* found = nullptr;
     EXPECT_EQ(S_OK, DllGetClassObject(class_id, IID_IClassFactory, &found));
     auto* factory = static_cast<IClassFactory*>(found);
@@ -21,7 +21,7 @@ class outer_object final : public IUnknown {
     factory->Release();
     inner_ = static_cast<IUnknown*>(found);
   }
-  virtual ~outer_object() = default;
+  virtual ~choosy_outer_object() = default;
 
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
     *out = nullptr;
@@ -51,7 +51,7 @@ class outer_object final : public IUnknown {
 
 template <class Interface>
 owned<Interface> make_inside(REFCLSID class_id, REFIID iid, bool hands_on_everything) {
-  auto* outer = new outer_object(class_id, hands_on_everything ? IID_NULL : iid);
+  auto* outer = new choosy_outer_object(class_id, hands_on_everything ? IID_NULL : iid);
   void* found = nullptr;
   EXPECT_EQ(S_OK, outer->QueryInterface(iid, &found));
   outer->Release();

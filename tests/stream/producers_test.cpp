@@ -5,7 +5,7 @@
 namespace ovtest {
 namespace {
 
-constexpr const char* changed =
+constexpr const char* changed_meanwhile =
     "Append failed, the table was closed or changed while rows were appended to it";
 
 /// A call into the table at hand, and what it leaves in a table of 200 holes.
@@ -80,7 +80,7 @@ class StreamProducers : public StreamHost, public testing::WithParamInterface<st
   }
   void expect_changed_since(made_stream& from) {
     EXPECT_EQ(append(from), E_FAIL);
-    EXPECT_EQ(take_error_text(), changed);
+    EXPECT_EQ(take_error_text(), changed_meanwhile);
     expect_the_call_alone();
   }
 

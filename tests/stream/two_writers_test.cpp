@@ -135,14 +135,14 @@ TEST_P(StreamTwoWriters, RowsThatAreAddedOneByOne) {
   expect_rows(12, 8);
 }
 
-const std::string changed = " failed, another program has changed the table's file meanwhile";
+const std::string changed_by_another = " failed, another program has changed the table's file meanwhile";
 
 TEST_P(StreamTwoWriters, RowsOutliveChangesOfTheHeader) {
   other_appends_and_closes(300);
   EXPECT_EQ(table_->SetColumnDefaultDouble(2, 4), E_FAIL);
-  EXPECT_EQ(take_error_text(), "Changing the defaults" + changed);
+  EXPECT_EQ(take_error_text(), "Changing the defaults" + changed_by_another);
   EXPECT_EQ(table_->SetColumnName(2, ovfile::text("LENGTH").get()), E_FAIL);
-  EXPECT_EQ(take_error_text(), "Changing the fields" + changed);
+  EXPECT_EQ(take_error_text(), "Changing the fields" + changed_by_another);
   expect_rows(310, 5);
 }
 
@@ -150,7 +150,7 @@ TEST_P(StreamTwoWriters, AChangeOfTheHeaderOutlivesRows) {
   ASSERT_EQ(other_->SetColumnName(2, ovfile::text("LENGTH").get()), S_OK) << take_error_text();
   ASSERT_EQ(other_->Close(), S_OK);
   EXPECT_EQ(table_->AddRow(), E_FAIL);
-  EXPECT_EQ(take_error_text(), "AddRow" + changed);
+  EXPECT_EQ(take_error_text(), "AddRow" + changed_by_another);
   ASSERT_EQ(table_->Close(), S_OK);
   open();
   EXPECT_EQ(rows(), 10);
@@ -175,7 +175,7 @@ TEST_P(StreamTwoWriters, ADefaultThatIsNotInTheFileYetKeepsOthersFromAddingRows)
 TEST_P(StreamTwoWriters, RowsAreNotCutBySomebodyWhoDoesNotKnowThem) {
   other_appends_and_closes(300);
   EXPECT_EQ(table_->ReduceRowCountTo(9), E_FAIL);
-  EXPECT_EQ(take_error_text(), "ReduceRowCountTo" + changed);
+  EXPECT_EQ(take_error_text(), "ReduceRowCountTo" + changed_by_another);
   expect_rows(310, 5);
 }
 

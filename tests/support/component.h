@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "ovfile/smart.h"
+#include "support/wide_path.h"
 
 namespace ovtest {
 
@@ -15,11 +16,6 @@ using wide = ovfile::wide_string;
 using bstr = ovfile::text;
 using variant = ovfile::variant;
 using ovfile::to_utf8;
-
-inline wide wide_path(const std::filesystem::path& path) {
-  const std::u16string units = path.u16string();
-  return wide(units.begin(), units.end());
-}
 
 /// A path as a text for `Open` and `Create`.
 inline bstr path_text(const std::filesystem::path& path) { return bstr(ovfile::wide_view(wide_path(path))); }

@@ -15,6 +15,7 @@
 #include "platform/debug_channel.h"
 #include "platform/file.h"
 #include "platform/system_error.h"
+#include "support/wide_path.h"
 
 namespace ovtest {
 
@@ -197,12 +198,6 @@ std::string message_of(Body body) {
   } catch (const std::exception& error) {
     return error.what();
   }
-}
-
-/// A path as the library takes it.
-inline ovf::wide wide_path(const std::filesystem::path& path) {
-  const auto text = path.u16string();
-  return ovf::wide(text.begin(), text.end());
 }
 
 }  // namespace ovtest

@@ -5,7 +5,7 @@ namespace {
 using ovtest::TableHost;
 using ovtest::text_of;
 
-constexpr const char* missing = "File does not exist";
+constexpr const char* missing_target = "File does not exist";
 
 class Links : public TableHost {
  protected:
@@ -64,7 +64,7 @@ TEST_F(Links, TheCaseOfTheMarkMatters) {
 
 TEST_F(Links, AMissingTargetIsReported) {
   make_link("LINKnot there.ovt .");
-  EXPECT_REPORT(open(0, "link.ovt"), missing);
+  EXPECT_REPORT(open(0, "link.ovt"), missing_target);
 }
 
 TEST_F(Links, ATargetMayStandInAFolderBesideTheLink) {
@@ -79,7 +79,7 @@ TEST_F(Links, AMissingTargetKeepsTheTableThatWasOpen) {
   make_rows(2);
   make_link("LINKnot there.ovt .");
   ASSERT_EQ(open(), S_OK);
-  EXPECT_REPORT(open(0, "link.ovt"), missing);
+  EXPECT_REPORT(open(0, "link.ovt"), missing_target);
   EXPECT_EQ(depth(), 1);
 }
 
