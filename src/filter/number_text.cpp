@@ -81,8 +81,8 @@ number_text write_number(double number) noexcept {
   std::array<char, 32> room;
   char* end = room.data();
   if (std::isinf(number)) {
-    constexpr std::string_view words = "-INF";
-    end = std::copy(words.begin() + (number < 0 ? 0 : 1), words.end(), end);
+    constexpr std::string_view infinity = "-INF";
+    end = std::copy(infinity.begin() + (number < 0 ? 0 : 1), infinity.end(), end);
   } else {
     // Adding 0 takes the sign off -0.
     end = std::to_chars(end, end + room.size(), number + 0.0, std::chars_format::general, 15).ptr;

@@ -7,10 +7,10 @@ constexpr wide_view impossible_length = OLESTR("its length or offset cannot be")
 constexpr wide_view impossible_batch = OLESTR("a batch has a length or offset that cannot be");
 constexpr wide_view outside = OLESTR("the index lies outside its dictionary");
 
-constexpr std::int64_t most = std::numeric_limits<std::int64_t>::max();
+constexpr std::int64_t most_elements = std::numeric_limits<std::int64_t>::max();
 
 bool is_countable(const ArrowArray& array) noexcept {
-  return array.length >= 0 && array.offset >= 0 && array.length <= most - array.offset - 1;
+  return array.length >= 0 && array.offset >= 0 && array.length <= most_elements - array.offset - 1;
 }
 
 constexpr std::int64_t bits_of(value_kind kind) noexcept {
