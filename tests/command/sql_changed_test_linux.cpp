@@ -20,7 +20,7 @@ struct change {
   std::function<void(const fs::path& table)> make;
 };
 
-const std::vector<change> changes = {
+const std::vector<change> table_changes = {
     {"another table of the same columns and more rows has its name",
      [](const fs::path& table) { fs::rename(fs::path(table).replace_filename("more.ovt"), table); }},
     {"it ends in its middle",
@@ -75,7 +75,7 @@ class sql_changed_test : public ovtest::sql_test {
     make("kept.ovt", rows + 1);
     fs::copy_file(folder() / "t.ovt", aside_ / "t.ovt");
     const std::uintmax_t whole = size_of_what_comes(arguments, target);
-    for (const change& made : changes) {
+    for (const change& made : table_changes) {
       SCOPED_TRACE(made.what);
       int status = -1;
       for (int attempt = 0; attempt < 20 && status == -1; ++attempt) {
@@ -151,7 +151,7 @@ TEST_F(sql_changed_test, between_the_look_at_a_statement_and_its_work) {
       "select I from read_csv('pipe', columns = {'I': 'double'}, auto_detect = false, header = false) union "
       "all "
       "from 't.ovt'";
-  for (const change& made : changes) {
+  for (const change& made : table_changes) {
     SCOPED_TRACE(made.what);
     restore("t.ovt", aside("t.ovt"));
     restore("more.ovt", folder() / "kept.ovt");

@@ -41,7 +41,7 @@ class sql_golden_test : public ovtest::sql_test {
   static std::string quoted(const fs::path& table) { return "'" + table.generic_string() + "'"; }
 };
 
-constexpr double absent = -1e30;
+constexpr double absent_number = -1e30;
 
 /// The number that a double-precision table has, or that the shortest digits of a float say; nothing where
 /// nothing is expected.
@@ -61,7 +61,8 @@ std::optional<double> number_of(const json& cell, bool is_float) {
 }
 
 void expect_number(const json& found, double expected, const std::string& where) {
-  const bool is_absent = expected == absent || expected == static_cast<double>(static_cast<float>(absent));
+  const bool is_absent =
+      expected == absent_number || expected == static_cast<double>(static_cast<float>(absent_number));
   if (is_absent) {
     EXPECT_TRUE(found.is_null()) << where << found;
   } else if (std::isnan(expected) || std::isinf(expected)) {

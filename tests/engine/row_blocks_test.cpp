@@ -14,12 +14,14 @@ using ovtest::numbers_table;
 using ovtest::stored_numbers;
 using ovtest::word_format;
 
-/// Numbers of a record; rows of 3 words stand 169 to a page.
-constexpr int words = 3;
+/// Words of a record: rows of 3 numbers stand 169 to a page.
+constexpr int record_words = 3;
 
 class RowBlocks : public ::testing::TestWithParam<word_format> {
  protected:
-  static bytes made(int rows) { return numbers_table(stored_numbers(words), words, rows, 1, GetParam()); }
+  static bytes made(int rows) {
+    return numbers_table(stored_numbers(record_words), record_words, rows, 1, GetParam());
+  }
   void open(int rows) { table_ = files_.open(made(rows)); }
   void close() { table_.reset(); }
 
@@ -27,10 +29,10 @@ class RowBlocks : public ::testing::TestWithParam<word_format> {
   void put(int first, int rows) {
     int row = first;
     table_->putRows(static_cast<std::uint64_t>(rows), [&row](std::byte* records, std::size_t here) {
-      bytes values(here * words * GetParam().size);
+      bytes values(here * record_words * GetParam().size);
       for (std::size_t i = 0; i < here; ++i, ++row) {
-        for (std::size_t k = 0; k < words; ++k) {
-          put_number(values, i * words + k, 1000.0 * row + static_cast<double>(k + 1), GetParam());
+        for (std::size_t k = 0; k < record_words; ++k) {
+          put_number(values, i * record_words + k, 1000.0 * row + static_cast<double>(k + 1), GetParam());
         }
       }
       std::memcpy(records, values.data(), values.size());
@@ -40,7 +42,8 @@ class RowBlocks : public ::testing::TestWithParam<word_format> {
     std::vector<double> found;
     ovf::block_buffer buffer;
     table_->readRows(first, rows, buffer, [&](const std::byte* records, std::size_t here) {
-      for (std::size_t i = 0; i < here; ++i) found.push_back(number(records + i * words * GetParam().size));
+      for (std::size_t i = 0; i < here; ++i)
+        found.push_back(number(records + i * record_words * GetParam().size));
     });
     return found;
   }
@@ -113,8 +116,9 @@ TEST_P(RowBlocks, HaveTheDefaultsWhereNothingIsPut) {
   table_->commitRows();
   close();
   bytes expected = made(2);
-  for (std::size_t k = 1; k <= words; ++k) {
-    put_number(expected, ovtest::record_word(1, 1, words, k), static_cast<double>(k) + 0.5, GetParam());
+  for (std::size_t k = 1; k <= record_words; ++k) {
+    put_number(expected, ovtest::record_word(1, 1, record_words, k), static_cast<double>(k) + 0.5,
+               GetParam());
   }
   EXPECT_TRUE(files_.content() == expected);
 }
@@ -169,7 +173,7 @@ TEST_P(RowBlocks, AreGivenUpByEveryChange) {
   using change = std::function<void(ovf::table&)>;
   const std::vector<std::pair<const char*, change>> changes = {
       {"value", [](ovf::table& table) { table.setValue(1, ovf::variant(5.0)); }},
-      {"record", [](ovf::table& table) { table.writeRecord(9, bytes(words * 8).data()); }},
+      {"record", [](ovf::table& table) { table.writeRecord(9, bytes(record_words * 8).data()); }},
       {"row", [](ovf::table& table) { table.addRow(); }},
       {"cut", [](ovf::table& table) { table.onSetRowCount(19); }},
       {"default", [](ovf::table& table) { table.setDefaultDouble(0, 3); }},
@@ -214,7 +218,7 @@ TEST_P(RowBlocks, LeaveTheCursorWhereItIs) {
   EXPECT_EQ(here(), 392'001);
   close();
   bytes expected = made(30'400);
-  put_number(expected, ovtest::record_word(3, 391 - 2 * 169 - 1, words, 1), 5, GetParam());
+  put_number(expected, ovtest::record_word(3, 391 - 2 * 169 - 1, record_words, 1), 5, GetParam());
   EXPECT_TRUE(files_.content() == expected);
 }
 
@@ -227,7 +231,7 @@ TEST_P(RowBlocks, AfterRowsThatWereGivenUpTheTableGoesOn) {
   table_->giveUpRows();
   for (int row = 21; row <= 400; ++row) {
     table_->addRow();
-    for (int k = 0; k < words; ++k) {
+    for (int k = 0; k < record_words; ++k) {
       table_->setValue(static_cast<std::uint64_t>(k), ovf::variant(1000.0 * row + k + 1));
     }
   }

@@ -5,7 +5,7 @@ namespace {
 using ovtest::TableHost;
 using ovtest::text_of;
 
-constexpr const char* read_only = "SetColumn failed, file is open in read-only mode";
+constexpr const char* set_read_only = "SetColumn failed, file is open in read-only mode";
 
 class Fields : public TableHost {
  protected:
@@ -92,20 +92,20 @@ TEST_F(Fields, AColumnThatIsNotThereCannotBeRenamed) {
 
 TEST_F(Fields, AReadOnlyTableAndAColumnBelowOneHaveTheSameWords) {
   open_one();
-  EXPECT_REPORT(table_->SetColumnName(0, name("X").get()), read_only);
-  EXPECT_REPORT(table_->SetColumnDefaultString(0, name("X").get()), read_only);
-  EXPECT_REPORT(table_->SetColumnDefaultFloat(-1, 1), read_only);
-  EXPECT_REPORT(table_->SetColumnDefaultDouble(0, 1), read_only);
+  EXPECT_REPORT(table_->SetColumnName(0, name("X").get()), set_read_only);
+  EXPECT_REPORT(table_->SetColumnDefaultString(0, name("X").get()), set_read_only);
+  EXPECT_REPORT(table_->SetColumnDefaultFloat(-1, 1), set_read_only);
+  EXPECT_REPORT(table_->SetColumnDefaultDouble(0, 1), set_read_only);
   ASSERT_EQ(table_->Close(), S_OK);
   const ovtest::bytes before = content();
   ASSERT_EQ(open(1), S_OK);
-  EXPECT_REPORT(table_->SetColumnName(2, name("X").get()), read_only);
-  EXPECT_REPORT(table_->SetColumnDefaultString(1, name("X").get()), read_only);
-  EXPECT_REPORT(table_->SetColumnDefaultFloat(2, 1), read_only);
-  EXPECT_REPORT(table_->SetColumnDefaultDouble(2, 1), read_only);
-  EXPECT_REPORT(table_->AddImplicitNumericColumnFloat(name("X").get(), 1), read_only);
-  EXPECT_REPORT(table_->AddImplicitNumericColumnDouble(name("X").get(), 1), read_only);
-  EXPECT_REPORT(table_->AddImplicitStringColumn(name("X").get(), 4, name("Y").get()), read_only);
+  EXPECT_REPORT(table_->SetColumnName(2, name("X").get()), set_read_only);
+  EXPECT_REPORT(table_->SetColumnDefaultString(1, name("X").get()), set_read_only);
+  EXPECT_REPORT(table_->SetColumnDefaultFloat(2, 1), set_read_only);
+  EXPECT_REPORT(table_->SetColumnDefaultDouble(2, 1), set_read_only);
+  EXPECT_REPORT(table_->AddImplicitNumericColumnFloat(name("X").get(), 1), set_read_only);
+  EXPECT_REPORT(table_->AddImplicitNumericColumnDouble(name("X").get(), 1), set_read_only);
+  EXPECT_REPORT(table_->AddImplicitStringColumn(name("X").get(), 4, name("Y").get()), set_read_only);
   ASSERT_EQ(table_->Close(), S_OK);
   EXPECT_EQ(content(), before);
 }

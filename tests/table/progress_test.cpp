@@ -11,9 +11,9 @@ using ovtest::progress_sink;
 using ovtest::words;
 
 /// More than a table can be walked through without a word.
-constexpr LONG many = 40000;
+constexpr LONG many_rows = 40000;
 
-/// A call on a table of `many` rows of the holes schema (table_host.h).
+/// A call on a table of `many_rows` rows of the holes schema (table_host.h).
 struct long_call {
   std::string name;
   bool by_record_set;
@@ -34,13 +34,13 @@ ovfile::pointer<IOvSchema> other_columns() {
 
 std::vector<LONG> backwards() {
   std::vector<LONG> rows;
-  for (LONG row = many; row > 0; --row) rows.push_back(row);
+  for (LONG row = many_rows; row > 0; --row) rows.push_back(row);
   return rows;
 }
 
 HRESULT rebuild(const ovfile::pointer<IOvTable>& table, IOvSchema* schema) {
   const std::vector<LONG> rows = backwards();
-  return table.query<IOvTableMaintenance>()->Rebuild(schema, 0, nullptr, many, rows.data());
+  return table.query<IOvTableMaintenance>()->Rebuild(schema, 0, nullptr, many_rows, rows.data());
 }
 
 HRESULT sign(const ovfile::pointer<IOvTable>& table) {
@@ -53,21 +53,21 @@ std::vector<long_call> long_calls() {
   using set = const ovfile::pointer<IOvTableADO>&;
   const std::string sort_stopped = "Sort failed, it was stopped";
   return {
-      {"SortByNumber", false, [](table one, set) { return one->Sort(2, VARIANT_FALSE); }, 3 * many,
+      {"SortByNumber", false, [](table one, set) { return one->Sort(2, VARIANT_FALSE); }, 3 * many_rows,
        sort_stopped},
-      {"SortByText", false, [](table one, set) { return one->Sort(1, VARIANT_TRUE); }, 3 * many,
+      {"SortByText", false, [](table one, set) { return one->Sort(1, VARIANT_TRUE); }, 3 * many_rows,
        sort_stopped},
-      {"SortWhatIsSorted", false, [](table one, set) { return one->Sort(2, VARIANT_TRUE); }, 3 * many,
+      {"SortWhatIsSorted", false, [](table one, set) { return one->Sort(2, VARIANT_TRUE); }, 3 * many_rows,
        sort_stopped},
-      {"Repair", false, [](table one, set) { return one->Repair(other_columns().get()); }, 2 * (many - 1),
-       "Repair failed, it was stopped"},
-      {"DeleteRow", true, [](table, set one) { return one->DeleteRow(3); }, 2 * (many - 1),
+      {"Repair", false, [](table one, set) { return one->Repair(other_columns().get()); },
+       2 * (many_rows - 1), "Repair failed, it was stopped"},
+      {"DeleteRow", true, [](table, set one) { return one->DeleteRow(3); }, 2 * (many_rows - 1),
        "Error: DeleteRow failed, it was stopped."},
-      {"RebuildRows", false, [](table one, set) { return rebuild(one, nullptr); }, 2 * many,
+      {"RebuildRows", false, [](table one, set) { return rebuild(one, nullptr); }, 2 * many_rows,
        "Rebuild failed, it was stopped"},
-      {"RebuildColumns", false, [](table one, set) { return rebuild(one, other_columns().get()); }, 2 * many,
-       "Rebuild failed, it was stopped"},
-      {"GetSignature", false, [](table one, set) { return sign(one); }, many,
+      {"RebuildColumns", false, [](table one, set) { return rebuild(one, other_columns().get()); },
+       2 * many_rows, "Rebuild failed, it was stopped"},
+      {"GetSignature", false, [](table one, set) { return sign(one); }, many_rows,
        "GetSignature failed, it was stopped"},
   };
 }
@@ -80,10 +80,10 @@ class LongCalls : public EditsHost, public ::testing::WithParamInterface<long_ca
     old_ = made;
   }
   bytes make_many() {
-    make_rows(many);
+    make_rows(many_rows);
     // The texts differ, and not in the order of the rows.
     EXPECT_EQ(open(), S_OK);
-    for (LONG row = 1; row <= many; row += 7) {
+    for (LONG row = 1; row <= many_rows; row += 7) {
       EXPECT_EQ(table_->GetRowAt(row), S_OK);
       EXPECT_EQ(table_->SetColumnString(1, words("H" + std::to_string(row % 1000)).get()), S_OK);
     }
