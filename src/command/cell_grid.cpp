@@ -60,9 +60,9 @@ void check_single_count(const std::string& flag, LONG count) {
 
 }  // namespace
 
-void cell_grid_options::add_to(CLI::App& app) {
+void cell_grid_options::add_to(const verb& owner) {
   const auto add = [&](const std::string& flag, std::string& words, const std::string& what) {
-    app.add_option(flag, words, what)->type_name("NUMBER");
+    owner.add_option(flag, words, what).type_name("NUMBER");
   };
   for (std::size_t i = 0; i < axes_.size(); ++i) {
     const char letter = static_cast<char>(letters[i] - 'a' + 'A');

@@ -42,19 +42,19 @@ void run_default(const default_request& request) {
 
 }  // namespace
 
-void define_set_default(CLI::App& program) {
+void define_set_default(const verb& program) {
   struct arguments {
     default_request request;
     std::string column;
   };
   auto given = std::make_shared<arguments>();
-  CLI::App* const app = program.add_subcommand("default", "Set the default of a column");
-  app->footer(help);
-  add_table_argument(*app, given->request.table);
-  app->add_option("column", given->column, "the column and its default")
-      ->type_name("COLUMN=VALUE")
-      ->required();
-  app->callback([given] {
+  const verb this_verb = program.add_verb("default", "Set the default of a column");
+  this_verb.footer(help);
+  add_table_argument(this_verb, given->request.table);
+  this_verb.add_argument("column", given->column, "the column and its default")
+      .type_name("COLUMN=VALUE")
+      .required();
+  this_verb.callback([given] {
     given->request.column = parse_implicit("", given->column, "COLUMN=VALUE");
     run_default(given->request);
   });

@@ -71,12 +71,12 @@ void run_kinds(bool json) {
 
 }  // namespace
 
-void define_kinds(CLI::App& program) {
+void define_kinds(const verb& program) {
   auto json = std::make_shared<bool>(false);
-  CLI::App* const app = program.add_subcommand("kinds", "List the kinds of table that are recognised");
-  app->footer(help);
-  app->add_flag("--json", *json, "as JSON");
-  app->callback([json] { run_kinds(*json); });
+  const verb this_verb = program.add_verb("kinds", "List the kinds of table that are recognised");
+  this_verb.footer(help);
+  this_verb.add_flag("--json", *json, "as JSON");
+  this_verb.callback([json] { run_kinds(*json); });
 }
 
 }  // namespace command

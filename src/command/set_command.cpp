@@ -92,17 +92,17 @@ void run_set(const set_request& request) {
 
 }  // namespace
 
-void define_set(CLI::App& program) {
+void define_set(const verb& program) {
   auto request = std::make_shared<set_request>();
-  CLI::App* const app = program.add_subcommand("set", "Set columns of chosen rows to a value");
-  app->footer(help);
-  add_table_argument(*app, request->table);
-  app->add_option("assignments", request->assignments, "columns and what they shall hold")
-      ->type_name("COLUMN=VALUE")
-      ->required();
-  CLI::Option* const where = add_where_option(*app, request->where);
-  app->add_flag("--all", request->all, "all rows")->excludes(where);
-  app->callback([request] { run_set(*request); });
+  const verb this_verb = program.add_verb("set", "Set columns of chosen rows to a value");
+  this_verb.footer(help);
+  add_table_argument(this_verb, request->table);
+  this_verb.add_arguments("assignments", request->assignments, "columns and what they shall hold")
+      .type_name("COLUMN=VALUE")
+      .required();
+  const option where = add_where_option(this_verb, request->where);
+  this_verb.add_flag("--all", request->all, "all rows").excludes(where);
+  this_verb.callback([request] { run_set(*request); });
 }
 
 }  // namespace command

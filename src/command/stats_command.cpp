@@ -69,15 +69,15 @@ void run_stats(const stats_request& request) {
 
 }  // namespace
 
-void define_stats(CLI::App& program) {
+void define_stats(const verb& program) {
   auto request = std::make_shared<stats_request>();
-  CLI::App* const app = program.add_subcommand("stats", "Tell what the columns of a table hold");
-  app->footer(help);
-  add_table_argument(*app, request->options.table);
-  add_names_option(*app, "--columns", request->options.columns, "these columns alone, in this order");
-  add_where_option(*app, request->options.where);
-  app->add_flag("--json", request->json, "as JSON");
-  app->callback([request] { run_stats(*request); });
+  const verb this_verb = program.add_verb("stats", "Tell what the columns of a table hold");
+  this_verb.footer(help);
+  add_table_argument(this_verb, request->options.table);
+  add_names_option(this_verb, "--columns", request->options.columns, "these columns alone, in this order");
+  add_where_option(this_verb, request->options.where);
+  this_verb.add_flag("--json", request->json, "as JSON");
+  this_verb.callback([request] { run_stats(*request); });
 }
 
 }  // namespace command
