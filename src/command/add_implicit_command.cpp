@@ -15,7 +15,7 @@
 namespace command {
 namespace {
 
-constexpr const char* help =
+constexpr const char* add_implicit_help =
     "Adds a column with one value for all rows, which the table keeps in its header alone. It is a number\n"
     "where VALUE is one; - and absent are the absent number. Any other VALUE makes it text.";
 
@@ -79,7 +79,7 @@ void define_add_implicit(const verb& program) {
   auto given = std::make_shared<arguments>();
   const verb this_verb =
       program.add_verb("add-implicit", "Add a column with one value for all rows to a table");
-  this_verb.footer(help);
+  this_verb.footer(add_implicit_help);
   add_table_argument(this_verb, given->request.table);
   this_verb.add_argument("field", given->field, "the column and its value")
       .type_name("NAME=VALUE")

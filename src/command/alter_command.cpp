@@ -10,7 +10,7 @@
 namespace command {
 namespace {
 
-constexpr const char* help =
+constexpr const char* alter_help =
     "Drops, adds and orders columns of a table; all its rows stay. NAME is a new column of numbers,\n"
     "NAME:WIDTH one of texts; all rows have its DEFAULT, absent or blank where none is given. Columns that\n"
     "--order leaves out follow in the order that they have. The table is written anew and takes the old\n"
@@ -52,7 +52,7 @@ void define_alter(const verb& program) {
   };
   auto given = std::make_shared<arguments>();
   const verb this_verb = program.add_verb("alter", "Drop, add and order columns of a table");
-  this_verb.footer(help);
+  this_verb.footer(alter_help);
   add_table_argument(this_verb, given->request.table);
   add_names_option(this_verb, "--drop", given->request.columns.drop, "these columns go");
   this_verb.add_repeated("--add", given->added, "a new column; may be repeated")

@@ -11,7 +11,7 @@
 namespace command {
 namespace {
 
-constexpr const char* help =
+constexpr const char* delete_rows_help =
     "Deletes the rows that meet a CONDITION like \"AU IS ABSENT\", or those of a list like 3,10-20. The\n"
     "table is written anew and takes the old one's place in one step.";
 
@@ -43,7 +43,7 @@ void run_delete_rows(const deletion_request& request) {
 void define_delete_rows(const verb& program) {
   auto request = std::make_shared<deletion_request>();
   const verb this_verb = program.add_verb("delete-rows", "Delete chosen rows of a table");
-  this_verb.footer(help);
+  this_verb.footer(delete_rows_help);
   add_table_argument(this_verb, request->table);
   const option where = add_where_option(this_verb, request->where);
   this_verb.add_option("--rows", request->rows, "these rows").type_name("3,10-20,...").excludes(where);

@@ -18,7 +18,7 @@
 namespace command {
 namespace {
 
-constexpr const char* help =
+constexpr const char* export_help =
     "Writes a table as a CSV: UTF-8, lines that end with LF, column names first. Numbers have the shortest\n"
     "form that reads back to the same value; an absent number is an empty cell. A CONDITION is like\n"
     "\"AU > 1 AND ROCK = 'ORE'\".\n"
@@ -140,7 +140,7 @@ void run_export(const export_request& request) {
 void define_export(const verb& program) {
   auto request = std::make_shared<export_request>();
   const verb this_verb = program.add_verb("export", "Write a table as a CSV or as Parquet");
-  this_verb.footer(help);
+  this_verb.footer(export_help);
   add_table_argument(this_verb, request->options.table);
   this_verb.add_argument("csv", request->csv, "the CSV or Parquet to make; - is standard output")
       .shows_default();

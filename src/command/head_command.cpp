@@ -16,7 +16,7 @@
 namespace command {
 namespace {
 
-constexpr const char* help =
+constexpr const char* head_help =
     "Shows rows of a table in aligned columns: numbers in their shortest form, absent ones empty.\n"
     "With a CONDITION like \"AU > 1 AND ROCK = 'ORE'\" the rows that meet it are counted alone.";
 
@@ -120,7 +120,7 @@ void run_head(const head_request& request) {
 void define_head(const verb& program) {
   auto request = std::make_shared<head_request>();
   const verb this_verb = program.add_verb("head", "Show rows of a table");
-  this_verb.footer(help);
+  this_verb.footer(head_help);
   add_table_argument(this_verb, request->options.table);
   this_verb.add_number("-n,--rows", request->count, {.least = 0}, "how many rows")
       .type_name("N")

@@ -19,7 +19,7 @@
 namespace command {
 namespace {
 
-constexpr const char* help =
+constexpr const char* import_help =
     "Makes a table from a CSV (comma-separated, first line column names, UTF-8 or Windows-1252).\n"
     "A column whose cells are all numbers or empty is one of numbers, an empty cell is absent; every other\n"
     "column is text, as wide as its longest value. Names are changed where a table does not allow them.\n"
@@ -105,7 +105,7 @@ void define_import(const verb& program) {
   };
   auto given = std::make_shared<arguments>();
   const verb this_verb = program.add_verb("import", "Make a table from a CSV or from Parquet");
-  this_verb.footer(help);
+  this_verb.footer(import_help);
   this_verb.add_argument("csv", given->request.csv, "the CSV, Parquet file or folder; - is standard input")
       .required();
   this_verb.add_argument("table", given->request.table, "the table to make; one that is there is replaced")

@@ -18,7 +18,7 @@
 namespace command {
 namespace {
 
-constexpr const char* help =
+constexpr const char* new_help =
     "Makes a table without rows, with the standard columns of a template or those of an XML schema (as\n"
     "`ovfile schema --xml` writes it). The templates model and grid need sizes and numbers of cells.";
 
@@ -167,7 +167,7 @@ void run_new(const new_request& request) {
 void define_new(const verb& program) {
   auto request = std::make_shared<new_request>();
   const verb this_verb = program.add_verb("new", "Make a table without rows");
-  this_verb.footer(help);
+  this_verb.footer(new_help);
   this_verb.add_argument("table", request->table, "the table to make; one that is there is replaced")
       .required();
   this_verb.add_option("--template", request->template_name, "the standard columns of this kind of table")

@@ -12,10 +12,10 @@
 namespace command {
 namespace {
 
-constexpr int failed = 1;
-constexpr int used_wrongly = 2;
-constexpr int differs = 1;
-constexpr int not_compared = 2;
+constexpr int failure_status = 1;
+constexpr int usage_status = 2;
+constexpr int difference_status = 1;
+constexpr int no_comparison_status = 2;
 
 void define_verbs(const verb& program) {
 #define OVFILE_DEFINE(name) define_##name(program);
@@ -43,13 +43,13 @@ int run_program(const std::vector<std::string>& arguments) {
   } catch (const broken_pipe&) {
     return 0;
   } catch (const difference&) {
-    return differs;
+    return difference_status;
   } catch (const no_comparison& error) {
     say(error.what());
-    return not_compared;
+    return no_comparison_status;
   } catch (const wrong_usage& error) {
     say(error.what());
-    return used_wrongly;
+    return usage_status;
   } catch (const marked_failure& error) {
     say(error.what(), error.lines);
   } catch (const std::bad_alloc&) {
@@ -57,7 +57,7 @@ int run_program(const std::vector<std::string>& arguments) {
   } catch (const std::exception& error) {
     say(error.what());
   }
-  return failed;
+  return failure_status;
 }
 
 }  // namespace command

@@ -11,7 +11,7 @@
 namespace command {
 namespace {
 
-std::string sql_help() {
+std::string setup_sql_help() {
   return fmt::format(
       "Downloads the package {} (version {}, {} MB) with the system's curl from npm's registry, or the one "
       "that\nnpm_config_registry names, checks its digest, and puts the library into the user's folder.\n"
@@ -26,7 +26,7 @@ void define_setup_sql(const verb& setup) {
   auto tried = std::make_shared<std::string>();
   auto asked = std::make_shared<bool>(false);
   const verb this_verb = setup.add_verb("sql", "Put DuckDB's library in place, which SQL needs");
-  this_verb.footer(sql_help());
+  this_verb.footer(setup_sql_help());
   this_verb.add_option("--from", request->from, "the package's file, instead of a download")
       .type_name("FILE");
   this_verb.add_option("--registry", request->registry, "where the package comes from").type_name("URL");

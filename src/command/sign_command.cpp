@@ -12,7 +12,7 @@
 namespace command {
 namespace {
 
-constexpr const char* help =
+constexpr const char* sign_help =
     "Prints the signature of a table: 40 hexadecimal digits made of its columns and rows, which are the\n"
     "same for tables that hold the same. A tight one counts the description, the order of the columns and\n"
     "the precision, a loose one none of them.";
@@ -49,7 +49,7 @@ void run_sign(const signature_request& request) {
 void define_sign(const verb& program) {
   auto request = std::make_shared<signature_request>();
   const verb this_verb = program.add_verb("sign", "Print the signature of a table");
-  this_verb.footer(help);
+  this_verb.footer(sign_help);
   add_table_argument(this_verb, request->table);
   const option loose =
       this_verb.add_flag("--loose", request->loose, "whatever description, order of columns and precision");

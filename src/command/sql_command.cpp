@@ -23,7 +23,7 @@
 namespace command {
 namespace {
 
-constexpr const char* help =
+constexpr const char* sql_help =
     "Answers a question in SQL, in which the names of table files stand for tables: select BHID, avg(CU) "
     "from\n"
     "'assays.ovt' join 'collars.ovt' using (BHID) group by BHID. CSV and Parquet files are read likewise.\n"
@@ -137,7 +137,7 @@ void run_sql(const sql_request& request) {
 void define_sql(const verb& program) {
   auto request = std::make_shared<sql_request>();
   const verb this_verb = program.add_verb("sql", "Ask tables a question in SQL");
-  this_verb.footer(help);
+  this_verb.footer(sql_help);
   this_verb.add_argument("statement", request->statements, "the statement").required();
   this_verb
       .add_option("-o,--format", request->form, "table, csv, json or parquet; by the output's name otherwise")

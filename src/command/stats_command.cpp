@@ -11,7 +11,7 @@
 namespace command {
 namespace {
 
-constexpr const char* help =
+constexpr const char* stats_help =
     "Tells of each column of numbers how many there are, the range, the mean, the standard deviation (of a\n"
     "sample) and a histogram from the smallest to the largest; of each column of texts how many different\n"
     "ones there are and the most frequent. Numbers from 1e30 on, up or down, and trace (1e-30) are counted\n"
@@ -72,7 +72,7 @@ void run_stats(const stats_request& request) {
 void define_stats(const verb& program) {
   auto request = std::make_shared<stats_request>();
   const verb this_verb = program.add_verb("stats", "Tell what the columns of a table hold");
-  this_verb.footer(help);
+  this_verb.footer(stats_help);
   add_table_argument(this_verb, request->options.table);
   add_names_option(this_verb, "--columns", request->options.columns, "these columns alone, in this order");
   add_where_option(this_verb, request->options.where);

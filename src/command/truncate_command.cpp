@@ -12,7 +12,7 @@
 namespace command {
 namespace {
 
-constexpr const char* help = "Cuts a table off behind its first N rows, where it stands.";
+constexpr const char* truncate_help = "Cuts a table off behind its first N rows, where it stands.";
 
 struct truncation_request {
   std::string table;
@@ -35,7 +35,7 @@ void run_truncate(const truncation_request& request) {
 void define_truncate(const verb& program) {
   auto request = std::make_shared<truncation_request>();
   const verb this_verb = program.add_verb("truncate", "Cut a table off behind some rows");
-  this_verb.footer(help);
+  this_verb.footer(truncate_help);
   add_table_argument(this_verb, request->table);
   this_verb.add_number("--rows", request->rows, {.least = 0}, "how many rows stay").type_name("N").required();
   this_verb.callback([request] { run_truncate(*request); });
