@@ -15,7 +15,7 @@
 namespace command {
 namespace {
 
-constexpr const char* help =
+constexpr const char* add_implicit_help =
     "Adds a column with one value for all rows, which the table keeps in its header alone. It is a number\n"
     "where VALUE is one; - and absent are the absent number. Any other VALUE makes it text.";
 
@@ -70,23 +70,25 @@ std::size_t parse_width(const std::string& words) {
 
 }  // namespace
 
-void define_add_implicit(CLI::App& program) {
+void define_add_implicit(const verb& program) {
   struct arguments {
     add_implicit_request request;
     std::string field;
     std::string width;
   };
   auto given = std::make_shared<arguments>();
-  CLI::App* const app =
-      program.add_subcommand("add-implicit", "Add a column with one value for all rows to a table");
-  app->footer(help);
-  add_table_argument(*app, given->request.table);
-  app->add_option("field", given->field, "the column and its value")->type_name("NAME=VALUE")->required();
-  CLI::Option* const width =
-      app->add_option("--text", given->width, "it is text of this width")->type_name("WIDTH");
-  app->callback([given, width] {
+  const verb this_verb =
+      program.add_verb("add-implicit", "Add a column with one value for all rows to a table");
+  this_verb.footer(add_implicit_help);
+  add_table_argument(this_verb, given->request.table);
+  this_verb.add_argument("field", given->field, "the column and its value")
+      .type_name("NAME=VALUE")
+      .required();
+  const option width =
+      this_verb.add_option("--text", given->width, "it is text of this width").type_name("WIDTH");
+  this_verb.callback([given, width] {
     given->request.field = parse_implicit("", given->field);
-    if (width->count() > 0) given->request.text_width = parse_width(given->width);
+    if (width.given()) given->request.text_width = parse_width(given->width);
     run_add_implicit(given->request);
   });
 }

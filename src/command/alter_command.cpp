@@ -10,7 +10,7 @@
 namespace command {
 namespace {
 
-constexpr const char* help =
+constexpr const char* alter_help =
     "Drops, adds and orders columns of a table; all its rows stay. NAME is a new column of numbers,\n"
     "NAME:WIDTH one of texts; all rows have its DEFAULT, absent or blank where none is given. Columns that\n"
     "--order leaves out follow in the order that they have. The table is written anew and takes the old\n"
@@ -45,22 +45,21 @@ void run_alter(const alteration_request& request) {
 
 }  // namespace
 
-void define_alter(CLI::App& program) {
+void define_alter(const verb& program) {
   struct arguments {
     alteration_request request;
     std::vector<std::string> added;
   };
   auto given = std::make_shared<arguments>();
-  CLI::App* const app = program.add_subcommand("alter", "Drop, add and order columns of a table");
-  app->footer(help);
-  add_table_argument(*app, given->request.table);
-  add_names_option(*app, "--drop", given->request.columns.drop, "these columns go");
-  app->add_option("--add", given->added, "a new column; may be repeated")
-      ->type_name("NAME[:WIDTH][=DEFAULT]")
-      ->expected(1)
-      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-  add_names_option(*app, "--order", given->request.columns.order, "these columns come first, in this order");
-  app->callback([given] {
+  const verb this_verb = program.add_verb("alter", "Drop, add and order columns of a table");
+  this_verb.footer(alter_help);
+  add_table_argument(this_verb, given->request.table);
+  add_names_option(this_verb, "--drop", given->request.columns.drop, "these columns go");
+  this_verb.add_repeated("--add", given->added, "a new column; may be repeated")
+      .type_name("NAME[:WIDTH][=DEFAULT]");
+  add_names_option(this_verb, "--order", given->request.columns.order,
+                   "these columns come first, in this order");
+  this_verb.callback([given] {
     for (const std::string& added : given->added) {
       given->request.columns.add.push_back(parse_added_column(added));
     }

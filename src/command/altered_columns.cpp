@@ -55,8 +55,8 @@ void add_column(std::vector<altered_column>& columns, const table_view& view, co
   columns.push_back({0, new_field(view, wanted)});
 }
 
-void put_in_order(std::vector<altered_column>& columns, const table_view& view,
-                  const std::vector<std::string>& order) {
+void put_first(std::vector<altered_column>& columns, const table_view& view,
+               const std::vector<std::string>& order) {
   auto place = columns.begin();
   for (const std::string& name : order) {
     if (std::any_of(columns.begin(), place, named(name))) {
@@ -106,7 +106,7 @@ added_column parse_added_column(const std::string& argument) {
 std::vector<altered_column> altered_columns(const table_view& view, const alteration& wanted) {
   std::vector<altered_column> columns = columns_kept(view, wanted.drop);
   for (const added_column& added : wanted.add) add_column(columns, view, added);
-  put_in_order(columns, view, wanted.order);
+  put_first(columns, view, wanted.order);
   check_result(columns, view);
   return columns;
 }

@@ -10,11 +10,11 @@
 namespace command {
 namespace {
 
-constexpr std::array<char, 3> letters = {'x', 'y', 'z'};
+constexpr std::array<char, 3> axis_letters = {'x', 'y', 'z'};
 
-std::string size_flag(std::size_t axis) { return fmt::format("--{}inc", letters[axis]); }
-std::string origin_flag(std::size_t axis) { return fmt::format("--{}orig", letters[axis]); }
-std::string count_flag(std::size_t axis) { return fmt::format("--n{}", letters[axis]); }
+std::string size_flag(std::size_t axis) { return fmt::format("--{}inc", axis_letters[axis]); }
+std::string origin_flag(std::size_t axis) { return fmt::format("--{}orig", axis_letters[axis]); }
+std::string count_flag(std::size_t axis) { return fmt::format("--n{}", axis_letters[axis]); }
 
 double read_value(const std::string& flag, const std::string& words) {
   const number_cell number = read_number(words);
@@ -60,12 +60,12 @@ void check_single_count(const std::string& flag, LONG count) {
 
 }  // namespace
 
-void cell_grid_options::add_to(CLI::App& app) {
+void cell_grid_options::add_to(const verb& owner) {
   const auto add = [&](const std::string& flag, std::string& words, const std::string& what) {
-    app.add_option(flag, words, what)->type_name("NUMBER");
+    owner.add_option(flag, words, what).type_name("NUMBER");
   };
   for (std::size_t i = 0; i < axes_.size(); ++i) {
-    const char letter = static_cast<char>(letters[i] - 'a' + 'A');
+    const char letter = static_cast<char>(axis_letters[i] - 'a' + 'A');
     add(size_flag(i), axes_[i].size, fmt::format("size of a cell along {}", letter));
     add(origin_flag(i), axes_[i].origin,
         fmt::format("where the cells begin along {} (0 by default)", letter));

@@ -4,7 +4,7 @@
 #include <array>
 #include <string>
 
-#include "commands.h"
+#include "arguments.h"
 #include "ovfile/ovfile.h"
 
 namespace command {
@@ -20,7 +20,7 @@ struct cell_grid {
 class cell_grid_options {
  public:
   /// --xinc, --xorig, --nx and so on.
-  void add_to(CLI::App& app);
+  void add_to(const verb& owner);
   /// The first option that was given; empty: none.
   std::string first_given() const;
   /// Throws `wrong_usage` for an option that is missing (`wanted_by` tells whom) or makes no sense, `failure`

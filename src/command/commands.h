@@ -2,7 +2,7 @@
 // OVFILE_COMMANDS.
 #pragma once
 
-#include <CLI/CLI.hpp>
+#include "arguments.h"
 
 #define OVFILE_COMMANDS(one)                                                                               \
   one(import) one(info) one(head) one(export) one(stats) one(diff) one(sign) one(schema) one(new) one(set) \
@@ -11,8 +11,8 @@
 
 namespace command {
 
-/// Each adds its subcommand, whose callback does the work and throws what failure.h lists.
-#define OVFILE_DECLARE(name) void define_##name(CLI::App& program);
+/// Each adds its verb, whose callback does the work and throws what failure.h lists.
+#define OVFILE_DECLARE(name) void define_##name(const verb& program);
 OVFILE_COMMANDS(OVFILE_DECLARE)
 #undef OVFILE_DECLARE
 

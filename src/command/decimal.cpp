@@ -12,8 +12,6 @@ namespace {
 /// A double has no more decimal digits than this.
 constexpr std::size_t most_digits = 767;
 
-constexpr bool is_digit(char c) noexcept { return c >= '0' && c <= '9'; }
-
 /// A number's text taken apart.
 struct decimal {
   bool valid = false;

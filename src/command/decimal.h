@@ -6,6 +6,9 @@
 
 namespace command {
 
+/// Of ASCII's.
+constexpr bool is_digit(char c) noexcept { return c >= '0' && c <= '9'; }
+
 /// Without the blanks and tabs at both ends.
 std::string_view without_blanks(std::string_view text) noexcept;
 

@@ -12,7 +12,7 @@
 namespace command {
 namespace {
 
-constexpr const char* help =
+constexpr const char* default_help =
     "Sets a column's default: the value that all rows of an implicit column have, and that new rows have at\n"
     "first in a stored one, whose other rows stay as they are. In a column of numbers - and absent (or\n"
     "nothing) are the absent number.";
@@ -22,7 +22,7 @@ struct default_request {
   implicit_field column;
 };
 
-HRESULT store(const table_view& view, const cell_value& value) {
+HRESULT store_default(const table_view& view, const cell_value& value) {
   IOvTable& table = view.table();
   const LONG column = value.field->column;
   if (value.field->is_text) return table.SetColumnDefaultString(column, value.text.get());
@@ -35,26 +35,26 @@ void run_default(const default_request& request) {
   const table_view view(request.table, table_access::change);
   const field_view& field = view.field(request.column.name);
   const cell_value value = plan_value(view.file(), field, request.column.value, view.is_single());
-  view.check(store(view, value));
+  view.check(store_default(view, value));
   view.close();
   if (!value.kept) say("warning: single precision loses digits of " + field.name);
 }
 
 }  // namespace
 
-void define_set_default(CLI::App& program) {
+void define_set_default(const verb& program) {
   struct arguments {
     default_request request;
     std::string column;
   };
   auto given = std::make_shared<arguments>();
-  CLI::App* const app = program.add_subcommand("default", "Set the default of a column");
-  app->footer(help);
-  add_table_argument(*app, given->request.table);
-  app->add_option("column", given->column, "the column and its default")
-      ->type_name("COLUMN=VALUE")
-      ->required();
-  app->callback([given] {
+  const verb this_verb = program.add_verb("default", "Set the default of a column");
+  this_verb.footer(default_help);
+  add_table_argument(this_verb, given->request.table);
+  this_verb.add_argument("column", given->column, "the column and its default")
+      .type_name("COLUMN=VALUE")
+      .required();
+  this_verb.callback([given] {
     given->request.column = parse_implicit("", given->column, "COLUMN=VALUE");
     run_default(given->request);
   });

@@ -11,7 +11,7 @@
 namespace command {
 namespace {
 
-constexpr const char* help =
+constexpr const char* delete_rows_help =
     "Deletes the rows that meet a CONDITION like \"AU IS ABSENT\", or those of a list like 3,10-20. The\n"
     "table is written anew and takes the old one's place in one step.";
 
@@ -40,14 +40,14 @@ void run_delete_rows(const deletion_request& request) {
 
 }  // namespace
 
-void define_delete_rows(CLI::App& program) {
+void define_delete_rows(const verb& program) {
   auto request = std::make_shared<deletion_request>();
-  CLI::App* const app = program.add_subcommand("delete-rows", "Delete chosen rows of a table");
-  app->footer(help);
-  add_table_argument(*app, request->table);
-  CLI::Option* const where = add_where_option(*app, request->where);
-  app->add_option("--rows", request->rows, "these rows")->type_name("3,10-20,...")->excludes(where);
-  app->callback([request] { run_delete_rows(*request); });
+  const verb this_verb = program.add_verb("delete-rows", "Delete chosen rows of a table");
+  this_verb.footer(delete_rows_help);
+  add_table_argument(this_verb, request->table);
+  const option where = add_where_option(this_verb, request->where);
+  this_verb.add_option("--rows", request->rows, "these rows").type_name("3,10-20,...").excludes(where);
+  this_verb.callback([request] { run_delete_rows(*request); });
 }
 
 }  // namespace command

@@ -13,7 +13,7 @@
 namespace command {
 namespace {
 
-constexpr const char* help =
+constexpr const char* diff_help =
     "Compares two tables: precision, description and columns, then the rows, in order or by a key whose\n"
     "rows belong together wherever they stand. Lines of the old table begin with -, of the new one with +,\n"
     "and rows with their number. Exit status: 0 equal, 1 different, 2 failed or wrong usage.";
@@ -71,18 +71,18 @@ void run_diff(const diff_request& request) {
 
 }  // namespace
 
-void define_diff(CLI::App& program) {
+void define_diff(const verb& program) {
   auto request = std::make_shared<diff_request>();
-  CLI::App* const app = program.add_subcommand("diff", "Compare two tables");
-  app->footer(help);
-  app->add_option("old", request->old_table, "a table file")->required();
-  app->add_option("new", request->new_table, "another one")->required();
-  add_names_option(*app, "--key", request->key, "rows with the same values here belong together");
-  app->add_option("--tolerance", request->tolerance, "numbers that are this near are equal")
-      ->type_name("X")
-      ->capture_default_str();
-  app->add_flag("--ignore-description", request->ignore_description, "do not compare the descriptions");
-  app->callback([request] { run_diff(*request); });
+  const verb this_verb = program.add_verb("diff", "Compare two tables");
+  this_verb.footer(diff_help);
+  this_verb.add_argument("old", request->old_table, "a table file").required();
+  this_verb.add_argument("new", request->new_table, "another one").required();
+  add_names_option(this_verb, "--key", request->key, "rows with the same values here belong together");
+  this_verb.add_option("--tolerance", request->tolerance, "numbers that are this near are equal")
+      .type_name("X")
+      .shows_default();
+  this_verb.add_flag("--ignore-description", request->ignore_description, "do not compare the descriptions");
+  this_verb.callback([request] { run_diff(*request); });
 }
 
 }  // namespace command

@@ -18,7 +18,7 @@
 namespace command {
 namespace {
 
-constexpr const char* help =
+constexpr const char* export_help =
     "Writes a table as a CSV: UTF-8, lines that end with LF, column names first. Numbers have the shortest\n"
     "form that reads back to the same value; an absent number is an empty cell. A CONDITION is like\n"
     "\"AU > 1 AND ROCK = 'ORE'\".\n"
@@ -137,18 +137,18 @@ void run_export(const export_request& request) {
 
 }  // namespace
 
-void define_export(CLI::App& program) {
+void define_export(const verb& program) {
   auto request = std::make_shared<export_request>();
-  CLI::App* const app = program.add_subcommand("export", "Write a table as a CSV or as Parquet");
-  app->footer(help);
-  add_table_argument(*app, request->options.table);
-  app->add_option("csv", request->csv, "the CSV or Parquet to make; - is standard output")
-      ->capture_default_str();
-  add_row_options(*app, request->options);
-  add_names_option(*app, "--partition-by", request->partition_by,
+  const verb this_verb = program.add_verb("export", "Write a table as a CSV or as Parquet");
+  this_verb.footer(export_help);
+  add_table_argument(this_verb, request->options.table);
+  this_verb.add_argument("csv", request->csv, "the CSV or Parquet to make; - is standard output")
+      .shows_default();
+  add_row_options(this_verb, request->options);
+  add_names_option(this_verb, "--partition-by", request->partition_by,
                    "make a folder of Parquet files, one for each value of these columns");
-  add_sql_options(*app, request->database);
-  app->callback([request] { run_export(*request); });
+  add_sql_options(this_verb, request->database);
+  this_verb.callback([request] { run_export(*request); });
 }
 
 }  // namespace command

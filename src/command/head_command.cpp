@@ -16,7 +16,7 @@
 namespace command {
 namespace {
 
-constexpr const char* help =
+constexpr const char* head_help =
     "Shows rows of a table in aligned columns: numbers in their shortest form, absent ones empty.\n"
     "With a CONDITION like \"AU > 1 AND ROCK = 'ORE'\" the rows that meet it are counted alone.";
 
@@ -117,21 +117,19 @@ void run_head(const head_request& request) {
 
 }  // namespace
 
-void define_head(CLI::App& program) {
+void define_head(const verb& program) {
   auto request = std::make_shared<head_request>();
-  CLI::App* const app = program.add_subcommand("head", "Show rows of a table");
-  app->footer(help);
-  add_table_argument(*app, request->options.table);
-  app->add_option("-n,--rows", request->count, "how many rows")
-      ->type_name("N")
-      ->transform(whole_number(0, std::numeric_limits<LONG>::max()))
-      ->capture_default_str();
-  app->add_option("--from", request->from, "the first row to show")
-      ->type_name("ROW")
-      ->transform(whole_number(1, std::numeric_limits<LONG>::max()))
-      ->capture_default_str();
-  add_row_options(*app, request->options);
-  app->callback([request] { run_head(*request); });
+  const verb this_verb = program.add_verb("head", "Show rows of a table");
+  this_verb.footer(head_help);
+  add_table_argument(this_verb, request->options.table);
+  this_verb.add_number("-n,--rows", request->count, {.least = 0}, "how many rows")
+      .type_name("N")
+      .shows_default();
+  this_verb.add_number("--from", request->from, {.least = 1}, "the first row to show")
+      .type_name("ROW")
+      .shows_default();
+  add_row_options(this_verb, request->options);
+  this_verb.callback([request] { run_head(*request); });
 }
 
 }  // namespace command

@@ -19,7 +19,7 @@
 namespace command {
 namespace {
 
-constexpr const char* help =
+constexpr const char* import_help =
     "Makes a table from a CSV (comma-separated, first line column names, UTF-8 or Windows-1252).\n"
     "A column whose cells are all numbers or empty is one of numbers, an empty cell is absent; every other\n"
     "column is text, as wide as its longest value. Names are changed where a table does not allow them.\n"
@@ -96,7 +96,7 @@ void run_import(const import_request& request, const sql_options& options) {
 
 }  // namespace
 
-void define_import(CLI::App& program) {
+void define_import(const verb& program) {
   struct arguments {
     import_request request;
     std::vector<std::string> texts;
@@ -104,27 +104,25 @@ void define_import(CLI::App& program) {
     sql_options database;
   };
   auto given = std::make_shared<arguments>();
-  CLI::App* const app = program.add_subcommand("import", "Make a table from a CSV or from Parquet");
-  app->footer(help);
-  app->add_option("csv", given->request.csv, "the CSV, Parquet file or folder; - is standard input")
-      ->required();
-  app->add_option("table", given->request.table, "the table to make; one that is there is replaced")
-      ->required();
-  app->add_flag("--single", given->request.single, "numbers of 4 bytes (7 digits) instead of 8");
-  app->add_option("--text", given->texts, "this column is text of this width; may be repeated")
-      ->type_name("NAME:WIDTH")
-      ->expected(1)
-      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-  app->add_option("--implicit", given->implicits, "a column with one value for all rows; may be repeated")
-      ->type_name("NAME=VALUE")
-      ->expected(1)
-      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-  add_description_option(*app, given->request.description);
-  add_sql_options(*app, given->database);
-  app->add_option("--absent", given->database.absent,
+  const verb this_verb = program.add_verb("import", "Make a table from a CSV or from Parquet");
+  this_verb.footer(import_help);
+  this_verb.add_argument("csv", given->request.csv, "the CSV, Parquet file or folder; - is standard input")
+      .required();
+  this_verb.add_argument("table", given->request.table, "the table to make; one that is there is replaced")
+      .required();
+  this_verb.add_flag("--single", given->request.single, "numbers of 4 bytes (7 digits) instead of 8");
+  this_verb.add_repeated("--text", given->texts, "this column is text of this width; may be repeated")
+      .type_name("NAME:WIDTH");
+  this_verb
+      .add_repeated("--implicit", given->implicits, "a column with one value for all rows; may be repeated")
+      .type_name("NAME=VALUE");
+  add_description_option(this_verb, given->request.description);
+  add_sql_options(this_verb, given->database);
+  this_verb
+      .add_option("--absent", given->database.absent,
                   "of Parquet: nan, or how an absent value is written, beside null")
-      ->type_name("WORD");
-  app->callback([given] {
+      .type_name("WORD");
+  this_verb.callback([given] {
     for (const std::string& text : given->texts) given->request.texts.push_back(parse_forced_text(text));
     for (const std::string& text : given->implicits) {
       given->request.implicits.push_back(parse_implicit("--implicit ", text));

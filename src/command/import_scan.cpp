@@ -88,12 +88,14 @@ std::uint64_t scan_rows(csv_reader& reader, csv_input& input, type_finder& types
   return rows;
 }
 
-std::size_t words_of(const planned_field& field) { return field.is_text ? words_of_text(field.width) : 1; }
+std::size_t words_needed(const planned_field& field) {
+  return field.is_text ? words_of_text(field.width) : 1;
+}
 
-std::size_t words_of(const import_plan& plan) {
+std::size_t words_needed(const import_plan& plan) {
   std::size_t words = 0;
-  for (const planned_field& field : plan.stored) words += words_of(field);
-  for (const planned_field& field : plan.implicit) words += words_of(field);
+  for (const planned_field& field : plan.stored) words += words_needed(field);
+  for (const planned_field& field : plan.implicit) words += words_needed(field);
   return words;
 }
 
@@ -155,7 +157,7 @@ import_plan scan_csv(csv_input& input, const import_request& request) {
     plan.stored[i].is_text = types.columns()[i].is_text;
     if (plan.stored[i].is_text) plan.stored[i].width = types.width(i);
   }
-  check_words(request.table, words_of(plan), plan.single);
+  check_words(request.table, words_needed(plan), plan.single);
   if (plan.single) note_lost_digits(plan, types);
   return plan;
 }

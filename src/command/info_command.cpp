@@ -12,7 +12,8 @@
 namespace command {
 namespace {
 
-constexpr const char* help = "Tells a table's kind, precision, byte order, description, size and columns.";
+constexpr const char* info_help =
+    "Tells a table's kind, precision, byte order, description, size and columns.";
 
 struct info_request {
   std::string table;
@@ -104,13 +105,13 @@ void run_info(const info_request& request) {
 
 }  // namespace
 
-void define_info(CLI::App& program) {
+void define_info(const verb& program) {
   auto request = std::make_shared<info_request>();
-  CLI::App* const app = program.add_subcommand("info", "Tell what a table is");
-  app->footer(help);
-  add_table_argument(*app, request->table);
-  app->add_flag("--json", request->json, "as JSON: a default of null is absent");
-  app->callback([request] { run_info(*request); });
+  const verb this_verb = program.add_verb("info", "Tell what a table is");
+  this_verb.footer(info_help);
+  add_table_argument(this_verb, request->table);
+  this_verb.add_flag("--json", request->json, "as JSON: a default of null is absent");
+  this_verb.callback([request] { run_info(*request); });
 }
 
 }  // namespace command

@@ -11,7 +11,7 @@
 namespace command {
 namespace {
 
-constexpr const char* help =
+constexpr const char* kinds_help =
     "Lists the kinds of table and the columns that make each out, in the order in which they are tried: a\n"
     "table is of the first kind whose columns it has, whatever others it has besides.";
 
@@ -32,7 +32,7 @@ std::string joined(const ovfile::table_kind& kind, std::string_view separator, S
   return out;
 }
 
-std::string words_of(const ovfile::table_kind& kind) {
+std::string columns_of(const ovfile::table_kind& kind) {
   const auto shown = [](std::string_view name) {
     return name.ends_with(' ') ? fmt::format("\"{}\"", name) : std::string(name);
   };
@@ -46,7 +46,7 @@ void append_words(std::string& out) {
   int row = 0;
   for (const auto& kind : ovfile::table_kinds) {
     out += fmt::format("{:>4}  {:<{}}  0x{:<8X}  {}\n", ++row, kind_words(kind.type), width,
-                       static_cast<unsigned>(kind.type), words_of(kind));
+                       static_cast<unsigned>(kind.type), columns_of(kind));
   }
 }
 
@@ -71,12 +71,12 @@ void run_kinds(bool json) {
 
 }  // namespace
 
-void define_kinds(CLI::App& program) {
+void define_kinds(const verb& program) {
   auto json = std::make_shared<bool>(false);
-  CLI::App* const app = program.add_subcommand("kinds", "List the kinds of table that are recognised");
-  app->footer(help);
-  app->add_flag("--json", *json, "as JSON");
-  app->callback([json] { run_kinds(*json); });
+  const verb this_verb = program.add_verb("kinds", "List the kinds of table that are recognised");
+  this_verb.footer(kinds_help);
+  this_verb.add_flag("--json", *json, "as JSON");
+  this_verb.callback([json] { run_kinds(*json); });
 }
 
 }  // namespace command

@@ -18,7 +18,7 @@
 namespace command {
 namespace {
 
-constexpr const char* help =
+constexpr const char* new_help =
     "Makes a table without rows, with the standard columns of a template or those of an XML schema (as\n"
     "`ovfile schema --xml` writes it). The templates model and grid need sizes and numbers of cells.";
 
@@ -164,21 +164,22 @@ void run_new(const new_request& request) {
 
 }  // namespace
 
-void define_new(CLI::App& program) {
+void define_new(const verb& program) {
   auto request = std::make_shared<new_request>();
-  CLI::App* const app = program.add_subcommand("new", "Make a table without rows");
-  app->footer(help);
-  app->add_option("table", request->table, "the table to make; one that is there is replaced")->required();
-  app->add_option("--template", request->template_name, "the standard columns of this kind of table")
-      ->type_name("NAME")
-      ->check(CLI::IsMember({"model", "grid", "points", "strings", "triangles", "wireframe-points"}));
-  app->add_option("--xml", request->xml, "the columns of this schema; - is standard input")
-      ->type_name("FILE");
-  request->cells.add_to(*app);
-  app->add_flag("--ijk", request->ijk, "a grid whose rows have cell numbers");
-  app->add_flag("--single", request->single, "numbers of 4 bytes (7 digits) instead of 8");
-  add_description_option(*app, request->description);
-  app->callback([request] { run_new(*request); });
+  const verb this_verb = program.add_verb("new", "Make a table without rows");
+  this_verb.footer(new_help);
+  this_verb.add_argument("table", request->table, "the table to make; one that is there is replaced")
+      .required();
+  this_verb.add_option("--template", request->template_name, "the standard columns of this kind of table")
+      .type_name("NAME")
+      .one_of({"model", "grid", "points", "strings", "triangles", "wireframe-points"});
+  this_verb.add_option("--xml", request->xml, "the columns of this schema; - is standard input")
+      .type_name("FILE");
+  request->cells.add_to(this_verb);
+  this_verb.add_flag("--ijk", request->ijk, "a grid whose rows have cell numbers");
+  this_verb.add_flag("--single", request->single, "numbers of 4 bytes (7 digits) instead of 8");
+  add_description_option(this_verb, request->description);
+  this_verb.callback([request] { run_new(*request); });
 }
 
 }  // namespace command

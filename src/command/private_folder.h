@@ -2,6 +2,7 @@
 // content.
 #pragma once
 
+#include <optional>
 #include <string>
 
 namespace command {
@@ -19,6 +20,9 @@ class private_folder {
  private:
   std::string name_;
 };
+
+/// None where such a folder cannot be made.
+std::optional<private_folder> try_private_folder(const std::string& purpose);
 
 /// Where the system's temporary files are to lie; it may not be there.
 std::string temporary_folder();

@@ -11,21 +11,19 @@
 namespace command {
 namespace {
 
-using std::chrono::milliseconds;
-
 /// How long a bar waits before it shows: $OVFILE_PROGRESS in seconds, else one.
-milliseconds patience() {
+std::chrono::milliseconds patience() {
   constexpr double day = 86400;
   const char* const set = std::getenv("OVFILE_PROGRESS");
   char* end = nullptr;
   const double seconds = set == nullptr ? 1 : std::strtod(set, &end);
   const bool is_number = end != set && seconds >= 0 && seconds <= day;
-  return milliseconds(is_number ? static_cast<long long>(seconds * 1000) : 1000);
+  return std::chrono::milliseconds(is_number ? static_cast<long long>(seconds * 1000) : 1000);
 }
 
 /// The work of a command is all that it does, in however many parts.
-const auto start = std::chrono::steady_clock::now();
-constexpr auto between_looks = milliseconds(100);
+const auto program_start = std::chrono::steady_clock::now();
+constexpr auto between_looks = std::chrono::milliseconds(100);
 constexpr std::size_t bar_width = 30;
 
 /// For the terminal, and for whether its last line is a bar, whosever it is.
@@ -37,7 +35,7 @@ bool is_drawn = false;
 progress::progress(std::string title, bool wanted)
     : title_(std::move(title)),
       shown_(wanted && is_terminal(standard_stream::error)),
-      next_(start + patience()) {}
+      next_(program_start + patience()) {}
 
 void progress::wipe() { (void)wiped(); }
 

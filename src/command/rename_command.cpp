@@ -11,7 +11,7 @@
 namespace command {
 namespace {
 
-constexpr const char* help =
+constexpr const char* rename_help =
     "Gives a column of a table another name; its values stay. Names differ by case: AU and Au are two.";
 
 struct rename_request {
@@ -42,14 +42,14 @@ void run_rename(const rename_request& request) {
 
 }  // namespace
 
-void define_rename(CLI::App& program) {
+void define_rename(const verb& program) {
   auto request = std::make_shared<rename_request>();
-  CLI::App* const app = program.add_subcommand("rename", "Give a column another name");
-  app->footer(help);
-  add_table_argument(*app, request->table);
-  app->add_option("old", request->old_name, "the column's name")->required();
-  app->add_option("new", request->new_name, "what it shall be called")->required();
-  app->callback([request] { run_rename(*request); });
+  const verb this_verb = program.add_verb("rename", "Give a column another name");
+  this_verb.footer(rename_help);
+  add_table_argument(this_verb, request->table);
+  this_verb.add_argument("old", request->old_name, "the column's name").required();
+  this_verb.add_argument("new", request->new_name, "what it shall be called").required();
+  this_verb.callback([request] { run_rename(*request); });
 }
 
 }  // namespace command

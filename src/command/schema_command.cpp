@@ -14,7 +14,7 @@
 namespace command {
 namespace {
 
-constexpr const char* help =
+constexpr const char* schema_help =
     "Lists a table's columns: name, type, width of a text, whether stored or implicit, default. The XML is\n"
     "what `ovfile new --xml` reads; it has room for about 25 columns.";
 
@@ -63,14 +63,14 @@ void run_schema(const schema_request& request) {
 
 }  // namespace
 
-void define_schema(CLI::App& program) {
+void define_schema(const verb& program) {
   auto request = std::make_shared<schema_request>();
-  CLI::App* const app = program.add_subcommand("schema", "List the columns of a table");
-  app->footer(help);
-  add_table_argument(*app, request->table);
-  CLI::Option* const xml = app->add_flag("--xml", request->xml, "as the library's XML");
-  app->add_flag("--json", request->json, "as JSON: a default of null is absent")->excludes(xml);
-  app->callback([request] { run_schema(*request); });
+  const verb this_verb = program.add_verb("schema", "List the columns of a table");
+  this_verb.footer(schema_help);
+  add_table_argument(this_verb, request->table);
+  const option xml = this_verb.add_flag("--xml", request->xml, "as the library's XML");
+  this_verb.add_flag("--json", request->json, "as JSON: a default of null is absent").excludes(xml);
+  this_verb.callback([request] { run_schema(*request); });
 }
 
 }  // namespace command

@@ -13,7 +13,7 @@
 namespace command {
 namespace {
 
-constexpr const char* mark = "MaxFieldNameLength";
+constexpr const char* mark_name = "MaxFieldNameLength";
 
 std::string setting(const char* name) {
   const char* const value = std::getenv(name);
@@ -33,7 +33,7 @@ std::string atom_folder() {
 
 /// The folder, or -1 where there is none. Like the library, never uses one that somebody else may have put
 /// there.
-int open_folder(const std::string& name) {
+int open_own_folder(const std::string& name) {
   const int folder = ::open(name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
   struct stat facts {};
   if (folder < 0 || (::fstat(folder, &facts) == 0 && facts.st_uid == ::geteuid())) return folder;
@@ -44,22 +44,23 @@ int open_folder(const std::string& name) {
 }  // namespace
 
 bool session_is_marked() {
-  const int folder = open_folder(atom_folder());
+  const int folder = open_own_folder(atom_folder());
   if (folder < 0) return false;
   struct stat facts {};
-  const bool marked = ::fstatat(folder, mark, &facts, AT_SYMLINK_NOFOLLOW) == 0 && S_ISREG(facts.st_mode);
+  const bool marked =
+      ::fstatat(folder, mark_name, &facts, AT_SYMLINK_NOFOLLOW) == 0 && S_ISREG(facts.st_mode);
   ::close(folder);
   return marked;
 }
 
 void forget_session_mark() {
   const std::string name = atom_folder();
-  const int folder = open_folder(name);
+  const int folder = open_own_folder(name);
   if (folder < 0) return;
-  const bool failed = ::unlinkat(folder, mark, 0) != 0 && errno != ENOENT;
+  const bool failed = ::unlinkat(folder, mark_name, 0) != 0 && errno != ENOENT;
   const std::string reason = failed ? last_reason() : std::string();
   ::close(folder);
-  if (failed) throw failure("cannot remove " + name + "/" + mark + ": " + reason);
+  if (failed) throw failure("cannot remove " + name + "/" + mark_name + ": " + reason);
 }
 
 }  // namespace command

@@ -15,7 +15,7 @@
 namespace command {
 namespace {
 
-constexpr const char* help =
+constexpr const char* set_help =
     "Sets columns of the rows that meet a CONDITION like \"AU < 0\" to a value. In a column of numbers -\n"
     "and absent (or nothing) are the absent number. All values are checked before the first row is changed.";
 
@@ -26,7 +26,7 @@ struct set_request {
   bool all = false;
 };
 
-std::vector<implicit_field> parse(const std::vector<std::string>& assignments) {
+std::vector<implicit_field> parse_assignments(const std::vector<std::string>& assignments) {
   std::vector<implicit_field> parsed;
   for (const std::string& assignment : assignments) {
     parsed.push_back(parse_implicit("", assignment, "COLUMN=VALUE"));
@@ -50,7 +50,7 @@ cell_value plan(const table_view& view, const implicit_field& wanted) {
   return value;
 }
 
-void store(const table_view& view, const cell_value& value) {
+void store_value(const table_view& view, const cell_value& value) {
   IOvTable& table = view.table();
   const LONG column = value.field->column;
   HRESULT status = S_OK;
@@ -72,14 +72,14 @@ void change(table_view& view, const std::vector<cell_value>& values, const row_c
   for (LONG row = rows.next(0); row != 0; row = rows.next(row)) {
     row == current + 1 && current > 0 ? view.go_on() : view.go_to(row);
     current = row;
-    for (const cell_value& value : values) store(view, value);
+    for (const cell_value& value : values) store_value(view, value);
     bar.at(static_cast<std::uint64_t>(row), static_cast<std::uint64_t>(view.rows()));
   }
   view.close();
 }
 
 void run_set(const set_request& request) {
-  const std::vector<implicit_field> wanted = parse(request.assignments);
+  const std::vector<implicit_field> wanted = parse_assignments(request.assignments);
   if (!request.where && !request.all) throw wrong_usage("--where CONDITION or --all is required");
   table_view view(request.table, table_access::change);
   std::vector<cell_value> values;
@@ -92,17 +92,17 @@ void run_set(const set_request& request) {
 
 }  // namespace
 
-void define_set(CLI::App& program) {
+void define_set(const verb& program) {
   auto request = std::make_shared<set_request>();
-  CLI::App* const app = program.add_subcommand("set", "Set columns of chosen rows to a value");
-  app->footer(help);
-  add_table_argument(*app, request->table);
-  app->add_option("assignments", request->assignments, "columns and what they shall hold")
-      ->type_name("COLUMN=VALUE")
-      ->required();
-  CLI::Option* const where = add_where_option(*app, request->where);
-  app->add_flag("--all", request->all, "all rows")->excludes(where);
-  app->callback([request] { run_set(*request); });
+  const verb this_verb = program.add_verb("set", "Set columns of chosen rows to a value");
+  this_verb.footer(set_help);
+  add_table_argument(this_verb, request->table);
+  this_verb.add_arguments("assignments", request->assignments, "columns and what they shall hold")
+      .type_name("COLUMN=VALUE")
+      .required();
+  const option where = add_where_option(this_verb, request->where);
+  this_verb.add_flag("--all", request->all, "all rows").excludes(where);
+  this_verb.callback([request] { run_set(*request); });
 }
 
 }  // namespace command

@@ -11,7 +11,7 @@
 namespace command {
 namespace {
 
-constexpr const char* help =
+constexpr const char* settings_help =
     "Shows or chooses whether double-precision tables may have field names of up to 24 characters instead\n"
     "of 8. A choice counts from the next login on, with --now for programs that start from now on.";
 
@@ -107,15 +107,15 @@ void run_settings(const settings_request& request) {
 
 }  // namespace
 
-void define_settings(CLI::App& program) {
+void define_settings(const verb& program) {
   auto request = std::make_shared<settings_request>();
-  CLI::App* const app = program.add_subcommand("settings", "Show or change the user's settings");
-  app->footer(help);
-  app->add_option("name", request->name, "the setting (all are shown without one)")
-      ->check(CLI::IsMember({"long-field-names"}));
-  app->add_option("value", request->value, "on or off")->check(CLI::IsMember({"on", "off"}));
-  app->add_flag("--now", request->now, "for this login session too");
-  app->callback([request] { run_settings(*request); });
+  const verb this_verb = program.add_verb("settings", "Show or change the user's settings");
+  this_verb.footer(settings_help);
+  this_verb.add_argument("name", request->name, "the setting (all are shown without one)")
+      .one_of({"long-field-names"});
+  this_verb.add_argument("value", request->value, "on or off").one_of({"on", "off"});
+  this_verb.add_flag("--now", request->now, "for this login session too");
+  this_verb.callback([request] { run_settings(*request); });
 }
 
 }  // namespace command

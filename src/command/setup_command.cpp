@@ -11,13 +11,7 @@
 namespace command {
 namespace {
 
-void print(const std::string& text) {
-  text_output output;
-  output.text() = text;
-  output.finish();
-}
-
-std::string sql_help() {
+std::string setup_sql_help() {
   return fmt::format(
       "Downloads the package {} (version {}, {} MB) with the system's curl from npm's registry, or the one "
       "that\nnpm_config_registry names, checks its digest, and puts the library into the user's folder.\n"
@@ -27,24 +21,25 @@ std::string sql_help() {
       duckdb_package.version);
 }
 
-void define_setup_sql(CLI::App& setup) {
+void define_setup_sql(const verb& setup) {
   auto request = std::make_shared<setup_request>();
   auto tried = std::make_shared<std::string>();
   auto asked = std::make_shared<bool>(false);
-  CLI::App* const app = setup.add_subcommand("sql", "Put DuckDB's library in place, which SQL needs");
-  app->footer(sql_help());
-  app->add_option("--from", request->from, "the package's file, instead of a download")->type_name("FILE");
-  app->add_option("--registry", request->registry, "where the package comes from")->type_name("URL");
-  app->add_option("--folder", request->folder, "where the library goes")->type_name("FOLDER");
-  app->add_option("--version", request->version, "another version of the package")->type_name("VERSION");
-  app->add_option("--integrity", request->integrity, "the digest that the package must have (sha512-...)")
-      ->type_name("DIGEST");
-  app->add_flag("--force", request->force, "also when it is there already");
-  app->add_flag("--package", *asked, "only say which package it is, as `npm pack` takes it");
-  // For this program itself: tries a library, with --folder for its files, and prints its version. No group:
-  // it is not shown.
-  app->add_option("--try", *tried)->group("");
-  app->callback([request, tried, asked] {
+  const verb this_verb = setup.add_verb("sql", "Put DuckDB's library in place, which SQL needs");
+  this_verb.footer(setup_sql_help());
+  this_verb.add_option("--from", request->from, "the package's file, instead of a download")
+      .type_name("FILE");
+  this_verb.add_option("--registry", request->registry, "where the package comes from").type_name("URL");
+  this_verb.add_option("--folder", request->folder, "where the library goes").type_name("FOLDER");
+  this_verb.add_option("--version", request->version, "another version of the package").type_name("VERSION");
+  this_verb
+      .add_option("--integrity", request->integrity, "the digest that the package must have (sha512-...)")
+      .type_name("DIGEST");
+  this_verb.add_flag("--force", request->force, "also when it is there already");
+  this_verb.add_flag("--package", *asked, "only say which package it is, as `npm pack` takes it");
+  // For this program itself: tries a library, with --folder for its files, and prints its version.
+  this_verb.add_option("--try", *tried).hidden();
+  this_verb.callback([request, tried, asked] {
     if (!tried->empty()) {
       print(try_duckdb_here(*tried, request->folder) + "\n");
     } else if (*asked) {
@@ -57,12 +52,11 @@ void define_setup_sql(CLI::App& setup) {
 
 }  // namespace
 
-void define_setup(CLI::App& program) {
-  CLI::App* const app =
-      program.add_subcommand("setup", "Put in place what the program does not bring with it");
-  define_setup_sql(*app);
-  app->callback([app] {
-    if (app->get_subcommands().empty()) print(app->help("ovfile"));
+void define_setup(const verb& program) {
+  const verb this_verb = program.add_verb("setup", "Put in place what the program does not bring with it");
+  define_setup_sql(this_verb);
+  this_verb.callback([this_verb] {
+    if (!this_verb.has_verb()) print(this_verb.help("ovfile"));
   });
 }
 

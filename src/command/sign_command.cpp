@@ -12,7 +12,7 @@
 namespace command {
 namespace {
 
-constexpr const char* help =
+constexpr const char* sign_help =
     "Prints the signature of a table: 40 hexadecimal digits made of its columns and rows, which are the\n"
     "same for tables that hold the same. A tight one counts the description, the order of the columns and\n"
     "the precision, a loose one none of them.";
@@ -46,19 +46,19 @@ void run_sign(const signature_request& request) {
 
 }  // namespace
 
-void define_sign(CLI::App& program) {
+void define_sign(const verb& program) {
   auto request = std::make_shared<signature_request>();
-  CLI::App* const app = program.add_subcommand("sign", "Print the signature of a table");
-  app->footer(help);
-  add_table_argument(*app, request->table);
-  CLI::Option* const loose =
-      app->add_flag("--loose", request->loose, "whatever description, order of columns and precision");
-  app->add_flag("--tight", request->tight, "with all of them (the default)")->excludes(loose);
-  app->add_option("--decimals", request->decimals,
+  const verb this_verb = program.add_verb("sign", "Print the signature of a table");
+  this_verb.footer(sign_help);
+  add_table_argument(this_verb, request->table);
+  const option loose =
+      this_verb.add_flag("--loose", request->loose, "whatever description, order of columns and precision");
+  this_verb.add_flag("--tight", request->tight, "with all of them (the default)").excludes(loose);
+  this_verb
+      .add_number("--decimals", request->decimals, {.least = 0, .most = 1000},
                   "numbers with exactly so many decimals; by default six at most, without zeros at the end")
-      ->type_name("N")
-      ->transform(whole_number(0, 1000));
-  app->callback([request] { run_sign(*request); });
+      .type_name("N");
+  this_verb.callback([request] { run_sign(*request); });
 }
 
 }  // namespace command

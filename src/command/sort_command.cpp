@@ -10,7 +10,7 @@
 namespace command {
 namespace {
 
-constexpr const char* help =
+constexpr const char* sort_help =
     "Sorts the rows of a table by a column, by the next one where those are equal, and so on; rows that are\n"
     "equal in all keep their order. --by A,B is --by A --by B. An absent number is -1e30 and stands first,\n"
     "what is no number (nan) last; texts go a, ab, b, capitals before small letters. With --descending all\n"
@@ -33,19 +33,14 @@ void run_sort(const sort_request& request) {
 
 }  // namespace
 
-void define_sort(CLI::App& program) {
+void define_sort(const verb& program) {
   auto request = std::make_shared<sort_request>();
-  CLI::App* const app = program.add_subcommand("sort", "Sort the rows of a table");
-  app->footer(help);
-  add_table_argument(*app, request->table);
-  app->add_option("--by", request->by, "the columns to sort by; may be repeated")
-      ->type_name("A,B,...")
-      ->delimiter(',')
-      ->expected(1)
-      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
-      ->required();
-  app->add_flag("--descending", request->descending, "the greatest first");
-  app->callback([request] { run_sort(*request); });
+  const verb this_verb = program.add_verb("sort", "Sort the rows of a table");
+  this_verb.footer(sort_help);
+  add_table_argument(this_verb, request->table);
+  add_names_option(this_verb, "--by", request->by, "the columns to sort by; may be repeated").required();
+  this_verb.add_flag("--descending", request->descending, "the greatest first");
+  this_verb.callback([request] { run_sort(*request); });
 }
 
 }  // namespace command

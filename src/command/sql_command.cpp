@@ -23,7 +23,7 @@
 namespace command {
 namespace {
 
-constexpr const char* help =
+constexpr const char* sql_help =
     "Answers a question in SQL, in which the names of table files stand for tables: select BHID, avg(CU) "
     "from\n"
     "'assays.ovt' join 'collars.ovt' using (BHID) group by BHID. CSV and Parquet files are read likewise.\n"
@@ -134,24 +134,27 @@ void run_sql(const sql_request& request) {
 
 }  // namespace
 
-void define_sql(CLI::App& program) {
+void define_sql(const verb& program) {
   auto request = std::make_shared<sql_request>();
-  CLI::App* const app = program.add_subcommand("sql", "Ask tables a question in SQL");
-  app->footer(help);
-  app->add_option("statement", request->statements, "the statement")->required();
-  app->add_option("-o,--format", request->form, "table, csv, json or parquet; by the output's name otherwise")
-      ->type_name("FORMAT")
-      ->check(CLI::IsMember({"table", "csv", "json", "parquet"}).description(""));
-  app->add_option("--output", request->output, "the file to make, also a table (.ovt); - is standard output")
-      ->type_name("FILE")
-      ->capture_default_str();
-  add_sql_options(*app, request->options);
-  app->add_option("--absent", request->options.absent,
+  const verb this_verb = program.add_verb("sql", "Ask tables a question in SQL");
+  this_verb.footer(sql_help);
+  this_verb.add_argument("statement", request->statements, "the statement").required();
+  this_verb
+      .add_option("-o,--format", request->form, "table, csv, json or parquet; by the output's name otherwise")
+      .type_name("FORMAT")
+      .one_of_described({"table", "csv", "json", "parquet"});
+  this_verb
+      .add_option("--output", request->output, "the file to make, also a table (.ovt); - is standard output")
+      .type_name("FILE")
+      .shows_default();
+  add_sql_options(this_verb, request->options);
+  this_verb
+      .add_option("--absent", request->options.absent,
                   "what an absent value is: null, nan, keep (-1e30), or the text that is written for NULL")
-      ->type_name("WORD");
-  app->add_flag("--single", request->made.single, "a table that is made has numbers of 4 bytes");
-  add_description_option(*app, request->made.description);
-  app->callback([request] { run_sql(*request); });
+      .type_name("WORD");
+  this_verb.add_flag("--single", request->made.single, "a table that is made has numbers of 4 bytes");
+  add_description_option(this_verb, request->made.description);
+  this_verb.callback([request] { run_sql(*request); });
 }
 
 }  // namespace command

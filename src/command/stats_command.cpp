@@ -11,7 +11,7 @@
 namespace command {
 namespace {
 
-constexpr const char* help =
+constexpr const char* stats_help =
     "Tells of each column of numbers how many there are, the range, the mean, the standard deviation (of a\n"
     "sample) and a histogram from the smallest to the largest; of each column of texts how many different\n"
     "ones there are and the most frequent. Numbers from 1e30 on, up or down, and trace (1e-30) are counted\n"
@@ -69,15 +69,15 @@ void run_stats(const stats_request& request) {
 
 }  // namespace
 
-void define_stats(CLI::App& program) {
+void define_stats(const verb& program) {
   auto request = std::make_shared<stats_request>();
-  CLI::App* const app = program.add_subcommand("stats", "Tell what the columns of a table hold");
-  app->footer(help);
-  add_table_argument(*app, request->options.table);
-  add_names_option(*app, "--columns", request->options.columns, "these columns alone, in this order");
-  add_where_option(*app, request->options.where);
-  app->add_flag("--json", request->json, "as JSON");
-  app->callback([request] { run_stats(*request); });
+  const verb this_verb = program.add_verb("stats", "Tell what the columns of a table hold");
+  this_verb.footer(stats_help);
+  add_table_argument(this_verb, request->options.table);
+  add_names_option(this_verb, "--columns", request->options.columns, "these columns alone, in this order");
+  add_where_option(this_verb, request->options.where);
+  this_verb.add_flag("--json", request->json, "as JSON");
+  this_verb.callback([request] { run_stats(*request); });
 }
 
 }  // namespace command

@@ -13,17 +13,17 @@ namespace {
 constexpr std::size_t frequent_texts = 5;
 constexpr std::size_t longest_shown = 24;
 
-using line = std::vector<std::string>;
+using stats_line = std::vector<std::string>;
 
 std::size_t length_of(std::string_view utf8) { return look_at_utf8(utf8).characters; }
 
 /// The first cell of each line stands at the left, so does the last; the others stand at the right.
-void append_aligned(std::string& out, const std::vector<line>& lines) {
+void append_aligned(std::string& out, const std::vector<stats_line>& lines) {
   std::vector<std::size_t> widths(lines.front().size());
-  for (const line& cells : lines) {
+  for (const stats_line& cells : lines) {
     for (std::size_t i = 0; i < cells.size(); ++i) widths[i] = std::max(widths[i], length_of(cells[i]));
   }
-  for (const line& cells : lines) {
+  for (const stats_line& cells : lines) {
     const std::size_t begin = out.size();
     for (std::size_t i = 0; i < cells.size(); ++i) {
       const std::string blanks(widths[i] - length_of(cells[i]), ' ');
@@ -45,7 +45,7 @@ std::string readable(double value, bool single) {
   return single ? number_text(static_cast<float>(value)) : fmt::format("{:.10g}", value);
 }
 
-line number_line(const column_stats& column, bool single) {
+stats_line number_line(const column_stats& column, bool single) {
   const number_stats& stats = column.numbers;
   const bool any = stats.values() > 0;
   return {column.field.name,
@@ -61,7 +61,7 @@ line number_line(const column_stats& column, bool single) {
 }
 
 /// What may stand on a terminal, not too long.
-std::string shown(std::string_view utf8) {
+std::string shortened(std::string_view utf8) {
   std::string out;
   bool valid = true;
   for (std::size_t length = 0; !utf8.empty(); ++length) {
@@ -74,12 +74,12 @@ std::string shown(std::string_view utf8) {
   return out;
 }
 
-line text_line(const column_stats& column) {
+stats_line text_line(const column_stats& column) {
   const text_counter& stats = column.texts;
   std::string frequent;
   for (const auto& [text, count] : stats.most_frequent(frequent_texts)) {
     if (!frequent.empty()) frequent += ", ";
-    append_csv_cell(frequent, shown(text));
+    append_csv_cell(frequent, shortened(text));
     frequent += fmt::format(" {}", count);
   }
   return {column.field.name, std::to_string(stats.values()), std::to_string(stats.blank()),
@@ -114,9 +114,9 @@ std::string json_of(const text_counter& stats) {
 }  // namespace
 
 void append_stats_words(std::string& out, const table_view& view, const table_stats& stats) {
-  std::vector<line> numbers = {
+  std::vector<stats_line> numbers = {
       {"number", "values", "absent", "trace", "special", "min", "max", "mean", "deviation", "histogram"}};
-  std::vector<line> texts = {{"text", "values", "blank", "distinct", "most frequent"}};
+  std::vector<stats_line> texts = {{"text", "values", "blank", "distinct", "most frequent"}};
   for (const column_stats& column : stats.columns) {
     column.field.is_text ? texts.push_back(text_line(column))
                          : numbers.push_back(number_line(column, view.is_single()));

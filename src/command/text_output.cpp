@@ -1,5 +1,7 @@
 #include "text_output.h"
 
+#include <utility>
+
 #include "console.h"
 #include "failure.h"
 #include "progress.h"
@@ -30,6 +32,12 @@ void text_output::finish() {
   write();
   file_.close();
   if (replacement_) replacement_->commit();
+}
+
+void print(std::string text) {
+  text_output output;
+  output.text() = std::move(text);
+  output.finish();
 }
 
 }  // namespace command

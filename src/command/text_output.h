@@ -36,4 +36,7 @@ class text_output {
   std::string text_;
 };
 
+/// All that goes to standard output. Throws `failure`, `broken_pipe`.
+void print(std::string text);
+
 }  // namespace command

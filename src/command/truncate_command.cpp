@@ -12,7 +12,7 @@
 namespace command {
 namespace {
 
-constexpr const char* help = "Cuts a table off behind its first N rows, where it stands.";
+constexpr const char* truncate_help = "Cuts a table off behind its first N rows, where it stands.";
 
 struct truncation_request {
   std::string table;
@@ -32,16 +32,13 @@ void run_truncate(const truncation_request& request) {
 
 }  // namespace
 
-void define_truncate(CLI::App& program) {
+void define_truncate(const verb& program) {
   auto request = std::make_shared<truncation_request>();
-  CLI::App* const app = program.add_subcommand("truncate", "Cut a table off behind some rows");
-  app->footer(help);
-  add_table_argument(*app, request->table);
-  app->add_option("--rows", request->rows, "how many rows stay")
-      ->type_name("N")
-      ->transform(whole_number(0, std::numeric_limits<LONG>::max()))
-      ->required();
-  app->callback([request] { run_truncate(*request); });
+  const verb this_verb = program.add_verb("truncate", "Cut a table off behind some rows");
+  this_verb.footer(truncate_help);
+  add_table_argument(this_verb, request->table);
+  this_verb.add_number("--rows", request->rows, {.least = 0}, "how many rows stay").type_name("N").required();
+  this_verb.callback([request] { run_truncate(*request); });
 }
 
 }  // namespace command

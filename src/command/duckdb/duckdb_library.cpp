@@ -15,7 +15,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* missing =
+constexpr const char* no_duckdb =
     "this needs DuckDB's library, which is not there: `ovfile setup sql` puts it in place, or OVFILE_DUCKDB "
     "names one";
 
@@ -52,7 +52,7 @@ std::string find_duckdb() {
   } catch (const failure&) {
     // Who has no folder has no library there either.
   }
-  throw failure(missing);
+  throw failure(no_duckdb);
 }
 
 const duckdb::functions& load_duckdb() {

@@ -16,8 +16,6 @@
 namespace command {
 namespace {
 
-using duckdb::status;
-
 /// Each has to run to its end. They are small: what counts is how many parts of the library they go through.
 constexpr const char* in_memory[] = {
     "create table t as select i::integer as i, i % 7 as k, i / 4.0 as x, 'hole ' || i as s, "
@@ -51,12 +49,12 @@ class trial_database {
     library.set_config(made.get(), "threads", "2");
     library.set_config(made.get(), "temp_directory", "");
     char* words = nullptr;
-    if (library.open_ext(nullptr, &database_, made.get(), &words) == status::failed) {
+    if (library.open_ext(nullptr, &database_, made.get(), &words) == duckdb::status::failed) {
       const std::string reason = words != nullptr ? words : "it does not start";
       library.free(words);
       fail(reason);
     }
-    if (library.connect(database_, &connection_) == status::failed) fail("it takes no connection");
+    if (library.connect(database_, &connection_) == duckdb::status::failed) fail("it takes no connection");
   }
   ~trial_database() {
     if (connection_ != nullptr) library_.disconnect(&connection_);
@@ -67,11 +65,11 @@ class trial_database {
 
   void run(const std::string& statement) const {
     duckdb::result result{};
-    const status end = library_.query(connection_, statement.c_str(), &result);
-    const char* const words = end == status::failed ? library_.result_error(&result) : nullptr;
+    const duckdb::status end = library_.query(connection_, statement.c_str(), &result);
+    const char* const words = end == duckdb::status::failed ? library_.result_error(&result) : nullptr;
     const std::string reason = words != nullptr ? words : "it does not tell why";
     library_.destroy_result(&result);
-    if (end == status::failed) fail(reason);
+    if (end == duckdb::status::failed) fail(reason);
   }
 
  private:
@@ -100,15 +98,6 @@ bool is_ended_from_outside(int status) noexcept {
 bool is_text(const std::string& words) {
   const auto is_control = [](char c) { return static_cast<unsigned char>(c) < ' '; };
   return look_at_utf8(words).valid && std::none_of(words.begin(), words.end(), is_control);
-}
-
-/// A damaged library leaves its process no time to clean up: the folder is this one's.
-std::optional<private_folder> make_scratch() {
-  try {
-    return std::optional<private_folder>(std::in_place, "ovfile-trial");
-  } catch (const failure&) {
-    return {};  // that no file can be written is not the library's fault
-  }
 }
 
 struct out_of_time {};
@@ -144,7 +133,9 @@ std::string try_duckdb_here(const std::string& path, const std::string& folder) 
 
 duckdb_trial try_duckdb(const std::string& path, const std::string& program,
                         std::chrono::milliseconds limit) {
-  const std::optional<private_folder> scratch = make_scratch();
+  // A damaged library leaves its process no time to clean up: the folder is this one's. That there is none is
+  // not the library's fault.
+  const std::optional<private_folder> scratch = try_private_folder("ovfile-trial");
   std::vector<std::string> arguments = {program, "setup", "sql", "--try", path};
   if (scratch) arguments.insert(arguments.end(), {"--folder", scratch->name()});
   const auto last = std::chrono::steady_clock::now() + limit;

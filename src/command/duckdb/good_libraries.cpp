@@ -19,9 +19,9 @@ namespace {
 namespace fs = std::filesystem;
 
 /// Another first line belongs to a program that looks at libraries in another way.
-constexpr std::string_view first = "libraries that ovfile found good, 1";
+constexpr std::string_view heading = "libraries that ovfile found good, 1";
 constexpr std::size_t most_noted = 20;
-constexpr std::uint64_t most_bytes = 1 << 14;
+constexpr std::uint64_t most_note_bytes = 1 << 14;
 
 std::string notes_file() { return utf8_of_path(path_of_utf8(user_data_folder()) / "good-libraries.txt"); }
 
@@ -43,12 +43,12 @@ std::vector<std::string> read_notes() {
     if (!fs::is_regular_file(path_of_utf8(name), error)) return {};
     raw_file file = raw_file::open(name);
     std::uint64_t bytes = 0;
-    if (!file.is_regular(bytes) || bytes > most_bytes) return {};
+    if (!file.is_regular(bytes) || bytes > most_note_bytes) return {};
     std::string text(static_cast<std::size_t>(bytes), '\0');
     std::size_t done = 0;
     while (const std::size_t more = file.read(text.data() + done, text.size() - done)) done += more;
     std::vector<std::string> lines = lines_of(std::string_view(text).substr(0, done));
-    if (lines.empty() || lines.front() != first) return {};
+    if (lines.empty() || lines.front() != heading) return {};
     lines.erase(lines.begin());
     return lines;
   } catch (const failure&) {
@@ -67,7 +67,7 @@ void note_as_good(const std::string& identity) {
   std::vector<std::string> notes = read_notes();
   notes.push_back(identity);
   if (notes.size() > most_noted) notes.erase(notes.begin(), notes.end() - most_noted);
-  std::string text(first);
+  std::string text(heading);
   for (const std::string& note : notes) text += "\n" + note;
   text += '\n';
   try {

@@ -17,7 +17,7 @@ constexpr const char* npms_own = "https://registry.npmjs.org";
 /// A form of the document with what an installation needs alone.
 constexpr const char* short_form = "Accept: application/vnd.npm.install-v1+json, application/json";
 /// What nobody's package reaches: an answer without an end shall not fill the disk.
-constexpr std::uint64_t most_bytes = std::uint64_t{1} << 29;
+constexpr std::uint64_t most_package_bytes = std::uint64_t{1} << 29;
 
 std::string chosen_address(const std::string& address) {
   if (!address.empty()) return address;
@@ -117,7 +117,7 @@ raw_file package_registry::get(const std::string& address, std::uint64_t bytes) 
   progress bar("downloading " + shown_address(address));
   const child_end end = run_child({curl(address), nullptr, &file}, [&] {
     std::uint64_t done = 0;
-    if (file.is_regular(done) && done > most_bytes) {
+    if (file.is_regular(done) && done > most_package_bytes) {
       throw failure(shown_address(address) + " does not come to an end");
     }
     bar.look(done, bytes);

@@ -16,7 +16,7 @@ namespace command {
 namespace {
 
 /// What is true of a row whose value of the column is not the one that the field had.
-std::string differs(const sql_column& column, const planned_field& field, bool nan_is_absent) {
+std::string differing_rows(const sql_column& column, const planned_field& field, bool nan_is_absent) {
   const std::string name = sql_name(column.name);
   if (field.is_text) {
     return fmt::format("coalesce(rtrim(cast({} as varchar), ' '), '') <> {}", name,
@@ -47,7 +47,7 @@ std::vector<planned_field> take_implicits(sql_database& database, parquet_source
   for (const sql_column& column : source.columns) {
     const kept_field* const kept = source.kept ? source.kept->find(column.name) : nullptr;
     if (kept == nullptr || !kept->implicit ||
-        has_rows(database, source, differs(column, kept->field, nan_is_absent))) {
+        has_rows(database, source, differing_rows(column, kept->field, nan_is_absent))) {
       stored.push_back(column);
     } else {
       implicit.push_back(kept->field);
@@ -121,7 +121,7 @@ void add_implicits(const import_request& request, const parquet_source& source, 
 /// Runs `work`. What the library says of it becomes the source's failure, and shows nothing of our own
 /// statements.
 template <class Work>
-auto reading(const std::string& name, Work work) {
+auto blaming(const std::string& name, Work work) {
   try {
     return work();
   } catch (const failure& error) {
@@ -137,16 +137,16 @@ auto reading(const std::string& name, Work work) {
 void import_parquet(const import_request& request, const sql_options& options) {
   sql_database database(options.settings());
   database.show("reading " + request.csv);
-  parquet_source source = reading(request.csv, [&] { return open_source(database, request.csv); });
+  parquet_source source = blaming(request.csv, [&] { return open_source(database, request.csv); });
   put_in_order(source);
   std::vector<std::string> notes = std::move(source.notes);
-  std::vector<planned_field> implicit = reading(request.csv, [&] {
+  std::vector<planned_field> implicit = blaming(request.csv, [&] {
     return take_implicits(database, source, options.absent_value() == absent_value::nan);
   });
   query_table_request made = plan_table(request, options, source, notes);
   made.implicit = std::move(implicit);
   add_implicits(request, source, made);
-  reading(request.csv, [&] {
+  blaming(request.csv, [&] {
     return make_table(database, select_of(source), source.columns, request.table, made, notes);
   });
   for (const std::string& note : notes) say(note);

@@ -39,7 +39,7 @@ std::map<std::string, std::string> common_texts(sql_database& database,
   return found;
 }
 
-void read_fields(sql_database& database, const std::string& json, kept_definition& kept) {
+void read_kept_fields(sql_database& database, const std::string& json, kept_definition& kept) {
   sql_result rows = database.run(fmt::format(
       "select f->>'name', f->>'kind', cast(f->>'width' as double), f->>'implicit', f->>'default', "
       "try_cast(f->>'default' as double), coalesce(f->>'column', f->>'name') "
@@ -92,7 +92,7 @@ std::optional<kept_definition> read_metadata(sql_database& database, const std::
   kept.single = texts[precision_key] == "single";
   kept.description = texts[description_key];
   try {
-    read_fields(database, columns, kept);
+    read_kept_fields(database, columns, kept);
   } catch (const failure&) {
     return {};  // another program's texts under our names are not our business
   }

@@ -13,7 +13,7 @@ namespace {
 constexpr int longest_folder_name = 255;
 constexpr int longest_shown_text = 40;
 
-std::string shown(std::string_view text) {
+std::string shown_text(std::string_view text) {
   std::string out;
   append_shown(out, text);
   return out;
@@ -29,8 +29,8 @@ void refuse_unfit_texts(sql_database& database, const std::string& query, const 
   if (!found.next()) return;
   const bool means_null = found.values<bool>(2)[0];
   throw failure(
-      fmt::format("{}: column {} has the text {}{}, which {}", table, column.field, shown(found.text(0, 0)),
-                  found.values<bool>(1)[0] ? "..." : "",
+      fmt::format("{}: column {} has the text {}{}, which {}", table, column.field,
+                  shown_text(found.text(0, 0)), found.values<bool>(1)[0] ? "..." : "",
                   means_null ? "as a folder's name means no value" : "is too long for the name of a folder"));
 }
 
@@ -50,7 +50,7 @@ void refuse_same_folders(sql_database& database, const std::string& query, const
   throw failure(fmt::format(
       "{}: column {} has the texts {} and {}, whose folders would be one where the case of letters does not "
       "count",
-      table, columns[at].field, shown(found.text(0, 0)), shown(found.text(1, 0))));
+      table, columns[at].field, shown_text(found.text(0, 0)), shown_text(found.text(1, 0))));
 }
 
 }  // namespace

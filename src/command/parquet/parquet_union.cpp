@@ -89,7 +89,7 @@ bool is_same_name(const std::string& one, const std::string& other) {
                     [&](char left, char right) { return lower(left) == lower(right); });
 }
 
-const file_column* find(const file_run& run, const std::string& name) {
+const file_column* find_column(const file_run& run, const std::string& name) {
   const auto found = std::find_if(run.columns.begin(), run.columns.end(),
                                   [&](const file_column& one) { return is_same_name(one.name, name); });
   return found == run.columns.end() ? nullptr : &*found;
@@ -107,14 +107,14 @@ common_column common_of(sql_database& database, const std::vector<file_run>& run
   common_column made{name, {}};
   bool same = true;
   for (const file_run& run : runs) {
-    const file_column* const column = find(run, name);
+    const file_column* const column = find_column(run, name);
     if (column == nullptr) continue;
     if (made.type_name.empty()) made.type_name = column->type_name;
     same = same && column->type_name == made.type_name;
   }
   if (same) return made;
   const bool fits = std::all_of(runs.begin(), runs.end(), [&](const file_run& run) {
-    const file_column* const column = find(run, name);
+    const file_column* const column = find_column(run, name);
     return column == nullptr || (is_numeric(column->type) && fits_double(database, run, *column));
   });
   made.way = fits ? conversion::to_double : conversion::to_text;
@@ -122,7 +122,7 @@ common_column common_of(sql_database& database, const std::vector<file_run>& run
   return made;
 }
 
-std::vector<common_column> common_columns(sql_database& database, const std::vector<file_run>& runs) {
+std::vector<common_column> columns_of_all(sql_database& database, const std::vector<file_run>& runs) {
   std::vector<common_column> made;
   for (const file_run& run : runs) {
     for (const file_column& column : run.columns) {
@@ -135,7 +135,7 @@ std::vector<common_column> common_columns(sql_database& database, const std::vec
 }
 
 std::string value_of(const file_run& run, const common_column& common) {
-  const file_column* const column = find(run, common.name);
+  const file_column* const column = find_column(run, common.name);
   if (column == nullptr) return fmt::format("cast(null as {})", common.type_name);
   std::string value = sql_name(column->name);
   const bool is_float = column->type == type_id::real;
@@ -177,7 +177,7 @@ void note_absent(const std::vector<file_run>& runs, const std::vector<common_col
     std::size_t lacking = 0;
     std::size_t at = 0;
     for (const file_run& run : runs) {
-      if (find(run, column.name) == nullptr) {
+      if (find_column(run, column.name) == nullptr) {
         if (lacking == 0) first = at;
         lacking += run.files.size();
       }
@@ -204,7 +204,7 @@ std::string rows_of(sql_database& database, const parquet_folder& folder, std::v
     return reading(folder.files, with_names);
   }
   const std::vector<file_run> runs = runs_of(database, folder.files);
-  const std::vector<common_column> columns = common_columns(database, runs);
+  const std::vector<common_column> columns = columns_of_all(database, runs);
   std::vector<std::string> parts;
   parts.reserve(runs.size());
   for (const file_run& run : runs) parts.push_back(select_of(run, columns, with_names));

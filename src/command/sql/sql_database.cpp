@@ -23,15 +23,6 @@ std::string quoted(std::string_view text, char quote) {
   return out += quote;
 }
 
-/// For what does not fit into memory. Where no folder can be made, only a statement that needs one fails.
-std::optional<private_folder> make_scratch() {
-  try {
-    return std::optional<private_folder>(std::in_place, "ovfile-sql");
-  } catch (const failure&) {
-    return {};
-  }
-}
-
 /// What the library fails to make then, and names.
 std::string folder_of_none() { return utf8_of_path(path_of_utf8(temporary_folder()) / "ovfile-sql"); }
 
@@ -39,7 +30,8 @@ std::string folder_of_none() { return utf8_of_path(path_of_utf8(temporary_folder
 
 class sql_database::body {
  public:
-  explicit body(const sql_settings& settings) : library(load_duckdb()), scratch_(make_scratch()) {
+  explicit body(const sql_settings& settings)
+      : library(load_duckdb()), scratch_(try_private_folder("ovfile-sql")) {
     open(settings);
     try {
       if (library.connect(database_, &connection) == duckdb::status::failed) {

@@ -5,13 +5,14 @@
 #include <cstddef>
 #include <string_view>
 
+#include "decimal.h"
+
 namespace command {
 
 inline bool is_letter(char c) noexcept {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' ||
          static_cast<unsigned char>(c) >= 0x80;
 }
-inline bool is_digit(char c) noexcept { return c >= '0' && c <= '9'; }
 inline bool is_blank(char c) noexcept { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
 /// The bytes of a blank beyond ASCII, which the library takes for one too; 0 where there is none.
