@@ -16,8 +16,10 @@ function(ovf_add_module name)
 endfunction()
 
 # Each of these instantiates what it defines of the class, which one compilation can do but once.
-file(GLOB instantiating CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/src/engine/row_store_*.cpp")
-set_source_files_properties(${instantiating} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+file(GLOB alone CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/src/engine/row_store_*.cpp")
+# And this one needs the library's entry point, which programs that link only some modules lack.
+list(APPEND alone "${CMAKE_CURRENT_SOURCE_DIR}/src/platform/class_lookup_linux.cpp")
+set_source_files_properties(${alone} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
 
 foreach(module platform storage engine schema table stream server)
   ovf_add_module(${module})

@@ -41,6 +41,8 @@ endfunction()
 function(ovf_may_join_sources target)
   if(OVFILE_JOINED)
     ovf_join_sources(${target} 16)
+    set_target_properties(${target} PROPERTIES UNITY_BUILD_CODE_BEFORE_INCLUDE
+                          "// NOLINTNEXTLINE(bugprone-suspicious-include)")
   endif()
 endfunction()
 

@@ -1,12 +1,9 @@
-"""summarize_tests.py RESULTS STATUS [FIRST]: reads the folder with what ctest (all.xml) and the test programs
-(NAME.xml) wrote and prints a line with the numbers of tests passed and failed, then what failed, with the end of
-what it said, and what was skipped, by reason. STATUS is ctest's own: a failing run without a failing test (a
-program that does not start) counts as one failure. FIRST is the folder of an earlier run, of which what failed
-was repeated in RESULTS; what passed only then is told and counts as passed."""
+"""What a run of tests says: reads the folder with what ctest (all.xml) and the test programs (NAME.xml) wrote, or
+the file that pytest wrote, and tells how many passed and failed, what failed with the end of what it said, and what
+was skipped, by reason."""
 
 import pathlib
 import re
-import sys
 import textwrap
 import xml.etree.ElementTree as xml
 from dataclasses import dataclass
@@ -33,7 +30,8 @@ def case_of_program(prefix, case):
     name = f"{prefix}.{case.get('classname')}.{case.get('name')}"
     if not case.get("name"):
         name = f"{prefix}: what stands around the tests"
-    failures = [failure.text or failure.get("message") or "" for failure in case.findall("failure")]
+    complaints = [*case.findall("failure"), *case.findall("error")]
+    failures = [complaint.text or complaint.get("message") or "" for complaint in complaints]
     if failures:
         return Case(name, "failed", "\n".join(failures))
     skipped = case.find("skipped")
@@ -66,12 +64,16 @@ def cases_of_start(folder, start):
     return cases
 
 
-def read_run(folder):
-    """The tests of each start, by its name."""
-    return {start.get("name"): cases_of_start(folder, start) for start in read_cases(folder / "all.xml") or []}
+def read_ctest(folder):
+    starts = read_cases(folder / "all.xml") or []
+    return [case for start in starts for case in cases_of_start(folder, start)]
 
 
-def print_names(names):
+def read_pytest(path):
+    return [case_of_program("python", case) for case in read_cases(path) or []]
+
+
+def names_by_test(names):
     """Cases of one parametrised test share a line: `module.suite.test/ a, b, c`."""
     groups = {}
     for name in names:
@@ -79,44 +81,28 @@ def print_names(names):
         groups.setdefault(test + slash, []).append(case)
     for test, cases in groups.items():
         line = f"{test} " * bool(test) + ", ".join(cases)
-        print(textwrap.fill(line, 110, initial_indent=" " * 8, subsequent_indent=" " * 12, break_long_words=False))
+        yield textwrap.fill(line, 110, initial_indent=" " * 8, subsequent_indent=" " * 12, break_long_words=False)
 
 
-def print_end(text):
-    for line in text.strip().splitlines()[-30:]:
-        print(" " * 8 + line[:200])
+def end_of(text):
+    return [" " * 8 + line[:200] for line in text.strip().splitlines()[-30:]]
 
 
-def main():
-    run = read_run(pathlib.Path(sys.argv[1]))
-    late = []
-    if len(sys.argv) > 3:
-        first = read_run(pathlib.Path(sys.argv[3]))
-        for name, cases in run.items():
-            still = {case.name for case in cases if case.state == "failed"}
-            late += [case for case in first.get(name, []) if case.state == "failed" and case.name not in still]
-        run = first | run
-    cases = [case for start in run.values() for case in start]
+def summarize(cases, status):
+    """Passed, failed, and lines that tell of it. `status` is the run's own: one that fails without a failing test (a
+    program that does not start) counts as one failure."""
     failed = [case for case in cases if case.state == "failed"]
     if not cases:
         failed.append(Case("no test was found", "failed"))
-    elif sys.argv[2] != "0" and not failed:
-        failed.append(Case("ctest, see its log", "failed"))
-
-    print(sum(case.state == "passed" for case in cases), len(failed))
+    elif status != 0 and not failed:
+        failed.append(Case("the run failed, see its log", "failed"))
+    lines = []
     for number, case in enumerate(failed):
-        print("FAILED ", case.name)
-        print_end(case.said if number < 10 else "")
-    for case in late:
-        print("passed only when it was repeated:", case.name)
-        print_end(case.said)
+        lines += [f"FAILED  {case.name}", *end_of(case.said if number < 10 else "")]
     reasons = {}
     for case in cases:
         if case.state == "skipped":
             reasons.setdefault(case.said, []).append(case.name)
     for reason, names in reasons.items():
-        print(f"skipped {len(names)}: {reason}")
-        print_names(names)
-
-
-main()
+        lines += [f"skipped {len(names)}: {reason}", *names_by_test(names)]
+    return sum(case.state == "passed" for case in cases), len(failed), lines
