@@ -1,8 +1,7 @@
-"""summarize_tests.py RESULTS STATUS [FIRST]: reads the folder with what ctest (all.xml) and the test programs
+"""summarize_tests.py RESULTS STATUS: reads the folder with what ctest (all.xml) and the test programs
 (NAME.xml) wrote and prints a line with the numbers of tests passed and failed, then what failed, with the end of
 what it said, and what was skipped, by reason. STATUS is ctest's own: a failing run without a failing test (a
-program that does not start) counts as one failure. FIRST is the folder of an earlier run, of which what failed
-was repeated in RESULTS; what passed only then is told and counts as passed."""
+program that does not start) counts as one failure."""
 
 import pathlib
 import re
@@ -66,11 +65,6 @@ def cases_of_start(folder, start):
     return cases
 
 
-def read_run(folder):
-    """The tests of each start, by its name."""
-    return {start.get("name"): cases_of_start(folder, start) for start in read_cases(folder / "all.xml") or []}
-
-
 def print_names(names):
     """Cases of one parametrised test share a line: `module.suite.test/ a, b, c`."""
     groups = {}
@@ -88,15 +82,9 @@ def print_end(text):
 
 
 def main():
-    run = read_run(pathlib.Path(sys.argv[1]))
-    late = []
-    if len(sys.argv) > 3:
-        first = read_run(pathlib.Path(sys.argv[3]))
-        for name, cases in run.items():
-            still = {case.name for case in cases if case.state == "failed"}
-            late += [case for case in first.get(name, []) if case.state == "failed" and case.name not in still]
-        run = first | run
-    cases = [case for start in run.values() for case in start]
+    folder = pathlib.Path(sys.argv[1])
+    starts = read_cases(folder / "all.xml") or []
+    cases = [case for start in starts for case in cases_of_start(folder, start)]
     failed = [case for case in cases if case.state == "failed"]
     if not cases:
         failed.append(Case("no test was found", "failed"))
@@ -107,9 +95,6 @@ def main():
     for number, case in enumerate(failed):
         print("FAILED ", case.name)
         print_end(case.said if number < 10 else "")
-    for case in late:
-        print("passed only when it was repeated:", case.name)
-        print_end(case.said)
     reasons = {}
     for case in cases:
         if case.state == "skipped":
