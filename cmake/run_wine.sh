@@ -18,7 +18,10 @@ if ! { [ -e "$WINEPREFIX/ready" ] && wineserver -k0 2>/dev/null; }; then
   flock 9
   if ! { [ -e "$WINEPREFIX/ready" ] && wineserver -k0 2>/dev/null; }; then
     wineserver -p60 9>&- >/dev/null 2>&1 </dev/null || true
-    wineboot 9>&- >/dev/null 2>&1 </dev/null || wineboot 9>&- >/dev/null 2>&1 </dev/null
+    wineboot 9>&- >/dev/null 2>&1 </dev/null || {
+      echo "run_wine.sh: wineboot fails with $?" >&2
+      exit 1
+    }
     touch "$WINEPREFIX/ready"
   fi
   exec 9>&-
@@ -33,14 +36,4 @@ case ${OVFILE_DUCKDB_WINDOWS:-} in
   *) unset OVFILE_DUCKDB ;;
 esac
 
-# On a busy machine a start of Wine itself can fail, silently and at once. Our programs say something
-# before they fail, so silence means that there was no start, and another one is tried.
-output=$(mktemp)
-trap 'rm -f "$output"' EXIT
-for attempt in 1 2 3; do
-  status=0
-  wine "$@" >"$output" || status=$?
-  [ "$status" -ne 0 ] && [ ! -s "$output" ] || break
-done
-cat "$output"
-exit "$status"
+exec wine "$@"

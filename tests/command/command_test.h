@@ -80,12 +80,6 @@ class command_test : public testing::Test {
     return names;
   }
 
-  /// Whether something is written that is to take a file's place.
-  bool new_file_is_there() const {
-    const std::vector<std::string> there = files();
-    return std::any_of(there.begin(), there.end(), [](const auto& name) { return name.starts_with(".NEW"); });
-  }
-
   /// What comes back of a CSV that is imported with these options and exported again.
   std::string round_trip(const std::string& csv, std::vector<std::string> options = {}) const {
     write("in.csv", csv);

@@ -63,10 +63,11 @@ class duckdb_damage_test : public ovtest::command_test {
   }
 
   /// What is thought of a program that is this script, in place of a trial.
-  duckdb_trial judged(const std::string& script) const {
+  duckdb_trial judged(const std::string& script,
+                      std::chrono::milliseconds limit = std::chrono::minutes(1)) const {
     write("program", "#!/bin/sh\n" + script + "\n");
     fs::permissions(folder() / "program", fs::perms::owner_all);
-    return command::try_duckdb("x.so", (folder() / "program").string(), std::chrono::milliseconds(300));
+    return command::try_duckdb("x.so", (folder() / "program").string(), limit);
   }
 
   ovtest::kept_variables kept_{{"OVFILE_DUCKDB", "XDG_DATA_HOME"}};
@@ -121,11 +122,16 @@ TEST_F(duckdb_damage_test, a_trial_is_judged_by_its_end) {
   expect("exit 5", duckdb_verdict::damaged, "a trial of it ended with 5");
   expect("kill -KILL $$", duckdb_verdict::unknown, "a trial of x.so was ended with 137");
   expect("kill -TERM $$", duckdb_verdict::unknown, "a trial of x.so was ended with 143");
-  expect("exec sleep 100", duckdb_verdict::damaged, "a trial of it comes to no end");
   expect("printf 'ovfile: x.so lacks \\377\\n'; exit 1", duckdb_verdict::damaged,
          "there is no sense in its names");
   expect("printf 'ovfile: x.so lacks \\001\\n'; exit 1", duckdb_verdict::damaged,
          "there is no sense in its names");
+}
+
+TEST_F(duckdb_damage_test, a_trial_that_comes_to_no_end_is_given_up) {
+  const duckdb_trial trial = judged("exec sleep 100", std::chrono::milliseconds(50));
+  EXPECT_EQ(trial.verdict, duckdb_verdict::damaged);
+  EXPECT_EQ(trial.words, "a trial of it comes to no end");
 }
 
 TEST_F(duckdb_damage_test, a_trial_has_a_folder_of_its_own_while_it_lasts) {

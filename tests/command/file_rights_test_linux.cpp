@@ -7,6 +7,7 @@
 #include <cerrno>
 
 #include "command/command_test.h"
+#include "command/first_bytes_linux.h"
 
 namespace {
 
@@ -89,25 +90,15 @@ TEST_F(file_rights_test, nobody_else_reads_what_takes_a_files_place_while_it_is_
   round_trip(csv);
   write("out.csv", "old");
   set_mode("out.csv", 0600);
-  bool seen = false;
-  for (int attempt = 0; attempt < 20 && !seen; ++attempt) {
-    const pid_t child = ::fork();
-    if (child == 0) {
-      if (::chdir(folder().path().c_str()) != 0) ::_exit(127);
-      ::execl(program().c_str(), "ovfile", "export", "t.ovt", "out.csv", static_cast<char*>(nullptr));
-      ::_exit(127);
-    }
-    int status = 0;
-    while (::waitpid(child, &status, WNOHANG) == 0) {
-      struct stat facts {};
-      const std::string name = ".NEW" + std::to_string(child) + "-0";
-      if (::stat(path(name).c_str(), &facts) != 0) continue;
-      seen = true;
-      EXPECT_EQ(facts.st_mode & 07777, 0600u);
-    }
-    EXPECT_EQ(status, 0);
+  ovtest::started_program started({program(), "export", "t.ovt", "out.csv"}, folder().path());
+  int looks = 0;
+  for (auto kind = ovtest::folder_change::creation; started.goes_on_to(kind, folder().path());
+       kind = ovtest::folder_change::writing) {
+    EXPECT_EQ(mode(ovtest::unfinished_in(folder().path()).filename()), 0600u);
+    ++looks;
   }
-  EXPECT_TRUE(seen);
+  EXPECT_EQ(started.wait().status, 0);
+  EXPECT_GT(looks, 2);
 }
 
 TEST_F(file_rights_test, owner_and_group_stay) {

@@ -45,23 +45,14 @@ TEST_F(long_call_test, a_signal_while_a_table_is_written_anew_leaves_the_old_one
   const std::string before = read("t.ovt");
   for (const stopped_work& work : rebuilding) {
     SCOPED_TRACE(work.arguments.front() + " and signal " + std::to_string(work.signal));
-    bool stopped = false;
-    // The signal may come when the new table stands there already.
-    for (int attempt = 0; attempt < 20 && !stopped; ++attempt) {
-      write("t.ovt", before);
-      names arguments = work.arguments;
-      arguments.insert(arguments.begin(), program());
-      const ovtest::ended_program end = ovtest::started_program(arguments, folder().path())
-                                            .stop_when([&] { return new_file_is_there(); }, work.signal);
-      EXPECT_EQ(files(), (names{"in.csv", "t.ovt"}));
-      stopped = end.was_ended_by(work.signal);
-      if (!stopped) {
-        EXPECT_EQ(end.status, 0);
-        continue;
-      }
-      EXPECT_TRUE(read("t.ovt") == before);
-    }
-    EXPECT_TRUE(stopped);
+    names arguments = work.arguments;
+    arguments.insert(arguments.begin(), program());
+    ovtest::started_program started(arguments, folder().path());
+    EXPECT_TRUE(started.goes_on_to(ovtest::folder_change::creation, folder().path()));
+    const ovtest::ended_program end = started.wait_after(work.signal);
+    EXPECT_TRUE(end.was_ended_by(work.signal)) << end.status;
+    EXPECT_TRUE(read("t.ovt") == before);
+    EXPECT_EQ(files(), (names{"in.csv", "t.ovt"}));
   }
 }
 

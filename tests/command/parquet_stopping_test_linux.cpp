@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "command/first_bytes_linux.h"
 #include "command/parquet_fixture.h"
 #include "support/shared_data.h"
 #include "support/started_program_linux.h"
@@ -56,35 +57,6 @@ class parquet_stopping_test : public ovtest::parquet_test {
                   .error,
               "");
   }
-
-  /// Starts the work until the signal ends it when so many bytes are written. Where it was faster, which must
-  /// be the whole work, it is started again; false: it was each time.
-  bool is_stopped(const names& work, int signal, std::uintmax_t bytes) const {
-    for (int attempt = 0; attempt < 20; ++attempt) {
-      const ovtest::ended_program end =
-          start(work)->stop_when([&] { return written() >= bytes; }, signal, std::chrono::milliseconds(1));
-      if (end.was_ended_by(signal)) return true;
-      EXPECT_EQ(end.status, 0);
-      EXPECT_EQ(fs::remove_all(folder() / work[2]) > 0, end.status == 0);
-    }
-    return false;
-  }
-
-  /// Bytes of what is not yet under its name.
-  std::uintmax_t written() const {
-    std::uintmax_t bytes = 0;
-    std::error_code error;
-    for (const auto& entry : fs::directory_iterator(folder().path(), error)) {
-      if (!entry.path().filename().string().starts_with(".NEW")) continue;
-      if (entry.is_regular_file(error)) bytes += entry.file_size(error);
-      if (!entry.is_directory(error)) continue;
-      for (fs::recursive_directory_iterator inside(entry.path(), error), end; !error && inside != end;
-           inside.increment(error)) {
-        if (inside->is_regular_file(error)) bytes += inside->file_size(error);
-      }
-    }
-    return bytes;
-  }
 };
 
 TEST_F(parquet_stopping_test, a_disk_that_is_full_leaves_no_parquet) {
@@ -125,9 +97,14 @@ TEST_F(parquet_stopping_test, a_signal_leaves_nothing) {
                                     {"import", "in.parquet", "new.ovt"}};
   for (const names& work : works) {
     for (const int signal : {SIGTERM, SIGINT}) {
-      for (const std::uintmax_t size : {std::uintmax_t{0}, std::uintmax_t{1}}) {
+      for (const bool has_begun : {false, true}) {
         SCOPED_TRACE(work[0] + " " + work[2] + ", signal " + std::to_string(signal));
-        EXPECT_TRUE(is_stopped(work, signal, size));
+        const auto started = start(work);
+        if (has_begun) {
+          EXPECT_TRUE(goes_on_to_first_bytes(*started, folder().path()));
+        }
+        const ovtest::ended_program end = started->wait_after(signal);
+        EXPECT_TRUE(end.was_ended_by(signal)) << end.status;
         EXPECT_EQ(files(), (names{"in.parquet", "t.ovt"}));
         EXPECT_TRUE(fs::is_empty(temporary.path()));
       }

@@ -20,11 +20,10 @@ class sql_stopping_test : public ovtest::sql_test {
   ovtest::ended_program stop(names arguments, int signal, int milliseconds) const {
     arguments.insert(arguments.begin(), {program(), "sql"});
     ovtest::started_program started(arguments, folder().path());
-    (void)started.runs_until([&] { return !std::filesystem::is_empty(temporary().path()); },
-                             std::chrono::milliseconds(5));
+    (void)started.goes_on_to(ovtest::folder_change::creation, temporary().path());
+    started.go_on();
     std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
-    started.send(signal);
-    return started.wait();
+    return started.wait_after(signal);
   }
 
   void expect_nothing_left(const names& expected) const {

@@ -345,8 +345,8 @@ def test_a_signal_at_any_time(path, ctrl_c):
     with ovfile.open(path, "r+") as table:
         for delay in (0.05, 0.1, 0.15):
             timer = threading.Timer(delay, os.kill, (os.getpid(), signal.SIGINT))
-            timer.start()
             with pytest.raises(KeyboardInterrupt):
+                timer.start()
                 for digits in range(1000):
                     table.signature(digits=digits % 10)
             timer.join()

@@ -38,8 +38,10 @@ void append_quoted(std::wstring& line, const std::wstring& argument) {
   line += L'"';
 }
 
-process_result run_once(const std::vector<std::string>& arguments, const std::filesystem::path& folder,
-                        const std::string& input) {
+}  // namespace
+
+process_result run_process(const std::vector<std::string>& arguments, const std::filesystem::path& folder,
+                           const std::string& input) {
   const scratch_folder streams;
   write_bytes(streams / "in", bytes(input.begin(), input.end()));
   std::wstring line;
@@ -56,38 +58,19 @@ process_result run_once(const std::vector<std::string>& arguments, const std::fi
     SetEnvironmentVariableW(name, nullptr);
   }
   PROCESS_INFORMATION process{};
-  const auto create = [&] {
-    return CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, folder.c_str(), &start,
-                          &process) != 0;
-  };
-  // Under Wine on a busy machine the first try may fail.
-  bool started = create();
-  for (int tries = 1; !started && tries < 3; ++tries) {
-    Sleep(500);
-    started = create();
-  }
+  const bool is_started = CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr,
+                                         folder.c_str(), &start, &process) != 0;
+  const DWORD reason = GetLastError();
   for (const HANDLE handle : {start.hStdInput, start.hStdOutput, start.hStdError}) CloseHandle(handle);
-  if (!started) throw std::runtime_error("cannot start " + arguments[0]);
+  if (!is_started) {
+    throw std::runtime_error("cannot start " + arguments[0] + ": error " + std::to_string(reason));
+  }
   WaitForSingleObject(process.hProcess, INFINITE);
   DWORD status = 0;
   GetExitCodeProcess(process.hProcess, &status);
   CloseHandle(process.hThread);
   CloseHandle(process.hProcess);
   return {static_cast<int>(status), read_text(streams / "out"), read_text(streams / "err")};
-}
-
-}  // namespace
-
-process_result run_process(const std::vector<std::string>& arguments, const std::filesystem::path& folder,
-                           const std::string& input) {
-  // Under Wine a start can fail on a busy machine, silently and at once, while our programs say something
-  // before they fail: silence means that there was no start.
-  constexpr int most_starts = 3;
-  for (int start = 1;; ++start) {
-    process_result result = run_once(arguments, folder, input);
-    const bool silent = result.output.empty() && result.error.empty();
-    if (result.status == 0 || !silent || start == most_starts) return result;
-  }
 }
 
 void set_environment(const std::string& name, const std::filesystem::path& value) {

@@ -10,7 +10,6 @@
 
 #include <cerrno>
 #include <stdexcept>
-#include <thread>
 #include <utility>
 
 namespace ovtest {
@@ -24,9 +23,11 @@ std::vector<char*> pointers_to(const std::vector<std::string>& arguments) {
 }
 
 /// In a process that has just begun.
-[[noreturn]] void become(const std::vector<char*>& arguments, const std::filesystem::path& folder) {
+[[noreturn]] void become(const std::vector<char*>& arguments, const std::filesystem::path& folder,
+                         bool stands_still) {
   // Some are ignored where tests run in the background.
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) ::signal(signal, SIG_DFL);
+  if (stands_still) (void)::raise(SIGSTOP);
   if (::chdir(folder.c_str()) == 0) ::execv(arguments[0], arguments.data());
   ::_exit(127);
 }
@@ -35,6 +36,27 @@ pid_t started(pid_t id) {
   if (id < 0) throw std::runtime_error("cannot start a process");
   return id;
 }
+
+/// As long as it lives the system stops a program with the first such change in a folder, before the call
+/// that makes it returns.
+class folder_watch {
+ public:
+  folder_watch(folder_change kind, const std::filesystem::path& folder, pid_t program)
+      : handle_(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+    const long changes = kind == folder_change::creation ? DN_CREATE : DN_MODIFY;
+    if (handle_ < 0 || ::fcntl(handle_, F_SETOWN, program) != 0 || ::fcntl(handle_, F_SETSIG, SIGSTOP) != 0 ||
+        ::fcntl(handle_, F_NOTIFY, changes) != 0) {
+      ::close(handle_);
+      throw std::runtime_error("cannot watch a folder");
+    }
+  }
+  folder_watch(const folder_watch&) = delete;
+  folder_watch& operator=(const folder_watch&) = delete;
+  ~folder_watch() { ::close(handle_); }
+
+ private:
+  int handle_;
+};
 
 }  // namespace
 
@@ -46,10 +68,14 @@ started_program::started_program(const std::vector<std::string>& arguments,
                                  const std::filesystem::path& folder, const std::filesystem::path& error) {
   const std::vector<char*> pointers = pointers_to(arguments);
   id_ = started(::fork());
-  if (id_ != 0) return;
+  if (id_ != 0) {
+    int status = 0;
+    if (has_ended(WUNTRACED, status)) throw std::runtime_error("a process does not stand still");
+    return;
+  }
   const int messages = ::open(error.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
   if (::dup2(messages, STDERR_FILENO) != STDERR_FILENO) ::_exit(127);
-  become(pointers, folder);
+  become(pointers, folder, true);
 }
 
 started_program::~started_program() {
@@ -70,36 +96,28 @@ bool started_program::has_ended(int options, int& status) {
   return true;
 }
 
-bool started_program::hold() {
+void started_program::go_on() const { send(SIGCONT); }
+
+bool started_program::goes_on_to(folder_change kind, const std::filesystem::path& folder) {
+  const folder_watch watch(kind, folder, id_);
+  go_on();
   int status = 0;
-  send(SIGSTOP);
   return !has_ended(WUNTRACED, status);
 }
-
-void started_program::go_on() const { send(SIGCONT); }
 
 void started_program::send(int signal) const {
   if (id_ != 0) ::kill(id_, signal);
 }
 
 ended_program started_program::wait() {
+  go_on();
   int status = 0;
   (void)has_ended(0, status);
   return end_;
 }
 
-bool started_program::runs_until(const std::function<bool()>& there,
-                                 std::chrono::microseconds between_looks) {
-  for (int status = 0; !has_ended(WNOHANG, status);) {
-    if (there()) return true;
-    std::this_thread::sleep_for(between_looks);
-  }
-  return false;
-}
-
-ended_program started_program::stop_when(const std::function<bool()>& there, int signal,
-                                         std::chrono::microseconds between_looks) {
-  if (runs_until(there, between_looks)) send(signal);
+ended_program started_program::wait_after(int signal) {
+  send(signal);
   return wait();
 }
 
@@ -108,7 +126,7 @@ shown on_terminal(const std::string& script, const std::filesystem::path& folder
   const std::vector<char*> pointers = pointers_to(arguments);
   int terminal = -1;
   const pid_t child = started(::forkpty(&terminal, nullptr, nullptr, nullptr));
-  if (child == 0) become(pointers, folder);
+  if (child == 0) become(pointers, folder, false);
   shown seen;
   bool waits = sent.signal != 0;
   char bytes[4096];

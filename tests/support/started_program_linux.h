@@ -3,9 +3,7 @@
 
 #include <sys/types.h>
 
-#include <chrono>
 #include <filesystem>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -18,27 +16,34 @@ struct ended_program {
   bool was_ended_by(int signal) const noexcept;
 };
 
+/// What programs do to a folder. What lies in folders inside it does not count.
+enum class folder_change {
+  creation,  ///< of a file or a folder
+  writing    ///< into a file, or its cutting
+};
+
 /// Hears of every signal, whatever this process does with it. One that is not waited for is killed.
 class started_program {
  public:
-  /// `arguments` with the program's path first; `error` is the file that has its standard error.
+  /// Stands still at first. `arguments` with the program's path first; `error` is the file that has its
+  /// standard error.
   started_program(const std::vector<std::string>& arguments, const std::filesystem::path& folder,
                   const std::filesystem::path& error = "/dev/null");
   ~started_program();
   started_program(const started_program&) = delete;
   started_program& operator=(const started_program&) = delete;
 
-  void send(int signal) const;
-  /// Stands still until `go_on`; false when it has ended before.
-  bool hold();
   void go_on() const;
+  /// From where it stands still up to the call that makes the first such change in `folder`, in which it
+  /// stands still again, however busy the system is. False when it ends before. Nobody else may change the
+  /// folder.
+  bool goes_on_to(folder_change kind, const std::filesystem::path& folder);
+  /// One that stands still hears of the signal when it goes on.
+  void send(int signal) const;
+  /// Lets it go on to its end.
   ended_program wait();
-  /// Looks again and again; false when the program ends before.
-  bool runs_until(const std::function<bool()>& there,
-                  std::chrono::microseconds between_looks = std::chrono::microseconds(0));
-  /// Sends the signal as soon as that is there, and waits for the end, which may come before.
-  ended_program stop_when(const std::function<bool()>& there, int signal,
-                          std::chrono::microseconds between_looks = std::chrono::microseconds(0));
+  /// The same with a signal that comes before anything else.
+  ended_program wait_after(int signal);
 
  private:
   bool has_ended(int options, int& status);

@@ -8,6 +8,7 @@
 #include "failure.h"
 #include "replacement.h"
 #include "sql/scan_columns.h"
+#include "sql/scan_failure.h"
 #include "sql/scanned_table.h"
 #include "sql/sql_failure.h"
 #include "unique_names.h"
@@ -25,13 +26,15 @@ struct defaults {
   const functions& library;
   absent_value absent;
   row_count& rows;
+  scan_failure& failed;
 };
 
 struct bound_table {
-  bound_table(const std::string& file, const scan_options& options, row_count& read)
-      : table(file, options), rows(read) {}
+  bound_table(const std::string& file, const scan_options& options, const defaults& given)
+      : table(file, options), rows(given.rows), failed(given.failed) {}
   scanned_table table;
   row_count& rows;
+  scan_failure& failed;
 };
 
 /// What the threads of one scan share.
@@ -102,7 +105,7 @@ void bind(const defaults& given, duckdb::bind_info info) {
   const duckdb_value value(library, library.bind_get_parameter(info, 0));
   const std::string file = take_text(library, value.get(), "the table's name");
   if (file.empty()) throw failure("the table's name is empty");
-  auto bound = std::make_unique<bound_table>(file, options_of(given, info), given.rows);
+  auto bound = std::make_unique<bound_table>(file, options_of(given, info), given);
   const duckdb_type text(library, library.create_logical_type(duckdb::type_id::varchar));
   const duckdb_type number(
       library, library.create_logical_type(bound->table.gives_floats() ? duckdb::type_id::real
@@ -187,8 +190,13 @@ void init_thread_call(duckdb::init_info info) {
   guard(loaded->init_set_error, info,
         [&] { loaded->init_set_init_data(info, new thread_scan, destroy<thread_scan>); });
 }
+/// The library stops the other threads before it tells of the error.
+void set_scan_error(duckdb::call_info info, const char* words) {
+  static_cast<const bound_table*>(loaded->function_get_bind_data(info))->failed.note(words);
+  loaded->function_set_error(info, words);
+}
 void fill_call(duckdb::call_info info, duckdb::chunk output) {
-  guard(loaded->function_set_error, info, [&] { fill(*loaded, info, output); });
+  guard(set_scan_error, info, [&] { fill(*loaded, info, output); });
 }
 
 void replace_name(duckdb::scan_info info, const char* name, void*) {
@@ -210,7 +218,7 @@ std::vector<std::string> sql_names(const std::vector<field_view>& fields) {
 }
 
 void define_read_ovt(const functions& library, duckdb::database database, duckdb::connection connection,
-                     absent_value absent, row_count& rows) {
+                     absent_value absent, row_count& rows, scan_failure& failed) {
   loaded = &library;
   const duckdb_type text(library, library.create_logical_type(duckdb::type_id::varchar));
   const duckdb_type choice(library, library.create_logical_type(duckdb::type_id::boolean));
@@ -220,7 +228,7 @@ void define_read_ovt(const functions& library, duckdb::database database, duckdb
   library.table_function_add_named_parameter(made, "absent", text.get());
   library.table_function_add_named_parameter(made, "condition", text.get());
   library.table_function_add_named_parameter(made, "widen", choice.get());
-  library.table_function_set_extra_info(made, new defaults{library, absent, rows}, destroy<defaults>);
+  library.table_function_set_extra_info(made, new defaults{library, absent, rows, failed}, destroy<defaults>);
   library.table_function_set_bind(made, bind_call);
   library.table_function_set_init(made, init_call);
   library.table_function_set_local_init(made, init_thread_call);

@@ -15,13 +15,15 @@ namespace command {
 
 enum class absent_value;
 class row_count;
+class scan_failure;
 
 /// What SQL, and so the files that it makes, call these fields: they take AU and Au for the same.
 std::vector<std::string> sql_names(const std::vector<field_view>& fields);
 
-/// Makes both known to a database. `absent` is what stands where a call does not say it; `rows`, which must
-/// outlive the database, receives how many are read. Throws `failure`.
+/// Makes both known to a database. `absent` is what stands where a call does not say it. `rows` receives how
+/// many are read and `failed` why some could not be; both must outlive the database. Throws `failure`.
 void define_read_ovt(const duckdb::functions& library, duckdb::database database,
-                     duckdb::connection connection, absent_value absent, row_count& rows);
+                     duckdb::connection connection, absent_value absent, row_count& rows,
+                     scan_failure& failed);
 
 }  // namespace command

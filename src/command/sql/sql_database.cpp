@@ -7,6 +7,7 @@
 #include "failure.h"
 #include "private_folder.h"
 #include "sql/read_ovt.h"
+#include "sql/scan_failure.h"
 #include "sql/sql_failure.h"
 #include "sql/statement_watch.h"
 #include "utf8_path.h"
@@ -37,7 +38,7 @@ class sql_database::body {
       if (library.connect(database_, &connection) == duckdb::status::failed) {
         throw failure("cannot connect to DuckDB");
       }
-      define_read_ovt(library, database_, connection, settings.absent, rows);
+      define_read_ovt(library, database_, connection, settings.absent, rows, scans);
       if (is_terminal(standard_stream::error)) let_progress_be_asked();
       watch.emplace(library, connection, rows);
     } catch (...) {
@@ -52,7 +53,7 @@ class sql_database::body {
     duckdb_prepared made(library);
     if (library.prepare(connection, statement.c_str(), made.out()) == duckdb::status::failed) {
       const char* const words = library.prepare_error(made.get());
-      throw_sql_failure(words != nullptr ? words : "the statement cannot be prepared", own_lines);
+      throw_sql_failure(words != nullptr ? words : "the statement cannot be prepared", own_lines, scans);
     }
     return made;
   }
@@ -73,6 +74,7 @@ class sql_database::body {
   const duckdb::functions& library;
   duckdb::connection connection = nullptr;
   row_count rows;
+  scan_failure scans;
   std::optional<statement_watch> watch;
 
  private:
@@ -153,6 +155,7 @@ sql_result sql_database::run(const std::string& statement, std::size_t own_lines
   duckdb::result result{};
   duckdb::status status = duckdb::status::done;
   body_->rows.start_again();
+  body_->scans.forget();
   if (body_->is_several(statement)) {
     throw_if_interrupted();
     status = library.query(body_->connection, statement.c_str(), &result);
@@ -160,10 +163,10 @@ sql_result sql_database::run(const std::string& statement, std::size_t own_lines
     const duckdb_prepared made = body_->prepare(statement, own_lines);
     status = library.execute_prepared_streaming(made.get(), &result);
   }
-  sql_result rows(library, result, own_lines);
+  sql_result rows(library, result, own_lines, body_->scans);
   if (status == duckdb::status::failed) {
     const char* const words = library.result_error(&result);
-    throw_sql_failure(words != nullptr ? words : "the statement failed", own_lines);
+    throw_sql_failure(words != nullptr ? words : "the statement failed", own_lines, body_->scans);
   }
   return rows;
 }

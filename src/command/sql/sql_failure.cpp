@@ -4,6 +4,7 @@
 
 #include "console.h"
 #include "failure.h"
+#include "sql/scan_failure.h"
 
 namespace command {
 namespace {
@@ -49,6 +50,20 @@ std::string_view without_calls(std::string_view words) {
   return words.substr(0, words.find("\n\nStack Trace"));
 }
 
+/// What the library says of rows that were asked for after the statement had failed leads to why it had.
+std::string_view first_words(std::string_view words) {
+  constexpr std::string_view asked_in_vain = "closed pending query result\nError: ";
+  const std::size_t at = words.find(asked_in_vain);
+  return at == words.npos ? words : words.substr(at + asked_in_vain.size());
+}
+
+/// A thread that fails stops the others, and the library may tell of their stop instead.
+bool is_stop(std::string_view words) { return words.starts_with("INTERRUPT Error"); }
+
+/// With one thread there is nobody to be stopped.
+constexpr const char* unknown_reason =
+    "the statement failed, and DuckDB does not tell why; with --threads 1 it does";
+
 /// The library puts its kind of error before what one of its functions says; our words stand alone.
 void strip_to_own(std::string& line) {
   const std::size_t at = line.find(own_words_mark);
@@ -59,8 +74,11 @@ void strip_to_own(std::string& line) {
 
 std::string own_sql_words(const std::string& words) { return own_words_mark + words; }
 
-void throw_sql_failure(std::string_view words, std::size_t own_lines) {
+void throw_sql_failure(std::string_view words, std::size_t own_lines, const scan_failure& scans) {
   throw_if_interrupted();
+  words = first_words(words);
+  const std::string scan_words = scans.words();
+  if (is_stop(words)) words = scan_words.empty() ? unknown_reason : std::string_view(scan_words);
   // The message; then, behind "LINE 1:", the statement and a mark under the place.
   constexpr std::string_view before_place = "\nLINE ";
   const std::size_t place = words.find(before_place);

@@ -12,7 +12,8 @@ sql_result::sql_result(sql_result&& other) noexcept
       result_(std::exchange(other.result_, {})),
       chunk_(std::move(other.chunk_)),
       rows_(other.rows_),
-      own_lines_(other.own_lines_) {}
+      own_lines_(other.own_lines_),
+      scans_(other.scans_) {}
 
 sql_result::~sql_result() {
   chunk_.reset();
@@ -25,7 +26,7 @@ bool sql_result::next() {
   rows_ = chunk_ ? static_cast<std::size_t>(library_->data_chunk_get_size(chunk_.get())) : 0;
   if (rows_ > 0) return true;
   const char* const words = library_->result_error(&result_);
-  if (words != nullptr && *words != '\0') throw_sql_failure(words, own_lines_);
+  if (words != nullptr && *words != '\0') throw_sql_failure(words, own_lines_, *scans_);
   return false;
 }
 

@@ -5,14 +5,17 @@
 #include <string_view>
 
 #include "duckdb/duckdb_owner.h"
+#include "sql/scan_failure.h"
 
 namespace command {
 
 class sql_result {
  public:
-  /// Takes the result over. The statement has `own_lines` lines before the user's.
-  sql_result(const duckdb::functions& library, duckdb::result made, std::size_t own_lines) noexcept
-      : library_(&library), result_(made), chunk_(library), own_lines_(own_lines) {}
+  /// Takes the result over. The statement has `own_lines` lines before the user's. `scans` is why table files
+  /// could not be read, and must outlive the result.
+  sql_result(const duckdb::functions& library, duckdb::result made, std::size_t own_lines,
+             const scan_failure& scans) noexcept
+      : library_(&library), result_(made), chunk_(library), own_lines_(own_lines), scans_(&scans) {}
   sql_result(sql_result&& other) noexcept;
   sql_result& operator=(sql_result&&) = delete;
   ~sql_result();
@@ -53,6 +56,7 @@ class sql_result {
   duckdb_chunk chunk_;
   std::size_t rows_ = 0;
   std::size_t own_lines_;
+  const scan_failure* scans_;
 };
 
 }  // namespace command
