@@ -44,7 +44,6 @@ ovf_sources(files tests/support)
 if(files)
   add_library(ovf_test_support STATIC ${files})
   target_precompile_headers(ovf_test_support REUSE_FROM ovf_precompiled_tests)
-  ovf_join_sources(ovf_test_support 10)
   target_link_libraries(ovf_test_support PRIVATE ovf_test_settings)
 endif()
 
