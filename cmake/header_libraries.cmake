@@ -14,4 +14,3 @@ endforeach()
 
 add_library(ovf_header_libraries INTERFACE)
 target_include_directories(ovf_header_libraries SYSTEM INTERFACE "${links}")
-target_compile_definitions(ovf_header_libraries INTERFACE FMT_HEADER_ONLY=1)

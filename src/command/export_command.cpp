@@ -14,6 +14,7 @@
 #include "table_options.h"
 #include "table_view.h"
 #include "text_output.h"
+#include "words.h"
 
 namespace command {
 namespace {

@@ -23,7 +23,7 @@ bool can_match(const ovfile::table_kind& kind) {
 
 /// The names apart by `separator`, each as `shown` gives it.
 template <class Shown>
-std::string joined(const ovfile::table_kind& kind, std::string_view separator, Shown shown) {
+std::string joined_names(const ovfile::table_kind& kind, std::string_view separator, Shown shown) {
   std::string out;
   for (const std::string_view name : kind.fields()) {
     if (!out.empty()) out += separator;
@@ -36,7 +36,8 @@ std::string columns_of(const ovfile::table_kind& kind) {
   const auto shown = [](std::string_view name) {
     return name.ends_with(' ') ? fmt::format("\"{}\"", name) : std::string(name);
   };
-  return joined(kind, " ", shown) + (can_match(kind) ? "" : "  (never found: no name ends with a blank)");
+  return joined_names(kind, " ", shown) +
+         (can_match(kind) ? "" : "  (never found: no name ends with a blank)");
 }
 
 void append_words(std::string& out) {
@@ -57,7 +58,7 @@ void append_json(std::string& out) {
     out += fmt::format(
         R"({}{{"row": {}, "kind": {}, "name": {}, "value": {}, "can_match": {}, "fields": [{}]}})", separator,
         ++row, json_text(kind_words(kind.type)), kind.name.empty() ? "null" : json_text(kind.name),
-        static_cast<LONG>(kind.type), can_match(kind), joined(kind, ", ", json_text));
+        static_cast<LONG>(kind.type), can_match(kind), joined_names(kind, ", ", json_text));
     separator = ",\n  ";
   }
   out += "\n]\n";

@@ -94,7 +94,7 @@ void warn_of_fields_not_taken(const std::string& xml, const std::vector<field_vi
       "warning: {}: not taken over: {} (a field is <OvField and a blank, on a line of its own, with "
       "values in double quotes, a name of at most 8 characters, a type numeric or alphanumeric, and "
       "in the latter case a length of 0 to 1048576)",
-      file, fmt::join(missing, ", ")));
+      file, joined(missing, ", ")));
 }
 
 void check_field(const field_view& field, bool single, std::size_t longest, const std::string& file) {

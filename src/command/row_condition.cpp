@@ -5,7 +5,6 @@
 
 #include "evaluator.h"
 #include "failure.h"
-#include "words.h"
 
 namespace command {
 namespace {

@@ -65,7 +65,7 @@ void write_to_table(sql_database& database, const sql_request& request, const st
   if (!shape.is_query) throw failure("this statement gives no rows to make a table of");
   // The rows are looked at twice, and the second time has to find the same.
   database.execute(fmt::format("create temp table ovfile_rows as select * from (\n{}\n) as q({})", statement,
-                               fmt::join(own_column_names(shape.columns.size()), ", ")),
+                               joined(own_column_names(shape.columns.size()), ", ")),
                    1);
   std::vector<std::string> notes;
   query_table_request made = request.made;

@@ -90,6 +90,14 @@ std::string json_number(double value, bool there, bool single) {
   return there ? kept_text(value, single) : "null";
 }
 
+std::string bin_counts(const number_stats& stats) {
+  std::string out;
+  for (const std::uint64_t count : stats.histogram()) {
+    out += (out.empty() ? "" : ", ") + std::to_string(count);
+  }
+  return out;
+}
+
 std::string json_of(const number_stats& stats, bool single) {
   const bool any = stats.values() > 0;
   return fmt::format(
@@ -98,7 +106,7 @@ std::string json_of(const number_stats& stats, bool single) {
       stats.values(), stats.absent(), stats.trace(), stats.special(), json_number(stats.min(), any, single),
       json_number(stats.max(), any, single), json_number(stats.mean(), any, single),
       json_number(stats.values() > 1 ? stats.deviation() : 0, stats.values() > 1, single),
-      any ? fmt::format("{}", fmt::join(stats.histogram(), ", ")) : "");
+      any ? bin_counts(stats) : "");
 }
 
 std::string json_of(const text_counter& stats) {

@@ -95,9 +95,9 @@ const field_view& table_view::field(const std::string& name) const {
   for (const field_view& there : fields_) names.push_back(there.name);
   const std::vector<std::string> similar = names_near(names, name);
   if (!similar.empty()) {
-    throw failure(fmt::format("{} has no column {}; it has {}", file_, name, fmt::join(similar, ", ")));
+    throw failure(fmt::format("{} has no column {}; it has {}", file_, name, joined(similar, ", ")));
   }
-  throw failure(fmt::format("{} has no column {}; its columns are {}", file_, name, fmt::join(names, ", ")));
+  throw failure(fmt::format("{} has no column {}; its columns are {}", file_, name, joined(names, ", ")));
 }
 
 void table_view::check_new_name(const std::string& name) const {

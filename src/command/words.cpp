@@ -18,6 +18,15 @@ std::string counted(long long count, std::string_view thing) {
   return fmt::format("{} {}{}", count, thing, count == 1 ? "" : "s");
 }
 
+std::string joined(const std::vector<std::string>& texts, std::string_view separator) {
+  std::string out;
+  for (const std::string& text : texts) {
+    if (&text != &texts.front()) out += separator;
+    out += text;
+  }
+  return out;
+}
+
 std::string json_text(std::string_view utf8) {
   std::string out = "\"";
   for (const char c : utf8) {

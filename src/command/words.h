@@ -1,14 +1,12 @@
-// Text formatting for messages and output.
+// Text formatting for messages and output. fmt/format.h is dear to compile and for number_text.cpp and
+// formatting.cpp alone.
 #pragma once
 
-#ifndef FMT_HEADER_ONLY
-#define FMT_HEADER_ONLY 1
-#endif
-#include <fmt/compile.h>
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace command {
 
@@ -17,6 +15,9 @@ void say(std::string_view words, std::string_view lines = {});
 
 /// "1 row", "2 rows".
 std::string counted(long long count, std::string_view thing);
+
+/// The texts in one, apart by `separator`.
+std::string joined(const std::vector<std::string>& texts, std::string_view separator);
 
 /// A JSON string, quotes included.
 std::string json_text(std::string_view utf8);

@@ -105,7 +105,7 @@ std::string cleaned(const std::string& source, const std::vector<sql_column>& co
     if (is_float && is_text_asked_for(request, columns[i].name)) value = float_as_text(value);
     values.push_back(value + " as " + names[i]);
   }
-  return fmt::format("(select {} from {} as q({}))", fmt::join(values, ", "), source, fmt::join(names, ", "));
+  return fmt::format("(select {} from {} as q({}))", joined(values, ", "), source, joined(names, ", "));
 }
 
 std::string need_of(const std::string& column, type_id type, const std::string& type_name) {
@@ -134,7 +134,7 @@ std::string select_values(const std::vector<stream_column>& columns, const std::
     const char* const type = columns[i].is_text ? "varchar" : columns[i].is_float ? "real" : "double";
     values.push_back(fmt::format("cast(c{} as {})", i, type));
   }
-  return fmt::format("select {} from {}", fmt::join(values, ", "), from);
+  return fmt::format("select {} from {}", joined(values, ", "), from);
 }
 
 }  // namespace command

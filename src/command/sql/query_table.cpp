@@ -99,7 +99,7 @@ std::vector<bool> plan_fields(sql_database& database, const std::string& from,
   }
   // Counted too: it gives one row whatever the columns are.
   sql_result found = database.run(
-      fmt::format("select {}, count(*), {} from {}", fmt::join(needs, ", "), fmt::join(fits, ", "), from));
+      fmt::format("select {}, count(*), {} from {}", joined(needs, ", "), joined(fits, ", "), from));
   if (!found.next()) throw failure("the query gave nothing");
   for (std::size_t i = 0; i < columns.size(); ++i) {
     const known_column* const known = find_last(request.known, columns[i].name);

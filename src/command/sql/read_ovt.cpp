@@ -12,7 +12,6 @@
 #include "sql/scanned_table.h"
 #include "sql/sql_failure.h"
 #include "unique_names.h"
-#include "words.h"
 
 namespace command {
 namespace {

@@ -4,7 +4,6 @@
 
 #include "failure.h"
 #include "file_identity.h"
-#include "words.h"
 
 namespace command {
 namespace {
