@@ -52,6 +52,9 @@ set(OVF_WARNINGS -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
 
 add_library(ovf_settings INTERFACE)
 target_compile_options(ovf_settings INTERFACE ${OVF_WARNINGS})
+# g++ means names of the other files of a lot too, clang only what a local name hides of the same namespace.
+set(is_joined "$<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>")
+target_compile_options(ovf_settings INTERFACE "$<$<AND:$<CXX_COMPILER_ID:GNU>,${is_joined}>:-Wno-shadow;-Wshadow=local>")
 target_link_libraries(ovf_settings INTERFACE Threads::Threads)
 
 if(WIN32)

@@ -1,12 +1,11 @@
 // Classes by identifier: those that this process registered, the library's own, then registered modules.
 #include <algorithm>
 #include <mutex>
-#include <new>
 #include <vector>
 
+#include "platform/caught_linux.h"
 #include "platform/class_registry_linux.h"
 #include "platform/own_classes.h"
-#include "platform/text_case.h"
 
 namespace ovf {
 
@@ -76,52 +75,6 @@ HRESULT find_class_object(REFCLSID id, DWORD context, REFIID iid, void** out) {
   return module ? class_object_of_module(*module, id, iid, out) : REGDB_E_CLASSNOTREG;
 }
 
-const own_class* own_class_named(wide_view name) {
-  for (const own_class& candidate : own_classes) {
-    if (equal_without_case(name, candidate.name) || equal_without_case(name, candidate.versioned)) {
-      return &candidate;
-    }
-  }
-  return nullptr;
-}
-
-HRESULT class_named(wide_view name, CLSID& id) {
-  if (const own_class* own = own_class_named(name)) {
-    id = own->id;
-    return S_OK;
-  }
-  const std::optional<CLSID> found = registered_class(name);
-  id = found.value_or(CLSID_NULL);
-  return found ? S_OK : CO_E_CLASSSTRING;
-}
-
-HRESULT task_copy(wide_view text, LPOLESTR* out) {
-  const std::size_t size = (text.size() + 1) * sizeof(OLECHAR);
-  *out = static_cast<LPOLESTR>(CoTaskMemAlloc(size));
-  if (*out == nullptr) return E_OUTOFMEMORY;
-  std::copy(text.begin(), text.end(), *out);
-  (*out)[text.size()] = 0;
-  return S_OK;
-}
-
-HRESULT name_of(REFCLSID id, LPOLESTR* out) {
-  if (const own_class* own = find_own_class(id)) return task_copy(own->versioned, out);
-  const std::optional<wide> name = registered_name(id);
-  return name ? task_copy(*name, out) : REGDB_E_CLASSNOTREG;
-}
-
-/// Runs a body whose exceptions must not reach the caller.
-template <class Body>
-HRESULT caught(Body&& body) noexcept {
-  try {
-    return body();
-  } catch (const std::bad_alloc&) {
-    return E_OUTOFMEMORY;
-  } catch (...) {
-    return E_FAIL;
-  }
-}
-
 }  // namespace
 
 }  // namespace ovf
@@ -161,17 +114,4 @@ HRESULT CoRevokeClassObject(DWORD dwRegister) {
   if (object == nullptr) return CO_E_OBJNOTREG;
   object->Release();
   return S_OK;
-}
-
-HRESULT CLSIDFromProgID(LPCOLESTR progId, CLSID* pclsid) {
-  if (pclsid == nullptr) return E_POINTER;
-  *pclsid = CLSID_NULL;
-  if (progId == nullptr) return E_INVALIDARG;
-  return ovf::caught([&] { return ovf::class_named(progId, *pclsid); });
-}
-
-HRESULT ProgIDFromCLSID(REFCLSID clsid, LPOLESTR* pprogId) {
-  if (pprogId == nullptr) return E_POINTER;
-  *pprogId = nullptr;
-  return ovf::caught([&] { return ovf::name_of(clsid, pprogId); });
 }

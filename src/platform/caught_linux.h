@@ -1,0 +1,22 @@
+// What keeps exceptions inside the component runtime.
+#pragma once
+
+#include <new>
+
+#include "ovfile/component.h"
+
+namespace ovf {
+
+/// Runs a body whose exceptions must not reach the caller.
+template <class Body>
+HRESULT caught(Body&& body) noexcept {
+  try {
+    return body();
+  } catch (const std::bad_alloc&) {
+    return E_OUTOFMEMORY;
+  } catch (...) {
+    return E_FAIL;
+  }
+}
+
+}  // namespace ovf
