@@ -77,10 +77,7 @@ class sql_changed_test : public ovtest::sql_test {
   }
 
   fs::path error_file() const { return aside_ / "error"; }
-  std::string error() const {
-    const ovtest::bytes content = ovtest::read_bytes(error_file());
-    return {content.begin(), content.end()};
-  }
+  std::string error() const { return ovtest::read_text(error_file()); }
   fs::path aside(const std::string& name) const { return aside_ / name; }
 
  private:
