@@ -62,13 +62,8 @@ class command_test : public testing::Test {
     expect_refusal(2, std::move(arguments), line, {});
   }
 
-  void write(const std::string& name, const std::string& text) const {
-    write_bytes(folder_ / name, bytes(text.begin(), text.end()));
-  }
-  std::string read(const std::string& name) const {
-    const bytes content = read_bytes(folder_ / name);
-    return {content.begin(), content.end()};
-  }
+  void write(const std::string& name, const std::string& text) const { write_text(folder_ / name, text); }
+  std::string read(const std::string& name) const { return read_text(folder_ / name); }
 
   /// The names in the folder, sorted.
   std::vector<std::string> files() const {

@@ -18,13 +18,23 @@ inline std::filesystem::path unfinished_in(const std::filesystem::path& folder) 
 }
 
 /// Up to the first bytes of a file, or of a file in a folder of the new folder, that takes a place in
-/// `folder`. False when the program ends before.
-inline bool goes_on_to_first_bytes(started_program& program, const std::filesystem::path& folder) {
-  if (!program.goes_on_to(folder_change::creation, folder)) return false;
-  const std::filesystem::path unfinished = unfinished_in(folder);
-  if (!std::filesystem::is_directory(unfinished)) return program.goes_on_to(folder_change::writing, folder);
-  return program.goes_on_to(folder_change::creation, unfinished) &&
-         program.goes_on_to(folder_change::writing, std::filesystem::directory_iterator(unfinished)->path());
+/// `folder`; the folder that has it. Empty when the program ends before.
+inline std::filesystem::path goes_on_to_first_bytes(started_program& program,
+                                                    const std::filesystem::path& folder) {
+  if (!program.goes_on_to(folder_change::creation, folder)) return {};
+  std::filesystem::path changing = folder;
+  if (const auto unfinished = unfinished_in(folder); std::filesystem::is_directory(unfinished)) {
+    if (!program.goes_on_to(folder_change::creation, unfinished)) return {};
+    changing = std::filesystem::directory_iterator(unfinished)->path();
+  }
+  return program.goes_on_to(folder_change::writing, changing) ? changing : std::filesystem::path();
+}
+
+/// Up to the first of its bytes that come of rows; a mark stands before them. False when the program ends
+/// before.
+inline bool goes_on_to_first_rows(started_program& program, const std::filesystem::path& folder) {
+  const std::filesystem::path changing = goes_on_to_first_bytes(program, folder);
+  return !changing.empty() && program.goes_on_to(folder_change::writing, changing);
 }
 
 }  // namespace ovtest

@@ -44,7 +44,7 @@ class sql_changed_test : public ovtest::sql_test {
   int run_with(const change& made, names arguments) const {
     arguments.insert(arguments.begin(), program());
     ovtest::started_program reader(arguments, folder().path(), error_file());
-    EXPECT_TRUE(goes_on_to_first_bytes(reader, folder().path()));
+    EXPECT_TRUE(goes_on_to_first_rows(reader, folder().path()));
     made.make(folder() / "t.ovt");
     const int status = reader.wait().status;
     EXPECT_TRUE(WIFEXITED(status));
@@ -77,10 +77,7 @@ class sql_changed_test : public ovtest::sql_test {
   }
 
   fs::path error_file() const { return aside_ / "error"; }
-  std::string error() const {
-    const ovtest::bytes content = ovtest::read_bytes(error_file());
-    return {content.begin(), content.end()};
-  }
+  std::string error() const { return ovtest::read_text(error_file()); }
   fs::path aside(const std::string& name) const { return aside_ / name; }
 
  private:
@@ -125,6 +122,7 @@ TEST_F(sql_changed_test, between_the_look_at_a_statement_and_its_work) {
     restore("more.ovt", folder() / "kept.ovt");
     ovtest::started_program reader({program(), "sql", statement, "--output", "a.ovt", "--threads", "1"},
                                    folder().path(), error_file());
+    reader.go_on();
     const int pipe = ::open((folder() / "pipe").c_str(), O_WRONLY);  // returns when it is read
     made.make(folder() / "t.ovt");
     EXPECT_EQ(::write(pipe, "7\n", 2), 2);

@@ -14,11 +14,6 @@
 namespace ovtest {
 namespace {
 
-std::string read_text(const std::filesystem::path& path) {
-  const bytes content = read_bytes(path);
-  return {content.begin(), content.end()};
-}
-
 int exit_status(pid_t child) {
   int status = 0;
   while (::waitpid(child, &status, 0) < 0) {
@@ -33,7 +28,7 @@ process_result run_process(const std::vector<std::string>& arguments, const std:
                            const std::string& input) {
   // Files instead of pipes: nothing can wait for the other side.
   const scratch_folder streams;
-  write_bytes(streams / "in", bytes(input.begin(), input.end()));
+  write_text(streams / "in", input);
   std::vector<char*> pointers;
   for (const std::string& argument : arguments) pointers.push_back(const_cast<char*>(argument.c_str()));
   pointers.push_back(nullptr);

@@ -10,11 +10,6 @@
 namespace ovtest {
 namespace {
 
-std::string read_text(const std::filesystem::path& path) {
-  const bytes content = read_bytes(path);
-  return {content.begin(), content.end()};
-}
-
 HANDLE open_stream(const std::filesystem::path& path, bool write) {
   SECURITY_ATTRIBUTES inherited{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
   const HANDLE handle =
@@ -43,7 +38,7 @@ void append_quoted(std::wstring& line, const std::wstring& argument) {
 process_result run_process(const std::vector<std::string>& arguments, const std::filesystem::path& folder,
                            const std::string& input) {
   const scratch_folder streams;
-  write_bytes(streams / "in", bytes(input.begin(), input.end()));
+  write_text(streams / "in", input);
   std::wstring line;
   for (const std::string& argument : arguments) append_quoted(line, ovfile::to_wide(argument));
 

@@ -62,7 +62,9 @@ class sql_database::body {
   bool can_be_nested(const std::string& statement) const {
     duckdb_prepared made(library);
     const std::string nested = "from (\n" + statement + "\n)";
-    return library.prepare(connection, nested.c_str(), made.out()) == duckdb::status::done;
+    const bool can = library.prepare(connection, nested.c_str(), made.out()) == duckdb::status::done;
+    throw_if_interrupted();  // a stop ends this call too, and then it says nothing of the statement
+    return can;
   }
 
   /// Whether the library makes several statements of this one, which it then does not prepare.
