@@ -2,10 +2,8 @@
 
 #include <fmt/compile.h>
 
-#include <charconv>
 #include <cmath>
 #include <cstdint>
-#include <iterator>
 
 namespace command {
 namespace {
@@ -13,11 +11,11 @@ namespace {
 template <class Float>
 void append_shortest(std::string& out, Float value) {
   constexpr Float largest_whole = sizeof(Float) == sizeof(float) ? Float(16777216) : Float(1e15);
-  char text[48];
   if (std::fabs(value) < largest_whole) {
     const auto whole = static_cast<std::int64_t>(value);
     if (static_cast<Float>(whole) == value && (whole != 0 || !std::signbit(value))) {
-      out.append(text, std::to_chars(std::begin(text), std::end(text), whole).ptr);
+      const fmt::format_int digits(whole);
+      out.append(digits.data(), digits.size());
       return;
     }
   }
@@ -25,6 +23,7 @@ void append_shortest(std::string& out, Float value) {
     out += "nan";
     return;
   }
+  char text[48];
   out.append(text, fmt::format_to(text, FMT_COMPILE("{}"), value));
 }
 
