@@ -3,7 +3,7 @@
 #include <mutex>
 #include <vector>
 
-#include "platform/caught_linux.h"
+#include "platform/caught.h"
 #include "platform/class_registry_linux.h"
 #include "platform/own_classes.h"
 

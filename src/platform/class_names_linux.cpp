@@ -1,7 +1,7 @@
 // Programmatic identifiers of classes, and classes by them: the library's own, then registered ones.
 #include <algorithm>
 
-#include "platform/caught_linux.h"
+#include "platform/caught.h"
 #include "platform/class_registry_linux.h"
 #include "platform/own_classes.h"
 #include "platform/text_case.h"

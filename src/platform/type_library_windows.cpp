@@ -1,3 +1,4 @@
+#include "platform/caught.h"
 #include "platform/type_library.h"
 
 #include <atomic>
@@ -37,17 +38,6 @@ bool is_registered() {
   wchar_t id[40] = L"";
   StringFromGUID2(LIBID_OvFileLib, id, 40);
   return registry_key_exists({registry_root::classes, wide(L"TypeLib\\").append(id).append(L"\\1.0")});
-}
-
-template <class Body>
-HRESULT caught(Body&& body) noexcept {
-  try {
-    return body();
-  } catch (const std::bad_alloc&) {
-    return E_OUTOFMEMORY;
-  } catch (...) {
-    return E_FAIL;
-  }
 }
 
 }  // namespace

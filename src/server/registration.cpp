@@ -2,6 +2,7 @@
 // and the two categories by which browsers and scripts know a component that they may use.
 #include <new>
 
+#include "platform/caught.h"
 #include "platform/module_path.h"
 #include "platform/own_classes.h"
 #include "platform/registry.h"
@@ -144,16 +145,6 @@ HRESULT unregister_all() {
   const HRESULT classes = unregister_classes();
   const HRESULT types = unregister_type_library();
   return FAILED(classes) ? classes : types;
-}
-
-HRESULT caught(HRESULT (*body)()) noexcept {
-  try {
-    return body();
-  } catch (const std::bad_alloc&) {
-    return E_OUTOFMEMORY;
-  } catch (...) {
-    return E_FAIL;
-  }
 }
 
 }  // namespace

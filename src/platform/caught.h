@@ -1,9 +1,9 @@
-// What keeps exceptions inside the component runtime.
+// What keeps exceptions inside the functions that hosts call by name.
 #pragma once
 
 #include <new>
 
-#include "ovfile/component.h"
+#include "ovfile/ovfile.h"
 
 namespace ovf {
 
