@@ -2,7 +2,6 @@
 // writers lose nothing, and a kill leaves the old text or the new one.
 #include <fcntl.h>
 #include <pwd.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -10,15 +9,17 @@
 #include <chrono>
 #include <filesystem>
 #include <optional>
-#include <thread>
 
 #include "platform/descriptor_linux.h"
 #include "platform/environment_linux.h"
 #include "platform/registry_file_linux.h"
+#include "platform/registry_lock_linux.h"
 
 namespace ovf {
 
 namespace {
+
+constexpr std::chrono::seconds longest_wait{10};
 
 std::string home_folder() {
   std::string home = environment_value("HOME");
@@ -120,33 +121,6 @@ std::string behind_links(std::string name) {
   return name;
 }
 
-/// The lock file. Whoever made it, everybody can lock it: that takes no permission to write, except on some
-/// network file systems, which are asked for it first.
-descriptor lock_file(const std::string& name) {
-  constexpr int flags = O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
-  descriptor file(open(name.c_str(), O_RDWR | O_CREAT | flags, 0666));
-  if (!file) file = descriptor(open(name.c_str(), O_RDONLY | flags));
-  return file;
-}
-
-/// Waits for the lock, though not for ever: its holder may have been stopped.
-descriptor locked(const std::string& name) {
-  using clock = std::chrono::steady_clock;
-  constexpr std::chrono::seconds longest_wait{10};
-  constexpr std::chrono::milliseconds pause{2};
-  descriptor file = lock_file(name + ".lock");
-  const clock::time_point end = clock::now() + longest_wait;
-  while (file && flock(file.get(), LOCK_EX | LOCK_NB) != 0) {
-    if (errno != EINTR && errno != EWOULDBLOCK) return {};
-    if (clock::now() >= end) {
-      errno = EBUSY;
-      return {};
-    }
-    std::this_thread::sleep_for(pause);
-  }
-  return file;
-}
-
 registry_document current_text() { return read_registry_file(registry_location().file); }
 
 }  // namespace
@@ -169,7 +143,7 @@ bool change_registry(const std::vector<registry_change>& changes) {
   const location where = registry_location();
   if (where.is_default) make_folders(folder_part(where.file));
   const std::string name = behind_links(where.file);
-  const descriptor lock = locked(name);
+  const descriptor lock = registry_lock(name, longest_wait);
   if (!lock) return false;
   std::optional<std::string> before = read_file(name);
   if (!before && errno != ENOENT) return false;
