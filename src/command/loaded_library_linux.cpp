@@ -60,7 +60,7 @@ std::string loader_reason(const std::string& path) {
 
 }  // namespace
 
-void* load_library(const std::string& path, std::string& reason) {
+void* load_library(const std::string& path, binding functions, std::string& reason) {
   std::error_code error;
   // A name without a slash would be looked for in the system's folders.
   const std::string whole = fs::absolute(path, error).string();
@@ -68,7 +68,8 @@ void* load_library(const std::string& path, std::string& reason) {
     reason = "the file is cut off";
     return nullptr;
   }
-  void* const library = ::dlopen(whole.c_str(), RTLD_NOW | RTLD_LOCAL);
+  void* const library =
+      ::dlopen(whole.c_str(), (functions == binding::at_once ? RTLD_NOW : RTLD_LAZY) | RTLD_LOCAL);
   if (library == nullptr) reason = loader_reason(whole);
   return library;
 }

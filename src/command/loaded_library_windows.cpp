@@ -28,7 +28,7 @@ std::string load_reason(DWORD code) {
 
 }  // namespace
 
-void* load_library(const std::string& path, std::string& reason) {
+void* load_library(const std::string& path, binding, std::string& reason) {
   const silent_errors silence;
   std::error_code error;
   std::filesystem::path whole = std::filesystem::absolute(ovfile::to_wide(path), error).make_preferred();

@@ -25,13 +25,15 @@ TEST_F(duckdb_file_linux_test, wherever_a_library_is_cut_off_it_is_told) {
   std::string reason;
   for (std::uintmax_t left = size - 1; left > 64; left -= left > 600 ? 499 : 7) {
     fs::resize_file(folder() / "cut.so", left);
-    EXPECT_EQ(command::load_library((folder() / "cut.so").string(), reason), nullptr);
+    EXPECT_EQ(command::load_library((folder() / "cut.so").string(), command::binding::at_once, reason),
+              nullptr);
     EXPECT_EQ(reason, "the file is cut off") << left;
   }
   EXPECT_EQ(refusal("cut.so"), "ovfile: cannot load cut.so: the file is cut off\n");
   for (const std::uintmax_t left : std::initializer_list<std::uintmax_t>{63, 16, 4, 1, 0}) {
     fs::resize_file(folder() / "cut.so", left);
-    EXPECT_EQ(command::load_library((folder() / "cut.so").string(), reason), nullptr);
+    EXPECT_EQ(command::load_library((folder() / "cut.so").string(), command::binding::at_once, reason),
+              nullptr);
     EXPECT_EQ(reason, "file too short") << left;
   }
 }

@@ -63,10 +63,10 @@ void check_is_file(const std::string& path) {
 
 }  // namespace
 
-duckdb::functions load_duckdb_file(const std::string& path) {
+duckdb::functions load_duckdb_file(const std::string& path, binding functions) {
   check_is_file(path);
   std::string reason;
-  void* const library = load_library(path, reason);
+  void* const library = load_library(path, functions, reason);
   if (library == nullptr) throw failure("cannot load " + path + ": " + reason);
   // First the version: an older library lacks functions that nobody knows by name.
   duckdb::functions found{};

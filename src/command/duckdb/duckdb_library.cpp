@@ -59,7 +59,8 @@ const duckdb::functions& load_duckdb() {
   static const duckdb::functions loaded = [] {
     const std::string path = find_duckdb();
     check_duckdb(path);
-    return load_duckdb_file(path);
+    // Whoever found it good has found all functions that it needs.
+    return load_duckdb_file(path, binding::when_called);
   }();
   return loaded;
 }

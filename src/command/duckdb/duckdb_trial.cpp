@@ -120,7 +120,7 @@ duckdb_trial judge(const child_end& end, const std::string& path) {
 
 std::string try_duckdb_here(const std::string& path, const std::string& folder) {
   crash_in_silence();
-  const duckdb::functions library = load_duckdb_file(path);
+  const duckdb::functions library = load_duckdb_file(path, binding::at_once);
   const trial_database database(library, path);
   for (const char* const statement : in_memory) database.run(statement);
   if (!folder.empty()) {
