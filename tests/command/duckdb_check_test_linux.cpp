@@ -79,7 +79,7 @@ TEST_F(duckdb_damage_test, wherever_the_known_library_is_damaged_it_is_told) {
   if (!take_real_library()) GTEST_SKIP() << "OVFILE_DUCKDB names no library";
   if (fs::file_size(library()) != 70'546'800) GTEST_SKIP() << "OVFILE_DUCKDB names another library";
   EXPECT_EQ(run_quietly({"sql", "select 1 as A", "-o", "csv"}), "A\n1\n");
-  for (const std::streamoff megabyte : {6, 13, 26, 35, 45, 56, 66}) {
+  for (const std::streamoff megabyte : {6, 35, 66}) {
     ASSERT_TRUE(take_real_library());
     damage(megabyte << 20, 1 << 16, megabyte % 2 == 0);
     EXPECT_EQ(expect_damaged({"sql", "select 1"}), "its digest is not that of 1.5.6-r.1") << megabyte;

@@ -77,18 +77,18 @@ TEST_F(parquet_union_test, rows_come_file_by_file) {
 }
 
 TEST_F(parquet_union_test, hundreds_of_files_that_alternate) {
-  for (int i = 0; i < 300; ++i) {
+  for (int i = 0; i < 200; ++i) {
     std::filesystem::create_directory(folder() / "in" / ("N=" + std::to_string(i + 100)));
   }
   EXPECT_EQ(run({"sql",
-                 "copy (select range + 100 N, range * 2 A from range(0, 300, 2)) to 'in' (format "
+                 "copy (select range + 100 N, range * 2 A from range(0, 200, 2)) to 'in' (format "
                  "parquet, partition_by (N), overwrite_or_ignore); copy (select range + 100 N, range + "
-                 "0.5::double A from range(1, 300, 2)) to 'in' (format parquet, partition_by (N), "
+                 "0.5::double A from range(1, 200, 2)) to 'in' (format parquet, partition_by (N), "
                  "overwrite_or_ignore)"})
                 .error,
             "");
   std::string expected = "A,N\n";
-  for (int i = 0; i < 300; ++i) {
+  for (int i = 0; i < 200; ++i) {
     expected +=
         std::to_string(i % 2 == 0 ? i * 2 : i) + (i % 2 == 0 ? "," : ".5,") + std::to_string(i + 100) + "\n";
   }

@@ -84,8 +84,8 @@ class sql_changed_test : public ovtest::sql_test {
   ovtest::scratch_folder aside_;
 };
 
-constexpr int few_groups = 500'000;        // of rows that a Parquet file is written in
-constexpr int more_than_held = 1'300'000;  // of rows that are held back for a folder
+constexpr int few_groups = 300'000;      // of rows that a Parquet file is written in
+constexpr int more_than_held = 700'000;  // of rows that are held back for a folder
 
 TEST_F(sql_changed_test, while_it_goes_to_parquet) {
   expect_told({"export", "t.ovt", "a.parquet", "--threads", "1"}, "a.parquet", few_groups);

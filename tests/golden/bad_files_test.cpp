@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <memory>
 
 #include "golden/check_reading.h"
 #include "golden/expected_json.h"
@@ -41,10 +42,16 @@ std::vector<json> bad_entries() {
 
 class bad_file : public testing::TestWithParam<std::string> {
  protected:
-  /// The links among the files name their neighbours, so that all of them are copied.
+  /// The links among the files name their neighbours, so that all of them are copied. Reading changes none,
+  /// so once for all tests.
+  static void SetUpTestSuite() {
+    folder_ = std::make_unique<scratch_folder>();
+    for (const std::string& file : every_file()) copy_reference(file, folder_->path());
+  }
+  static void TearDownTestSuite() { folder_.reset(); }
+
   void SetUp() override {
-    for (const std::string& file : every_file()) copy_reference(file, folder_.path());
-    path_ = folder_ / GetParam();
+    path_ = *folder_ / GetParam();
     before_ = read_bytes(path_);
   }
 
@@ -60,7 +67,7 @@ class bad_file : public testing::TestWithParam<std::string> {
     return {{"open", "either"}};
   }
 
-  scratch_folder folder_;
+  static inline std::unique_ptr<scratch_folder> folder_;
   std::filesystem::path path_;
   bytes before_;
 };
