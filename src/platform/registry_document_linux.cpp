@@ -53,7 +53,7 @@ bool read_quoted(std::string_view& rest, std::string& text) {
   return false;
 }
 
-std::string quoted(wide_view text) {
+std::string in_quotes(wide_view text) {
   std::string result = "\"";
   for (const char letter : utf8_from_wide(text)) {
     if (letter == '"' || letter == '\\') result.push_back('\\');
@@ -196,9 +196,9 @@ std::size_t registry_document::insertion_point(const registry_key& key, const wi
 void registry_document::set(const registry_key& key, wide_view name, value data) {
   const wide section = section_of(key);
   const bool is_number = std::holds_alternative<std::uint32_t>(data);
-  const std::string left = name.empty() ? "@" : quoted(name);
+  const std::string left = name.empty() ? "@" : in_quotes(name);
   const std::string right =
-      is_number ? dword_text(std::get<std::uint32_t>(data)) : quoted(std::get<wide>(data));
+      is_number ? dword_text(std::get<std::uint32_t>(data)) : in_quotes(std::get<wide>(data));
   line fresh{.what = kind::value,
              .raw = left + '=' + right,
              .section = section,

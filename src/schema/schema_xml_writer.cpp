@@ -40,9 +40,8 @@ std::string six_decimals(double value) {
   if (std::isnan(value)) return "nan";
   char text[longest_number];
   const auto [end, error] = std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, 6);
-  std::string number(text, error == std::errc() ? end : text);
-  number.resize(std::min(number.size(), number_limit));
-  return number;
+  const auto length = static_cast<std::size_t>(error == std::errc() ? end - text : 0);
+  return {text, std::min(length, number_limit)};
 }
 
 std::string number_text(double value) {
