@@ -12,8 +12,11 @@ set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 if(NOT CMAKE_BUILD_TYPE)
   set(CMAKE_BUILD_TYPE Release CACHE STRING "Kind of build" FORCE)
 endif()
-# Line tables are cheap and make the traces of a crash readable.
-set(CMAKE_CXX_FLAGS_RELEASE "-O2 -g1 -DNDEBUG")
+# Line tables are cheap and make the traces of a crash readable; no debugger of Windows reads them.
+set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
+if(NOT WIN32)
+  string(APPEND CMAKE_CXX_FLAGS_RELEASE " -g1")
+endif()
 
 # The command, the tests and the library stand together: on Windows programs look for the library
 # beside themselves, on Linux the run path says the same.
@@ -37,12 +40,16 @@ option(OVFILE_JOINED "Compile many sources as one: quick from nothing, slow afte
 function(ovf_join_sources target size)
   set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE ${size})
 endfunction()
-# The product's sources, each of which also compiles alone, as it does where this is off.
+# The product's sources, each of which also compiles alone, as it does where this is off. The standard's headers
+# are three quarters of the work then: they are parsed once, and tools/check_includes.py sees to it that each file
+# names those that it needs.
 function(ovf_may_join_sources target)
   if(OVFILE_JOINED)
     ovf_join_sources(${target} 16)
     set_target_properties(${target} PROPERTIES UNITY_BUILD_CODE_BEFORE_INCLUDE
                           "// NOLINTNEXTLINE(bugprone-suspicious-include)")
+  else()
+    target_precompile_headers(${target} REUSE_FROM ovf_precompiled)
   endif()
 endfunction()
 
@@ -63,4 +70,12 @@ if(WIN32)
       __USE_MINGW_ANSI_STDIO=1)
   target_compile_definitions(ovf_settings INTERFACE ${OVF_DEFINITIONS})
   target_link_libraries(ovf_settings INTERFACE ole32 oleaut32 uuid advapi32)
+endif()
+
+if(NOT OVFILE_JOINED)
+  file(CONFIGURE OUTPUT "${CMAKE_BINARY_DIR}/precompiled.cpp" CONTENT "")
+  add_library(ovf_precompiled OBJECT "${CMAKE_BINARY_DIR}/precompiled.cpp")
+  target_link_libraries(ovf_precompiled PRIVATE ovf_settings)
+  target_precompile_headers(ovf_precompiled PRIVATE <algorithm> <array> <charconv> <filesystem> <functional> <limits>
+                            <memory> <optional> <span> <string> <string_view> <vector>)
 endif()
