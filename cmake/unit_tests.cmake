@@ -8,6 +8,8 @@
 set(gtest_force_shared_crt ON CACHE BOOL "" FORCE)
 set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
 add_subdirectory(/usr/src/googletest "${CMAKE_BINARY_DIR}/googletest" EXCLUDE_FROM_ALL SYSTEM)
+target_compile_options(gtest PRIVATE -O0)
+target_compile_options(gmock PRIVATE -O0)
 
 if(WIN32)
   set(root "Z:")  # where Wine shows the whole file system
@@ -38,7 +40,7 @@ file(CONFIGURE OUTPUT "${CMAKE_BINARY_DIR}/precompiled_tests.cpp" CONTENT "")
 set(CMAKE_POSITION_INDEPENDENT_CODE OFF)
 add_library(ovf_precompiled_tests OBJECT "${CMAKE_BINARY_DIR}/precompiled_tests.cpp")
 target_link_libraries(ovf_precompiled_tests PRIVATE ovf_test_settings)
-target_precompile_headers(ovf_precompiled_tests PRIVATE <gtest/gtest.h>)
+target_precompile_headers(ovf_precompiled_tests PRIVATE <gtest/gtest.h> <gmock/gmock.h> <filesystem>)
 
 ovf_sources(files tests/support)
 if(files)
