@@ -19,7 +19,7 @@ namespace ovf {
 
 namespace {
 
-constexpr std::chrono::seconds longest_wait{10};
+constexpr std::chrono::seconds patience{10};
 
 std::string home_folder() {
   std::string home = environment_value("HOME");
@@ -143,7 +143,7 @@ bool change_registry(const std::vector<registry_change>& changes) {
   const location where = registry_location();
   if (where.is_default) make_folders(folder_part(where.file));
   const std::string name = behind_links(where.file);
-  const descriptor lock = registry_lock(name, longest_wait);
+  const descriptor lock = registry_lock(name, patience);
   if (!lock) return false;
   std::optional<std::string> before = read_file(name);
   if (!before && errno != ENOENT) return false;
