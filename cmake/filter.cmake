@@ -8,7 +8,7 @@ list(FILTER files EXCLUDE REGEX "/entry_points\\.cpp$")
 add_library(ovf_filter STATIC ${files})
 target_include_directories(ovf_filter PUBLIC include src)
 target_link_libraries(ovf_filter PUBLIC ovf_settings)
-ovf_may_join_sources(ovf_filter)
+ovf_may_unite(ovf_filter)
 
 set(filter "${CMAKE_CURRENT_SOURCE_DIR}/src/filter")
 add_library(ovfilter MODULE "${filter}/entry_points.cpp" $<TARGET_OBJECTS:ovf_filter>)

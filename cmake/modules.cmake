@@ -11,7 +11,7 @@ function(ovf_add_module name)
   add_library(ovf_${name} STATIC ${files})
   target_include_directories(ovf_${name} PUBLIC include src)
   target_link_libraries(ovf_${name} PUBLIC ovf_settings)
-  ovf_may_join_sources(ovf_${name})
+  ovf_may_unite(ovf_${name})
   set(OVF_MODULES ${OVF_MODULES} ${name} PARENT_SCOPE)
 endfunction()
 
@@ -86,7 +86,7 @@ if(files AND TARGET ovfile)
   set_source_files_properties(src/command/arguments.cpp PROPERTIES COMPILE_OPTIONS "$<$<CONFIG:Release>:-O1>")
   # The library before the system's, some of which have a DllGetClassObject too.
   target_link_libraries(ovf_command PUBLIC ovfile ovf_settings ovf_header_libraries)
-  ovf_may_join_sources(ovf_command)
+  ovf_may_unite(ovf_command)
 
   add_executable(ovfile_command "${main}")
   set_target_properties(ovfile_command PROPERTIES OUTPUT_NAME ovfile)

@@ -35,19 +35,25 @@ if(OVFILE_LTO)
   set(CMAKE_INTERPROCEDURAL_OPTIMIZATION ON)
 endif()
 
-option(OVFILE_JOINED "Compile many sources as one: quick from nothing, slow after a change" OFF)
-# ovf_join_sources(TARGET SIZE): its sources are compiled in lots of so many.
-function(ovf_join_sources target size)
+option(OVFILE_UNITY "Unity builds of the product: quick from nothing, slow after a change" OFF)
+# ovf_unite(TARGET SIZE): its sources are compiled in batches of so many.
+function(ovf_unite target size)
   set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE ${size})
 endfunction()
 # The product's sources, each of which also compiles alone, as it does where this is off. The standard's headers
 # are three quarters of the work then: they are parsed once, and tools/check_includes.py sees to it that each file
 # names those that it needs.
-function(ovf_may_join_sources target)
-  if(OVFILE_JOINED)
-    ovf_join_sources(${target} 16)
+function(ovf_may_unite target)
+  if(OVFILE_UNITY)
+    ovf_unite(${target} 16)
     set_target_properties(${target} PROPERTIES UNITY_BUILD_CODE_BEFORE_INCLUDE
                           "// NOLINTNEXTLINE(bugprone-suspicious-include)")
+    # No other build compiles these alone, with all warnings.
+    get_target_property(windows_only ${target} SOURCES)
+    list(FILTER windows_only INCLUDE REGEX "_windows\\.cpp$")
+    if(windows_only)
+      set_source_files_properties(${windows_only} PROPERTIES COMPILE_OPTIONS -Wshadow SKIP_UNITY_BUILD_INCLUSION ON)
+    endif()
   else()
     target_precompile_headers(${target} REUSE_FROM ovf_precompiled)
   endif()
@@ -59,9 +65,12 @@ set(OVF_WARNINGS -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
 
 add_library(ovf_settings INTERFACE)
 target_compile_options(ovf_settings INTERFACE ${OVF_WARNINGS})
-# g++ means names of the other files of a lot too, clang only what a local name hides of the same namespace.
-set(is_joined "$<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>")
-target_compile_options(ovf_settings INTERFACE "$<$<AND:$<CXX_COMPILER_ID:GNU>,${is_joined}>:-Wno-shadow;-Wshadow=local>")
+# clang tells of constants that a source does not use, g++ when it is asked.
+target_compile_options(ovf_settings INTERFACE "$<$<CXX_COMPILER_ID:GNU>:-Wunused-const-variable=1>")
+# In a unity build g++ takes a local name for one that hides what another source of the batch has in its unnamed
+# namespace; the builds without it see those that hide something.
+set(is_unity "$<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>")
+target_compile_options(ovf_settings INTERFACE "$<$<AND:$<CXX_COMPILER_ID:GNU>,${is_unity}>:-Wno-shadow;-Wshadow=local>")
 target_link_libraries(ovf_settings INTERFACE Threads::Threads)
 
 if(WIN32)
@@ -72,7 +81,7 @@ if(WIN32)
   target_link_libraries(ovf_settings INTERFACE ole32 oleaut32 uuid advapi32)
 endif()
 
-if(NOT OVFILE_JOINED)
+if(NOT OVFILE_UNITY)
   file(CONFIGURE OUTPUT "${CMAKE_BINARY_DIR}/precompiled.cpp" CONTENT "")
   add_library(ovf_precompiled OBJECT "${CMAKE_BINARY_DIR}/precompiled.cpp")
   target_link_libraries(ovf_precompiled PRIVATE ovf_settings)

@@ -9,27 +9,40 @@ import sys
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 FOLDERS = (ROOT / "src", ROOT / "src" / "command", ROOT / "include")
 
-# The precompiled ones of cmake/settings.cmake, and what is theirs alone.
+# The precompiled ones of cmake/settings.cmake with those that come with them, and what is theirs alone.
 NAMES = {
     "algorithm": r"std::(?:min|max|clamp|sort|stable_sort|find|find_if|find_if_not|any_of|all_of|none_of|count_if|"
                  r"copy|copy_n|fill|fill_n|reverse|rotate|unique|remove_if|lower_bound|upper_bound|equal_range|"
                  r"transform|equal|mismatch|search|binary_search|max_element|min_element|replace|"
                  r"lexicographical_compare|ranges::\w+)\b",
     "array": r"std::array\b",
+    "atomic": r"std::(?:atomic\w*|memory_order\w*)\b",
     "charconv": r"std::(?:to|from)_chars\b",
+    "chrono": r"std::chrono\b",
     "filesystem": r"std::filesystem\b",
     "functional": r"std::(?:function|less|greater|hash|reference_wrapper|ref|cref|bind_front|plus|multiplies)\b",
     "limits": r"std::numeric_limits\b",
     "memory": r"std::(?:unique_ptr|shared_ptr|weak_ptr|make_unique|make_shared|addressof|allocator)\b",
     "optional": r"std::(?:optional|nullopt|make_optional)\b",
+    "numeric": r"std::(?:accumulate|iota|gcd|lcm|reduce)\b",
     "span": r"std::(?:span|as_bytes|as_writable_bytes)\b",
     "string": r"std::(?:string|to_string|basic_string|u16string|wstring|getline|stoi|stol|stod)\b",
     "string_view": r"std::(?:string_view|basic_string_view|u16string_view|wstring_view)\b",
+    "sstream": r"std::\w?o?i?stringstream\b",
+    "stdexcept": r"std::(?:runtime_error|logic_error|out_of_range|invalid_argument|length_error)\b",
+    "system_error": r"std::(?:error_code|errc|system_error|system_category|generic_category)\b",
+    "tuple": r"std::(?:tuple|tie|make_tuple|apply)\b",
+    "type_traits": r"std::(?:is_same|is_same_v|is_integral_v|is_floating_point_v|conditional_t|decay_t|"
+                   r"remove_\w+_t|make_unsigned_t|make_signed_t|enable_if_t)\b",
+    "unordered_map": r"std::unordered_map\b",
+    "utility": r"std::(?:exchange|pair|as_const|in_place|index_sequence)\b",
+    "variant": r"std::(?:variant|visit|holds_alternative|monostate)\b",
     "vector": r"std::vector\b",
 }
 NAMES = {header: re.compile(names) for header, names in NAMES.items()}
 # Headers that promise to declare what others define.
-ALSO = {"string": {"string_view"}, "filesystem": {"string", "string_view"}, "ranges": {"span"}}
+ALSO = {"string": {"string_view"}, "filesystem": {"chrono", "string", "string_view", "system_error"},
+        "charconv": {"system_error"}, "ranges": {"span"}}
 
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^">]+)[">]', re.MULTILINE)
 COMMENT = re.compile(r"//.*")

@@ -1,7 +1,7 @@
 # Sourced by ./ovfile and ./check: the Debian packages that building and testing need.
 
-native_packages=(g++ cmake curl ninja-build binutils libcli11-dev libfmt-dev libfast-float-dev
-  nlohmann-json3-dev googletest libbenchmark-dev libsqlite3-dev)
+command_packages=(g++ cmake curl ninja-build binutils libcli11-dev libfmt-dev libfast-float-dev nlohmann-json3-dev)
+native_packages=("${command_packages[@]}" googletest libbenchmark-dev libsqlite3-dev)
 check_packages=(python3 dpkg-dev pkg-config clang-14 libclang-rt-14-dev clang-format-14 clang-tidy-14 clang-tidy
   g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix mingw-w64-tools libwine-dev wine wine64)
 

@@ -20,9 +20,11 @@ from test_results import read_ctest, read_pytest, summarize
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 BUILD = ROOT / "build"
 LOGS = BUILD / "check"
-JOBS = str(os.cpu_count() or 1)
+PROCESSORS = len(os.sched_getaffinity(0))
 COMPLAINT = re.compile(r"^[^ ]+:\d+(:\d+)?: (fatal )?error:|undefined reference|multiple definition")
-FAILED_START = re.compile(r"\*\*\*(Failed|Timeout|Exception|Not Run)")
+FAILED_START = re.compile(r"\*\*\*(Failed|Timeout|Exception|Not Run)|^\[  FAILED  \] .* \(\d+ ms\)")
+# The path-sensitive checks read what is included from a source only where the name says that it is a unity build.
+LINT_FOLDER = "build/lint/UnifiedSource"
 WINE_FOLDERS = "build/wine/drive_c/users/*/{}"
 
 
@@ -57,12 +59,19 @@ def build(preset, *targets):
         log = log_of(report.name)
         asked = ["--target", *targets] if targets else []
         if (report.run(["cmake", "--preset", preset], log) == 0 and
-                report.run(["cmake", "--build", "--preset", preset, "-j", JOBS, *asked, "--", "-k", "0"], log,
-                           COMPLAINT) == 0):
+                report.run(["cmake", "--build", "--preset", preset, "-j", str(report.processors), *asked, "--",
+                            "-k", "0"], log, COMPLAINT) == 0):
             return Outcome(passed=1)
         return Outcome(failed=1, lines=excerpt(log))
 
     return work
+
+
+def temporary_folders(preset):
+    """Where its tests put temporary files. Wine's folders are there once a program has run."""
+    wine = [pathlib.Path(path) for name in ("Temp", "AppData/Local/Temp")
+            for path in glob.glob(str(ROOT / WINE_FOLDERS.format(name)))]
+    return [LOGS / f"{preset}-temporary", *(wine if preset == "windows-x64" else [])]
 
 
 def empty(folders):
@@ -83,19 +92,16 @@ def tests(preset, chosen=None):
         if not (BUILD / preset / "CTestTestfile.cmake").exists():
             return Outcome(failed=1, lines=["        there is no build of it"])
         temporary, results = LOGS / f"{preset}-temporary", BUILD / preset / "results"
-        folders = [temporary]
-        if preset == "windows-x64":
-            folders += [pathlib.Path(path) for name in ("Temp", "AppData/Local/Temp")
-                        for path in glob.glob(str(ROOT / WINE_FOLDERS.format(name)))]
         temporary.mkdir(exist_ok=True)
         results.mkdir(exist_ok=True)
-        empty([*folders, results])
+        empty([*temporary_folders(preset), results])
         # Some tests wait for the disk or the clock.
-        words = ["ctest", "--preset", preset, "-j", str(int(JOBS) + 1), "--output-junit", str(results / "all.xml")]
+        words = ["ctest", "--preset", preset, "-j", str(report.processors + 1),
+                 "--output-junit", str(results / "all.xml")]
         status = report.run(words + (["-R", chosen] if chosen else []), log_of(report.name), FAILED_START,
                             {"TMPDIR": str(temporary), **duckdb(preset)})
         passed, failed, lines = summarize(read_ctest(results), status)
-        left = files_left(folders)
+        left = files_left(temporary_folders(preset))
         if left:
             lines += ["FAILED  files are left behind:", *(" " * 8 + path for path in left[:20])]
         return Outcome(passed + (not left), failed + bool(left), lines)
@@ -107,9 +113,9 @@ def python_tests(report):
     """By Debian's interpreter, whatever stands first in the path: the packages are its own."""
     results = LOGS / "python.xml"
     results.unlink(missing_ok=True)
-    status = report.run(["/usr/bin/python3", "-m", "pytest", "-q", "-rs", "-p", "no:cacheprovider", "--basetemp",
+    status = report.run(["/usr/bin/python3", "-m", "pytest", "-v", "-rsfE", "-p", "no:cacheprovider", "--basetemp",
                          str(LOGS / "python-temporary"), f"--junit-xml={results}", "tests/python"],
-                        log_of(report.name), re.compile(r"^FAILED|^ERROR"),
+                        log_of(report.name), re.compile(r" (FAILED|ERROR) +\["),
                         {"OVFILE_LIBRARY": str(BUILD / "release" / "bin"), "PYTHONDONTWRITEBYTECODE": "1",
                          **duckdb("release")})
     return Outcome(*summarize(read_pytest(results), status))
@@ -149,9 +155,9 @@ def duckdb(preset):
 def lint(report):
     log = log_of(report.name)
     if (report.run(["cmake", "--preset", "lint"], log) == 0 and
-            report.run(["run-clang-tidy", "-clang-tidy-binary", "clang-tidy-14", "-p", "build/lint", "-quiet", "-j",
-                        JOBS, "-header-filter", f"^{ROOT}/(src|include)/", f"^{ROOT}/(src|build/lint)/"], log,
-                       COMPLAINT) == 0):
+            report.run(["run-clang-tidy", "-clang-tidy-binary", "clang-tidy-14", "-p", LINT_FOLDER, "-quiet", "-j",
+                        str(report.processors), "-header-filter", f"^{ROOT}/(src|include)/",
+                        f"^{ROOT}/(src|{LINT_FOLDER})/"], log, COMPLAINT) == 0):
         return Outcome(passed=1)
     return Outcome(failed=1, lines=excerpt(log))
 
@@ -161,16 +167,18 @@ def all_steps():
         Step("formatting", command("tools/check_format.sh")),
         Step("layers", command("python3", "tools/check_layers.py")),
         Step("includes", command("python3", "tools/check_includes.py")),
+        Step("usings", command("python3", "tools/check_usings.py")),
         Step("words", command("tools/check_words.sh")),
         Step("release-build", build("release")),
         Step("asan-build", build("asan")),
-        Step("release-tests", tests("release"), after=("release-build",)),
-        Step("readme", command("python3", "tools/check_readme.py"), after=("release-build",)),
-        Step("python", python_tests, after=("release-build",)),
         Step("windows-x64-build", build("windows-x64")),
-        Step("asan-tests", tests("asan"), after=("asan-build", "release-build")),
+        Step("release-tests", tests("release"), after=("release-build",)),
         Step("lint", lint),
+        Step("asan-tests", tests("asan"), after=("asan-build", "release-build")),
         Step("windows-x64-tests", tests("windows-x64"), after=("windows-x64-build",)),
+        Step("python", python_tests, after=("release-build",)),
+        # It builds what ./ovfile finds stale: not while tests use it.
+        Step("readme", command("python3", "tools/check_readme.py"), after=("release-build", "release-tests")),
         # Its programs are not run: what is inspected is enough.
         Step("windows-x86-build", build("windows-x86", "ovfile", "ovfilter")),
         Step("windows-x86-tests", tests("windows-x86"), after=("windows-x86-build",)),
@@ -189,7 +197,7 @@ def bench_steps():
 
 def fast_steps():
     """For the middle of work. What a change reaches is what the build makes anew."""
-    kept = [step for step in all_steps() if step.name in ("formatting", "layers", "includes", "release-build")]
+    kept = [step for step in all_steps() if step.name in ("formatting", "layers", "includes", "usings", "release-build")]
     return [*kept, Step("release-tests", reached_tests, after=("release-build",))]
 
 
@@ -197,12 +205,13 @@ def reached_tests(report):
     """Those of the native test programs that were built, or load a library that was built, since their tests passed."""
     folder = BUILD / "release" / "bin"
     loaded = [folder / name for name in ("libovfile.so", "libovfilter.so", "ovfile")]
+    read = [path for name in ("tests/data", "samples", "build/release/bin/fake") for path in (ROOT / name).rglob("*")]
     passed = LOGS / "passed"
     passed.mkdir(exist_ok=True)
     reached = []
     for program in sorted([*folder.glob("test_*"), *folder.glob("*/test_*")]):
         mark = passed / program.name
-        changed = max(path.stat().st_mtime for path in [program, *loaded] if path.exists())
+        changed = max(path.stat().st_mtime for path in [program, *loaded, *read] if path.exists())
         if not mark.exists() or mark.stat().st_mtime < changed:
             reached.append(program.name.removeprefix("test_"))
     if not reached:
@@ -257,10 +266,12 @@ def main():
     os.chdir(ROOT)
     LOGS.mkdir(parents=True, exist_ok=True)
     start = time.monotonic()
+    steps = chosen_steps(arguments)
     try:
-        outcomes = perform_all(chosen_steps(arguments), at_a_time=2)
+        outcomes = perform_all(steps, PROCESSORS)
     finally:
-        stop_wine()
+        if any(step.name == "windows-x64-tests" for step in steps):
+            stop_wine()
     print(f"\n{'step':20}{'wall':>8}{'processor':>11}")
     for name, outcome in outcomes.items():
         print(f"{name:20}{outcome.wall:6.0f} s{outcome.processor:9.0f} s")

@@ -2,11 +2,15 @@
 once, and at its end the time that it took."""
 
 import os
+import re
 import subprocess
 import threading
 import time
 from dataclasses import dataclass, field
 from typing import Callable
+
+
+COLOUR = re.compile(r"\x1b\[[0-9;]*m")
 
 
 @dataclass
@@ -32,9 +36,10 @@ class Report:
 
     _printing = threading.Lock()
 
-    def __init__(self, name):
+    def __init__(self, name, processors):
         self.name = name
-        self.processor = 0.0
+        self.processors = processors  # how many a step shall keep busy
+        self.processor = 0.0  # seconds
 
     def say(self, text):
         with self._printing:
@@ -48,9 +53,9 @@ class Report:
             child = subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
                                      env={**os.environ, **(environment or {})})
             for line in child.stdout:
-                file.write(line)
+                text = COLOUR.sub("", line.decode(errors="replace")).rstrip()
+                file.write(f"{text}\n".encode())
                 file.flush()
-                text = line.decode(errors="replace").rstrip()
                 if alarming and told < 20 and alarming.search(text):
                     self.say(f"{self.name}: {text[:300]}")
                     told += 1
@@ -61,8 +66,8 @@ class Report:
         return child.returncode
 
 
-def perform(step):
-    report = Report(step.name)
+def perform(step, processors):
+    report = Report(step.name, processors)
     start = time.monotonic()
     try:
         outcome = step.work(report)
@@ -75,9 +80,14 @@ def perform(step):
     return outcome
 
 
-def perform_all(steps, at_a_time):
+def perform_all(steps, processors):
     """In the order given as far as they do not wait for others; `after` counts where it names one of these steps.
     Returns what became of each, by name."""
+    # Two share the processors: more programs than those cost each of them the other's cache. A third fills the gaps,
+    # for tests wait a lot.
+    few = len(steps) < 3
+    at_a_time = 1 if few else 3
+    share = processors if few else max(1, processors // 2)
     names = {step.name for step in steps}
     waiting, outcomes, changed = list(steps), {}, threading.Condition()
 
@@ -93,7 +103,7 @@ def perform_all(steps, at_a_time):
                     return
                 step = next_ready()
                 waiting.remove(step)
-            outcome = perform(step)
+            outcome = perform(step, share)
             with changed:
                 outcomes[step.name] = outcome
                 changed.notify_all()

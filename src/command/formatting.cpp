@@ -2,6 +2,9 @@
 // has them as a library for its own system alone.
 #include <fmt/format-inl.h>
 
+static_assert(FMT_VERSION / 10000 == 9,
+              "another version of fmt wants other templates: see its src/format.cc");
+
 FMT_BEGIN_NAMESPACE
 namespace detail {
 

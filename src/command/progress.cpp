@@ -52,7 +52,7 @@ void progress::look(std::uint64_t done, std::uint64_t total) {
   // Who writes there may wait long for the terminal.
   const std::unique_lock held(terminal, std::try_to_lock);
   if (!held) return;
-  next_ = now + between_looks;
+  next_ = now + std::min(between_looks, patience());
   const double share =
       total == 0 ? 0.0 : std::min(1.0, static_cast<double>(done) / static_cast<double>(total));
   const auto full = static_cast<std::size_t>(share * static_cast<double>(bar_width));

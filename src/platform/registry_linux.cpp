@@ -19,8 +19,6 @@ namespace ovf {
 
 namespace {
 
-constexpr std::chrono::seconds patience{10};
-
 std::string home_folder() {
   std::string home = environment_value("HOME");
   if (!home.empty()) return home;
@@ -140,10 +138,16 @@ std::optional<wide> registry_text(const registry_key& key, wide_view name) {
 bool registry_key_exists(const registry_key& key) { return current_text().has_key(key); }
 
 bool change_registry(const std::vector<registry_change>& changes) {
+  constexpr std::chrono::seconds longest_wait{10};
+  return change_registry_within(longest_wait, changes);
+}
+
+bool change_registry_within(std::chrono::milliseconds longest_wait,
+                            const std::vector<registry_change>& changes) {
   const location where = registry_location();
   if (where.is_default) make_folders(folder_part(where.file));
   const std::string name = behind_links(where.file);
-  const descriptor lock = registry_lock(name, patience);
+  const descriptor lock = registry_lock(name, longest_wait);
   if (!lock) return false;
   std::optional<std::string> before = read_file(name);
   if (!before && errno != ENOENT) return false;

@@ -98,10 +98,13 @@ TEST_F(parquet_stopping_test, a_signal_leaves_nothing) {
   for (const names& work : works) {
     for (const int signal : {SIGTERM, SIGINT}) {
       for (const bool has_begun : {false, true}) {
-        SCOPED_TRACE(work[0] + " " + work[2] + ", signal " + std::to_string(signal));
+        SCOPED_TRACE(work[0] + " " + work[2] + ", signal " + std::to_string(signal) +
+                     (has_begun ? ", after the first bytes" : ", with the first new file"));
         const auto started = start(work);
         if (has_begun) {
           EXPECT_NE(goes_on_to_first_bytes(*started, folder().path()), fs::path());
+        } else {
+          EXPECT_TRUE(started->goes_on_to(ovtest::folder_change::creation, folder().path()));
         }
         const ovtest::ended_program end = started->wait_after(signal);
         EXPECT_TRUE(end.was_ended_by(signal)) << end.status;

@@ -14,8 +14,7 @@
 #include <vector>
 
 #include "environment_linux.h"
-#include "platform/registry.h"
-#include "platform/registry_lock_linux.h"
+#include "platform/registry_file_linux.h"
 
 namespace {
 
@@ -226,13 +225,17 @@ TEST_F(registry_file, whoever_comes_by_a_link_waits_for_whoever_comes_by_the_fil
   EXPECT_EQ(ovf::registry_number(user, u"a"), 1u);
 }
 
-TEST_F(registry_file, a_lock_that_nobody_lets_go_ends_the_wait_after_a_while) {
+TEST_F(registry_file, a_lock_that_nobody_lets_go_ends_the_write_after_a_while) {
+  EXPECT_TRUE(ovf::set_registry_number(user, u"a", 1));
   constexpr std::chrono::milliseconds longest_wait{200};
   const held_lock held(file);
   const auto begin = std::chrono::steady_clock::now();
-  EXPECT_FALSE(ovf::registry_lock(file.string(), longest_wait));
+  EXPECT_FALSE(ovf::change_registry_within(
+      longest_wait,
+      {{.what = ovf::registry_change::action::set_number, .key = user, .name = u"a", .number = 2}}));
   EXPECT_EQ(errno, EBUSY);
   EXPECT_GE(std::chrono::steady_clock::now() - begin, longest_wait);
+  EXPECT_EQ(ovf::registry_number(user, u"a"), 1u);
 }
 
 TEST_F(registry_file, a_lock_made_by_another_user_serves_as_well) {

@@ -59,7 +59,7 @@ const duckdb::functions& load_duckdb() {
   static const duckdb::functions loaded = [] {
     const std::string path = find_duckdb();
     check_duckdb(path);
-    // Whoever found it good has found all functions that it needs.
+    // It is the one that this program was tested with, or a trial of it has bound everything.
     return load_duckdb_file(path, binding::when_called);
   }();
   return loaded;
