@@ -1,5 +1,5 @@
 // What the program may be called with: verbs, and the arguments, options and flags of each. Nobody else knows
-// the parser behind it, whose templates are dear to compile. A verb's variables are filled before its work
+// the parser behind it, whose templates are slow to compile. A verb's variables are filled before its work
 // begins, and have to live until then.
 #pragma once
 

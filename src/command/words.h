@@ -1,4 +1,4 @@
-// Text formatting for messages and output. fmt/format.h is dear to compile and for number_text.cpp and
+// Text formatting for messages and output. fmt/format.h is slow to compile and for number_text.cpp and
 // formatting.cpp alone.
 #pragma once
 

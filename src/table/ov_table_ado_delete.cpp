@@ -5,7 +5,8 @@
 namespace ovf {
 namespace {
 
-constexpr wide_view ado_delete_read_only = OLESTR("Error: DeleteRow failed, file open in read-only mode.");
+constexpr wide_view deletion_in_read_only_table =
+    OLESTR("Error: DeleteRow failed, file open in read-only mode.");
 constexpr wide_view ado_delete_bad_index = OLESTR("Error: DeleteRow failed, invalid row index.");
 constexpr edit_words ado_delete_words{
     .no_copy = OLESTR("Error: DeleteRow failed, creating temp file."),
@@ -28,7 +29,7 @@ bool describes_anew(IOvSchema& schema, table& opened) {
 }  // namespace
 
 HRESULT COvTableADO::DeleteRow(LONG lRow) {
-  if (core_.is_read_only()) return report(*this, ado_delete_read_only);
+  if (core_.is_read_only()) return report(*this, deletion_in_read_only_table);
   return guard(*this, [&]() -> HRESULT {
     std::vector<std::uint32_t> rows = all_rows(core_);
     if (lRow < 1 || static_cast<std::size_t>(lRow) > rows.size()) return report(*this, ado_delete_bad_index);

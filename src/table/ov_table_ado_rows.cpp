@@ -11,7 +11,8 @@ constexpr wide_view move_previous_refused = OLESTR("Error: MovePrevious failed, 
 constexpr wide_view ado_add_refused = OLESTR("Error: AddRow failed, file is open in read-only mode.");
 constexpr wide_view get_refused = OLESTR("Error: GetColumn failed, current row is not valid.");
 constexpr wide_view ado_set_refused = OLESTR("Error: SetColumn failed, current row is not valid");
-constexpr wide_view set_read_only = OLESTR("Error: SetColumn failed, file is open in read-only mode.");
+constexpr wide_view setting_in_read_only_table =
+    OLESTR("Error: SetColumn failed, file is open in read-only mode.");
 constexpr wide_view get_unknown = OLESTR("Error: GettNamedColumn failed, no column with given name.");
 constexpr wide_view set_unknown = OLESTR("Error: SetNamedColumn failed, no column with given name.");
 
@@ -55,7 +56,7 @@ HRESULT COvTableADO::GetColumn(LONG index, VARIANT* val) {
 }
 
 HRESULT COvTableADO::SetColumn(LONG index, VARIANT val) {
-  if (core_.is_read_only()) return report(*this, set_read_only);
+  if (core_.is_read_only()) return report(*this, setting_in_read_only_table);
   return shared::on_a_row(*this, core_, ado_set_refused,
                           [&] { return put_column(core_.opened(), index, val) ? S_FALSE : S_OK; });
 }

@@ -121,7 +121,7 @@ void add_implicits(const import_request& request, const parquet_source& source, 
 /// Runs `work`. What the library says of it becomes the source's failure, and shows nothing of our own
 /// statements.
 template <class Work>
-auto blaming(const std::string& name, Work work) {
+auto naming_file(const std::string& name, Work work) {
   try {
     return work();
   } catch (const failure& error) {
@@ -137,16 +137,16 @@ auto blaming(const std::string& name, Work work) {
 void import_parquet(const import_request& request, const sql_options& options) {
   sql_database database(options.settings());
   database.show("reading " + request.csv);
-  parquet_source source = blaming(request.csv, [&] { return open_source(database, request.csv); });
+  parquet_source source = naming_file(request.csv, [&] { return open_source(database, request.csv); });
   put_in_order(source);
   std::vector<std::string> notes = std::move(source.notes);
-  std::vector<planned_field> implicit = blaming(request.csv, [&] {
+  std::vector<planned_field> implicit = naming_file(request.csv, [&] {
     return take_implicits(database, source, options.absent_value() == absent_value::nan);
   });
   query_table_request made = plan_table(request, options, source, notes);
   made.implicit = std::move(implicit);
   add_implicits(request, source, made);
-  blaming(request.csv, [&] {
+  naming_file(request.csv, [&] {
     return make_table(database, select_of(source), source.columns, request.table, made, notes);
   });
   for (const std::string& note : notes) say(note);
