@@ -45,7 +45,7 @@ endfunction()
 # names those that it needs.
 function(ovf_may_unite target)
   if(OVFILE_UNITY)
-    ovf_unite(${target} 16)
+    ovf_unite(${target} 24)
     set_target_properties(${target} PROPERTIES UNITY_BUILD_CODE_BEFORE_INCLUDE
                           "// NOLINTNEXTLINE(bugprone-suspicious-include)")
     # No other build compiles these alone, with all warnings.

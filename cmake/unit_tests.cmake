@@ -71,6 +71,12 @@ set(OVF_TEST_PARTS_command 8)
 set(OVF_TEST_RESULTS "${CMAKE_BINARY_DIR}/results")
 file(MAKE_DIRECTORY "${OVF_TEST_RESULTS}")
 
+# How many sources a compilation takes: few where people change and build them again, many where all are built once.
+set(OVF_TEST_BATCH 10)
+if(OVFILE_UNITY)
+  set(OVF_TEST_BATCH 30)
+endif()
+
 # ovf_add_test_run(TARGET NAME FILTER): one start; what each test said goes to results/NAME.xml.
 function(ovf_add_test_run target name filter)
   set(run "${CMAKE_BINARY_DIR}/run/${target}")
@@ -86,7 +92,7 @@ function(ovf_add_test_folder name)
   set(target "test_${name}")
   add_executable(${target} ${files})
   target_precompile_headers(${target} REUSE_FROM ovf_precompiled_tests)
-  ovf_unite(${target} 10)
+  ovf_unite(${target} ${OVF_TEST_BATCH})
   if(NOT WIN32 AND NOT name STREQUAL "platform")
     # No test touches the registry and the session of the user who runs it.
     target_sources(${target} PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}/tests/platform/test_settings_linux.cpp")
