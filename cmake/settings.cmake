@@ -44,6 +44,7 @@ endfunction()
 # are three quarters of the work then: they are parsed once, and tools/check_includes.py sees to it that each file
 # names those that it needs.
 function(ovf_may_unite target)
+  target_precompile_headers(${target} REUSE_FROM ovf_precompiled)
   if(OVFILE_UNITY)
     ovf_unite(${target} 24)
     set_target_properties(${target} PROPERTIES UNITY_BUILD_CODE_BEFORE_INCLUDE
@@ -54,8 +55,6 @@ function(ovf_may_unite target)
     if(windows_only)
       set_source_files_properties(${windows_only} PROPERTIES COMPILE_OPTIONS -Wshadow SKIP_UNITY_BUILD_INCLUSION ON)
     endif()
-  else()
-    target_precompile_headers(${target} REUSE_FROM ovf_precompiled)
   endif()
 endfunction()
 
@@ -81,10 +80,8 @@ if(WIN32)
   target_link_libraries(ovf_settings INTERFACE ole32 oleaut32 uuid advapi32)
 endif()
 
-if(NOT OVFILE_UNITY)
-  file(CONFIGURE OUTPUT "${CMAKE_BINARY_DIR}/precompiled.cpp" CONTENT "")
-  add_library(ovf_precompiled OBJECT "${CMAKE_BINARY_DIR}/precompiled.cpp")
-  target_link_libraries(ovf_precompiled PRIVATE ovf_settings)
-  target_precompile_headers(ovf_precompiled PRIVATE <algorithm> <array> <charconv> <filesystem> <functional> <limits>
-                            <memory> <optional> <span> <string> <string_view> <vector>)
-endif()
+file(CONFIGURE OUTPUT "${CMAKE_BINARY_DIR}/precompiled.cpp" CONTENT "")
+add_library(ovf_precompiled OBJECT "${CMAKE_BINARY_DIR}/precompiled.cpp")
+target_link_libraries(ovf_precompiled PRIVATE ovf_settings)
+target_precompile_headers(ovf_precompiled PRIVATE <algorithm> <array> <charconv> <filesystem> <functional> <limits>
+                          <memory> <optional> <span> <string> <string_view> <vector>)

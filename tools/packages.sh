@@ -2,7 +2,7 @@
 
 command_packages=(g++ cmake curl ninja-build binutils libcli11-dev libfmt-dev libfast-float-dev nlohmann-json3-dev)
 native_packages=("${command_packages[@]}" googletest libbenchmark-dev libsqlite3-dev)
-check_packages=(python3 dpkg-dev pkg-config clang-14 libclang-rt-14-dev clang-format-14 clang-tidy-14 clang-tidy
+check_packages=(python3 dpkg-dev pkg-config clang-14 libclang-rt-14-dev clang-format-14 clang-tidy-14 clang-tidy lld-14
   g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix mingw-w64-tools libwine-dev wine wine64
   wine64-preloader)  # without it one start in some 10,000 ends with error 1359: its heap is where Windows has a page
 

@@ -6,16 +6,9 @@
 
 #include "command/first_bytes_linux.h"
 #include "command/parquet_fixture.h"
+#include "support/sanitized.h"
 #include "support/shared_data.h"
 #include "support/started_program_linux.h"
-
-#if defined(__SANITIZE_ADDRESS__)
-#define OVTEST_SANITIZED
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define OVTEST_SANITIZED
-#endif
-#endif
 
 namespace {
 
@@ -116,9 +109,7 @@ TEST_F(parquet_stopping_test, a_signal_leaves_nothing) {
 }
 
 TEST_F(parquet_stopping_test, a_large_table_goes_out_and_comes_back_in_little_memory) {
-#ifdef OVTEST_SANITIZED
-  GTEST_SKIP() << "the sanitizer's own memory would be counted";
-#endif
+  if (ovtest::is_sanitized) GTEST_SKIP() << "the sanitizer's own memory would be counted";
   constexpr std::size_t most = std::size_t{130} << 20;  // the table would not fit beside the programs
   make_long_table(1000000);
   const ovtest::ended_program out = start({"export", "t.ovt", "out.parquet", "--memory", "100MB"})->wait();

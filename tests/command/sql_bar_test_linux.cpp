@@ -2,6 +2,7 @@
 #include <signal.h>
 
 #include "command/sql_fixture.h"
+#include "support/sanitized.h"
 #include "support/started_program_linux.h"
 
 namespace {
@@ -9,7 +10,7 @@ namespace {
 using ovtest::names;
 
 /// With so many rows a bar is drawn several times, also one that knows its share only later.
-constexpr int many_rows = 1'000'000;
+constexpr int many_rows = ovtest::is_sanitized ? 400'000 : 1'000'000;
 
 class sql_bar_test : public ovtest::sql_test {
  protected:

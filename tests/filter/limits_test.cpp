@@ -3,14 +3,7 @@
 
 #include "filter/filter_test.h"
 #include "support/peak_memory.h"
-
-#if defined(__SANITIZE_ADDRESS__)
-#define OVTEST_FREED_MEMORY_STAYS 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define OVTEST_FREED_MEMORY_STAYS 1
-#endif
-#endif
+#include "support/sanitized.h"
 
 namespace ovtest {
 namespace {
@@ -134,9 +127,9 @@ TEST(filter_limits, a_million_calls_take_no_memory) {
 }
 
 TEST(filter_limits, many_expressions_take_no_memory) {
-#ifdef OVTEST_FREED_MEMORY_STAYS
-  GTEST_SKIP() << "the sanitizer keeps freed memory for a while, and finds leaks by itself";
-#endif
+  if (is_sanitized) {
+    GTEST_SKIP() << "the sanitizer keeps freed memory for a while, and finds leaks by itself";
+  }
   const auto filter = make_filter();
   const ovfile::text good(std::string_view("A > 1 AND B IN ('x', 'y', 'z') AND abs(C) < 5"));
   const ovfile::text bad(std::string_view("A > 1 AND B IN ('x', 'y', 'z' AND abs(C) < 5"));
