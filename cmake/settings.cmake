@@ -40,9 +40,9 @@ option(OVFILE_UNITY "Unity builds of the product: quick from nothing, slow after
 function(ovf_unite target size)
   set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE ${size})
 endfunction()
-# The product's sources, each of which also compiles alone, as it does where this is off. The standard's headers
-# are three quarters of the work then: they are parsed once, and tools/check_includes.py sees to it that each file
-# names those that it needs.
+# The product's sources, each of which also compiles alone, as it does where this is off. Much of the work is the
+# standard's headers: they are parsed once for all, and tools/check_includes.py sees to it that each file names those
+# that it needs. clang-tidy, which has nothing built, reads them anew (preset `lint`).
 function(ovf_may_unite target)
   target_precompile_headers(${target} REUSE_FROM ovf_precompiled)
   if(OVFILE_UNITY)

@@ -4,14 +4,10 @@
 
 namespace ovtest {
 
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(__has_feature)
+inline constexpr bool is_sanitized = __has_feature(address_sanitizer);
+#elif defined(__SANITIZE_ADDRESS__)
 inline constexpr bool is_sanitized = true;
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-inline constexpr bool is_sanitized = true;
-#else
-inline constexpr bool is_sanitized = false;
-#endif
 #else
 inline constexpr bool is_sanitized = false;
 #endif
