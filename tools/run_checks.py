@@ -67,6 +67,60 @@ def build(preset, *targets):
     return work
 
 
+def temporary_folders(preset):
+    """Where its tests put temporary files. Wine's folders are there once a program has run."""
+    wine = [pathlib.Path(path) for name in ("Temp", "AppData/Local/Temp")
+            for path in glob.glob(str(ROOT / WINE_FOLDERS.format(name)))]
+    return [LOGS / f"{preset}-temporary", *(wine if preset == "windows-x64" else [])]
+
+
+def empty(folders):
+    for folder in folders:
+        for path in folder.iterdir() if folder.is_dir() else ():
+            shutil.rmtree(path) if path.is_dir() and not path.is_symlink() else path.unlink()
+
+
+def files_left(folders):
+    return [str(path) for folder in folders if folder.is_dir() for path in folder.rglob("*")]
+
+
+def tests(preset, chosen=None, *, with_duckdb=True):
+    """A step in which every test of a built preset counts by itself, and one check more: that nothing is left in the
+    folders for temporary files. `chosen` is a regular expression of ctest's names."""
+
+    def work(report):
+        if not (BUILD / preset / "CTestTestfile.cmake").exists():
+            return Outcome(failed=1, lines=["        there is no build of it"])
+        temporary, results = LOGS / f"{preset}-temporary", BUILD / preset / "results"
+        temporary.mkdir(exist_ok=True)
+        results.mkdir(exist_ok=True)
+        empty([*temporary_folders(preset), results])
+        # Some tests wait for the disk or the clock.
+        words = ["ctest", "--preset", preset, "-j", str(report.processors + 1),
+                 "--output-junit", str(results / "all.xml")]
+        status = report.run(words + (["-R", chosen] if chosen else []), log_of(report.name), FAILED_START,
+                            {"TMPDIR": str(temporary), **(duckdb(preset) if with_duckdb else {})})
+        passed, failed, lines = summarize(read_ctest(results), status)
+        left = files_left(temporary_folders(preset))
+        if left:
+            lines += ["FAILED  files are left behind:", *(" " * 8 + path for path in left[:20])]
+        return Outcome(passed + (not left), failed + bool(left), lines)
+
+    return work
+
+
+def python_tests(report):
+    """By Debian's interpreter, whatever stands first in the path: the packages are its own."""
+    results = LOGS / "python.xml"
+    results.unlink(missing_ok=True)
+    status = report.run(["/usr/bin/python3", "-m", "pytest", "-v", "-rsfE", "-p", "no:cacheprovider", "--basetemp",
+                         str(LOGS / "python-temporary"), f"--junit-xml={results}", "tests/python"],
+                        log_of(report.name), re.compile(r" (FAILED|ERROR) +\["),
+                        {"OVFILE_LIBRARY": str(BUILD / "release" / "bin"), "PYTHONDONTWRITEBYTECODE": "1",
+                         **duckdb("release")})
+    return Outcome(*summarize(read_pytest(results), status))
+
+
 fetching = threading.Lock()
 
 
@@ -96,61 +150,6 @@ def duckdb(preset):
             name, folder = "OVFILE_DUCKDB", str(BUILD / "duckdb")
             words = ("tools/fetch_duckdb.sh", str(BUILD / "release" / "bin" / "ovfile"), folder)
         return {name: folder} if name not in os.environ and fetched(*words) else {}
-
-
-def temporary_folders(preset):
-    """Where its tests put temporary files. Wine's folders are there once a program has run."""
-    wine = [pathlib.Path(path) for name in ("Temp", "AppData/Local/Temp")
-            for path in glob.glob(str(ROOT / WINE_FOLDERS.format(name)))]
-    return [LOGS / f"{preset}-temporary", *(wine if preset == "windows-x64" else [])]
-
-
-def empty(folders):
-    for folder in folders:
-        for path in folder.iterdir() if folder.is_dir() else ():
-            shutil.rmtree(path) if path.is_dir() and not path.is_symlink() else path.unlink()
-
-
-def files_left(folders):
-    return [str(path) for folder in folders if folder.is_dir() for path in folder.rglob("*")]
-
-
-def tests(preset, chosen=None, *, libraries=duckdb):
-    """A step in which every test of a built preset counts by itself, and one check more: that nothing is left in the
-    folders for temporary files. `chosen` is a regular expression of ctest's names; `libraries` gives the environment
-    that leads to those of others."""
-
-    def work(report):
-        if not (BUILD / preset / "CTestTestfile.cmake").exists():
-            return Outcome(failed=1, lines=["        there is no build of it"])
-        temporary, results = LOGS / f"{preset}-temporary", BUILD / preset / "results"
-        temporary.mkdir(exist_ok=True)
-        results.mkdir(exist_ok=True)
-        empty([*temporary_folders(preset), results])
-        # Some tests wait for the disk or the clock.
-        words = ["ctest", "--preset", preset, "-j", str(report.processors + 1),
-                 "--output-junit", str(results / "all.xml")]
-        status = report.run(words + (["-R", chosen] if chosen else []), log_of(report.name), FAILED_START,
-                            {"TMPDIR": str(temporary), **libraries(preset)})
-        passed, failed, lines = summarize(read_ctest(results), status)
-        left = files_left(temporary_folders(preset))
-        if left:
-            lines += ["FAILED  files are left behind:", *(" " * 8 + path for path in left[:20])]
-        return Outcome(passed + (not left), failed + bool(left), lines)
-
-    return work
-
-
-def python_tests(report):
-    """By Debian's interpreter, whatever stands first in the path: the packages are its own."""
-    results = LOGS / "python.xml"
-    results.unlink(missing_ok=True)
-    status = report.run(["/usr/bin/python3", "-m", "pytest", "-v", "-rsfE", "-p", "no:cacheprovider", "--basetemp",
-                         str(LOGS / "python-temporary"), f"--junit-xml={results}", "tests/python"],
-                        log_of(report.name), re.compile(r" (FAILED|ERROR) +\["),
-                        {"OVFILE_LIBRARY": str(BUILD / "release" / "bin"), "PYTHONDONTWRITEBYTECODE": "1",
-                         **duckdb("release")})
-    return Outcome(*summarize(read_pytest(results), status))
 
 
 def lint(report):
@@ -231,7 +230,7 @@ def quick_steps():
     """Starting DuckDB a thousand times takes half of the native tests' time: they are skipped, each by its name, unless
     the caller's environment names its library."""
     return [Step("release-build", build("release")),
-            Step("release-tests", tests("release", libraries=lambda preset: {}), after=("release-build",))]
+            Step("release-tests", tests("release", with_duckdb=False), after=("release-build",))]
 
 
 def chosen_steps(arguments):

@@ -12,7 +12,7 @@ std::size_t peak_memory() {
   std::ifstream status("/proc/self/status");
   for (std::string word; status >> word;) {
     std::size_t kilobytes = 0;
-    if (word == "VmHWM:" && status >> kilobytes) highest = std::max(highest, kilobytes * 1024);
+    if (word == "VmHWM:" && status >> kilobytes) return highest = std::max(highest, kilobytes * 1024);
   }
   return highest;
 }
