@@ -135,7 +135,7 @@ void basic_ovtable<Precision>::writeRecord(std::uint64_t, const void* buffer) {
   std::byte* place = record();
   std::memcpy(place, buffer, record_bytes_);
   rearrange_numbers(place);
-  rows_.mark_changed();
+  rows_.mark_changed(place);
 }
 
 template <class Precision>
@@ -173,7 +173,7 @@ void basic_ovtable<Precision>::put_native_number(const field& to, std::byte* wor
   // Stored as given also in a file of another byte order; `setValue` is the road that rearranges.
   store_number<Precision>(place_of(to.atoms.front(), words, Precision::word_bytes), value,
                           byte_order::native);
-  rows_.mark_changed();
+  rows_.mark_changed(words);
 }
 
 template <class Precision>
@@ -228,7 +228,7 @@ void basic_ovtable<Precision>::setValue(std::uint64_t index, const VARIANT& valu
     store_number<Precision>(place_of(to.atoms.front(), words, Precision::word_bytes),
                             valid_number<number>(value), rows_.order());
   }
-  rows_.mark_changed();
+  rows_.mark_changed(words);
 }
 
 template <class Precision>

@@ -50,9 +50,10 @@ struct table_version {
 std::uint64_t new_table_number() noexcept;
 
 /// The last counted page, where it has room for more rows: it takes the first ones, and is written when
-/// they count.
+/// they count, from the first of them on: its other rows are not ours to write.
 struct begun_page {
   std::uint64_t index = 0;
+  std::size_t counted_bytes = 0;  ///< of its rows that counted before
   std::vector<std::byte> before;
   std::vector<std::byte> after;  ///< no bytes: there is no such page
   bool is_filled = true;         ///< rows that follow go elsewhere

@@ -110,7 +110,7 @@ row_place row_store<Precision>::append_row() {
   try {
     const row_place place = locate(row_count_);
     fill_with_defaults(place.record);
-    records_.mark_changed();
+    records_.mark_changed(place.record, record_bytes());
     return place;
   } catch (...) {
     // The row is not there: it must not count when nobody could fill it.
@@ -210,6 +210,8 @@ template <class Precision>
 void row_store<Precision>::flush() {
   flush_and_keep();
   may_let_others_grow();
+  // What is in memory may be older than what others have written since.
+  if (header_.state_in_file() == header_state::changed || !has_own_size()) records_.forget();
 }
 
 template class row_store<single_precision>;

@@ -83,10 +83,10 @@ class row_store {
   std::uint64_t held_segment() const noexcept { return records_.segment(); }
   table_version version() const noexcept { return version_; }
 
-  /// A record in memory was changed.
-  void mark_changed() noexcept {
+  /// A record in memory was changed. It alone is written: others may have changed its neighbours meanwhile.
+  void mark_changed(const std::byte* record) noexcept {
     note_change();
-    records_.mark_changed();
+    records_.mark_changed(record, record_bytes());
   }
   /// Anything else was, or is about to be. Rows that were put and not committed are given up.
   void note_change() noexcept {
@@ -122,7 +122,7 @@ class row_store {
   void end_page(added_rows& of);
   void write_pages(added_rows& of, std::size_t pages);
   void write_rest(added_rows& of);
-  void require_written(std::uint64_t page, std::span<const std::byte> bytes);
+  void require_written(std::uint64_t position, std::span<const std::byte> bytes);
   void prepare_rows();
   /// Leaves the file as it was before the rows.
   void take_back(const added_rows& lost) noexcept;

@@ -110,6 +110,7 @@ template <class Precision>
 void row_store<Precision>::take_begun_page(added_rows& to) {
   const std::byte* page = records_.page(to.first_page, counts_);
   to.begun.index = to.first_page++;
+  to.begun.counted_bytes = to.records * record_bytes();
   to.begun.before.assign(page, page + Precision::page_bytes);
   to.begun.after = to.begun.before;
   to.begun.is_filled = false;
@@ -176,15 +177,16 @@ void row_store<Precision>::write_pages(added_rows& of, std::size_t pages) {
   require_known_file();
   of.are_written = true;
   of.most_bytes = std::max(of.most_bytes, (of.first_page + pages) * Precision::page_bytes);
-  require_written(of.first_page, std::span(of.pages).first(pages * Precision::page_bytes));
+  require_written(of.first_page * Precision::page_bytes,
+                  std::span(of.pages).first(pages * Precision::page_bytes));
   of.least_bytes = of.most_bytes;
   of.first_page += pages;
   of.whole_pages = 0;
 }
 
 template <class Precision>
-void row_store<Precision>::require_written(std::uint64_t page, std::span<const std::byte> bytes) {
-  if (!write_at(*file_, page * Precision::page_bytes, bytes)) {
+void row_store<Precision>::require_written(std::uint64_t position, std::span<const std::byte> bytes) {
+  if (!write_at(*file_, position, bytes)) {
     fail_with_system_error(Precision::add_page_write_failed);
   }
 }
@@ -196,7 +198,8 @@ void row_store<Precision>::write_rest(added_rows& of) {
   if (of.are_written) cut_spare_bytes(of.first_page);
   if (of.begun.after.empty()) return;
   of.begun.is_written = true;
-  require_written(of.begun.index, of.begun.after);
+  const std::size_t counted = of.begun.counted_bytes;
+  require_written(of.begun.index * Precision::page_bytes + counted, std::span(of.begun.after).subspan(counted));
 }
 
 template <class Precision>
@@ -250,7 +253,9 @@ void row_store<Precision>::take_back(const added_rows& lost) noexcept {
   // What somebody else has counted meanwhile may stand where the lost rows do.
   if (header_.state_in_file() != header_state::known || !is_own_file() || !has_known_size(lost)) return;
   if (lost.begun.is_written) {
-    (void)write_at(*file_, lost.begun.index * Precision::page_bytes, lost.begun.before);
+    const std::size_t counted = lost.begun.counted_bytes;
+    (void)write_at(*file_, lost.begun.index * Precision::page_bytes + counted,
+                   std::span(lost.begun.before).subspan(counted));
   }
   // Bytes behind the counted pages do no harm where they cannot be cut.
   std::uint64_t size = 0;

@@ -85,10 +85,12 @@ bool row_store<Precision>::has_known_size(const added_rows& of) noexcept {
 template <class Precision>
 bool row_store<Precision>::has_known_begun_page(const added_rows& of) {
   if (of.begun.before.empty() || of.begun.is_written) return true;
-  std::vector<std::byte> now(of.begun.before.size());
+  const auto free = std::span(of.begun.before).subspan(of.begun.counted_bytes);
+  std::vector<std::byte> now(free.size());
   std::size_t done = 0;
-  return file_->seek(static_cast<std::int64_t>(of.begun.index * Precision::page_bytes), seek_origin::begin) &&
-         file_->read(now, done) && done == now.size() && now == of.begun.before;
+  const std::uint64_t position = of.begun.index * Precision::page_bytes + of.begun.counted_bytes;
+  return file_->seek(static_cast<std::int64_t>(position), seek_origin::begin) && file_->read(now, done) &&
+         done == now.size() && std::ranges::equal(now, free);
 }
 
 template class row_store<single_precision>;

@@ -31,7 +31,10 @@ class record_pages {
   /// The segment in memory; fileSegmentMap's `none` without one.
   std::uint64_t segment() const noexcept { return map_->valid() ? map_->segment() : map::none; }
 
-  void mark_changed() noexcept { map_->mark_changed(); }
+  /// Says that these bytes of the segment in memory were changed: they alone are written back.
+  void mark_changed(const std::byte* record, std::size_t bytes) noexcept {
+    map_->mark_changed(static_cast<std::size_t>(record - map_->data()), bytes);
+  }
   void flush() { map_->flush(); }
   void forget() noexcept { map_->forget(); }
   /// Goes on with another open file, which nothing was read from yet.

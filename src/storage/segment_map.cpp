@@ -83,14 +83,30 @@ void fileSegmentMap<N>::read(std::uint64_t segment, segment_need need) {
 template <std::size_t N>
 void fileSegmentMap<N>::flush() {
   if (file_ == nullptr || !valid_ || !writable_ || !dirty_) return;
-  seek(segment_ * N + write_start_);
-  const std::size_t count = extent_ > write_start_ ? static_cast<std::size_t>(extent_ - write_start_) : 0;
+  if (all_changed_) {
+    write_back(static_cast<std::size_t>(write_start_), static_cast<std::size_t>(extent_));
+  } else {
+    changed_.each_run([this](std::size_t begin, std::size_t end) { write_back(begin, end); });
+  }
+  forget_changes();
+}
+
+template <std::size_t N>
+void fileSegmentMap<N>::write_back(std::size_t begin, std::size_t end) {
+  seek(segment_ * N + begin);
+  const std::size_t count = end > begin ? end - begin : 0;
   std::size_t done = 0;
-  if (!file_->write({buffer_.get() + write_start_, count}, done) || done != count) {
+  if (!file_->write({buffer_.get() + begin, count}, done) || done != count) {
     fail_with_system_error(page_write_failed);
   }
+}
+
+template <std::size_t N>
+void fileSegmentMap<N>::forget_changes() noexcept {
   writable_ = false;
   dirty_ = false;
+  all_changed_ = false;
+  changed_.clear();
 }
 
 template <std::size_t N>
@@ -108,8 +124,7 @@ template <std::size_t N>
 void fileSegmentMap<N>::forget() noexcept {
   segment_ = none;
   valid_ = false;
-  writable_ = false;
-  dirty_ = false;
+  forget_changes();
 }
 
 template <std::size_t N>
@@ -123,6 +138,15 @@ void fileSegmentMap<N>::mark_changed() noexcept {
   if (!may_write_) return;
   writable_ = true;
   dirty_ = true;
+  all_changed_ = true;
+}
+
+template <std::size_t N>
+void fileSegmentMap<N>::mark_changed(std::size_t begin, std::size_t bytes) noexcept {
+  if (!may_write_) return;
+  writable_ = true;
+  dirty_ = true;
+  changed_.add(begin, bytes);
 }
 
 template <std::size_t N>

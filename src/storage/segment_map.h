@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "platform/file.h"
+#include "storage/changed_words.h"
 
 namespace ovf {
 
@@ -36,14 +37,17 @@ class fileSegmentMap {
   /// Makes a segment current whose bytes are zero in the file too, because its caller has just written them:
   /// flushes the one before and reads nothing. Otherwise as `load`.
   void begin_empty(std::uint64_t segment, std::uint64_t extent, std::uint64_t write_start);
-  /// Writes the bytes in use back when they have changed.
+  /// Writes back what has changed: the bytes in use where the whole segment was, else the changed parts in
+  /// their places and nothing beside them, which others may have changed in the file meanwhile.
   void flush();
   /// Drops the segment with whatever was not flushed.
   void forget() noexcept;
   /// Forgets, and goes on with another file.
   void turn_to(file& target) noexcept;
-  /// Says that the buffer was changed; no effect on a map that may not write.
+  /// Says that the buffer was changed, all of it or the words that these bytes touch; no effect on a map that
+  /// may not write.
   void mark_changed() noexcept;
+  void mark_changed(std::size_t begin, std::size_t bytes) noexcept;
 
   /// Seeks to a position of the file, from whichever end is nearer.
   void seek(std::uint64_t position);
@@ -62,6 +66,8 @@ class fileSegmentMap {
 
  private:
   void read(std::uint64_t segment, segment_need need);
+  void write_back(std::size_t begin, std::size_t end);
+  void forget_changes() noexcept;
   void release() noexcept;
 
   file* file_;
@@ -74,6 +80,8 @@ class fileSegmentMap {
   bool valid_ = false;
   bool writable_ = false;
   bool dirty_ = false;
+  bool all_changed_ = false;
+  changed_words<N, N == 2048 ? 4 : 8> changed_;
   std::unique_ptr<std::byte[]> buffer_;
 };
 

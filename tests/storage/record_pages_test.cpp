@@ -55,7 +55,7 @@ TEST_F(RecordPages, FlushingTheFirstSegmentLeavesTheHeaderPagesAlone) {
   std::byte* third = pages.page(2, counts);
   // The copies of the header pages in the segment are older than what another map wrote meanwhile.
   std::fill(third - 2 * double_page, third + double_page, std::byte{'!'});
-  pages.mark_changed();
+  pages.mark_changed(third, double_page);
   pages.flush();
   ovtest::bytes expected = numbered(4, double_page);
   std::fill(expected.begin() + 2 * double_page, expected.begin() + 3 * double_page, '!');

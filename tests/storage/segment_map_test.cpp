@@ -117,6 +117,44 @@ TEST_F(SegmentMap, LoadingNoSegmentOnlyPrepares) {
   EXPECT_EQ(files_.count(call::read), 0);
 }
 
+TEST_F(SegmentMap, AFlushOfPartsWritesNothingBesideThem) {
+  const auto target = open();
+  ovf::fileSegmentMap<page> map(target.get(), true);
+  map.load(1, whole, page, 0);
+  std::fill_n(map.data(), page, std::byte{'!'});
+  map.mark_changed(16, 8);
+  map.mark_changed(32, 16);
+  map.mark_changed(48, 8);
+  map.mark_changed(page - 8, 8);
+  EXPECT_TRUE(map.dirty());
+  const int writes = files_.count(call::write);
+  map.flush();
+  EXPECT_FALSE(map.dirty());
+  EXPECT_EQ(files_.count(call::write), writes + 3);
+  ovtest::bytes expected = numbered_pages(4);
+  std::fill_n(expected.begin() + page + 16, 8, '!');
+  std::fill_n(expected.begin() + page + 32, 24, '!');
+  std::fill_n(expected.begin() + 2 * page - 8, 8, '!');
+  EXPECT_EQ(content(), expected);
+}
+
+TEST_F(SegmentMap, PartsThatCouldNotBeWrittenAreWrittenLater) {
+  const auto target = open();
+  ovf::fileSegmentMap<page> map(target.get(), true);
+  map.load(1, whole, page, 0);
+  map.data()[8] = std::byte{'!'};
+  map.data()[64] = std::byte{'!'};
+  map.mark_changed(8, 8);
+  map.mark_changed(64, 8);
+  files_.fail_nth(call::write, 2);
+  EXPECT_THROW(map.flush(), ovf::file_error);
+  EXPECT_TRUE(map.dirty());
+  files_.fail_nothing();
+  map.flush();
+  EXPECT_EQ(content()[page + 8], '!');
+  EXPECT_EQ(content()[page + 64], '!');
+}
+
 TEST_F(SegmentMap, AFlushWritesFromTheWriteStartToTheExtent) {
   const auto target = open();
   {
