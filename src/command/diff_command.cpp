@@ -54,7 +54,7 @@ bool differ(const diff_request& request, text_output& output) {
 void run_diff(const diff_request& request) {
   bool found = false;
   try {
-    text_output output;
+    text_output output(meant_for::people);
     found = differ(request, output);
     output.finish();
   } catch (const broken_pipe&) {

@@ -7,7 +7,7 @@
 #include "commands.h"
 #include "failure.h"
 #include "row_condition.h"
-#include "shown_cell.h"
+#include "shown_text.h"
 #include "table_options.h"
 #include "table_view.h"
 #include "text_output.h"

@@ -98,7 +98,7 @@ void append_json(std::string& out, const table_view& view, const table_facts& fa
 void run_info(const info_request& request) {
   const table_view view(request.table);
   const table_facts facts = read_facts(view);
-  text_output output;
+  text_output output(request.json ? meant_for::programs : meant_for::people);
   request.json ? append_json(output.text(), view, facts) : append_words(output.text(), view, facts);
   output.finish();
 }

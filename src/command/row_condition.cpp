@@ -5,6 +5,7 @@
 
 #include "evaluator.h"
 #include "failure.h"
+#include "shown_text.h"
 
 namespace command {
 namespace {
@@ -37,8 +38,7 @@ std::string marked(ovfile::wide_view expression, std::size_t place) {
   for (std::string_view rest = utf8; !rest.empty();) {
     const std::string_view before = rest;
     const std::uint32_t c = ovfile::take_utf8(rest, valid);
-    const bool control = c < 0x20 || (c >= 0x7F && c < 0xA0);
-    line += control ? " " : before.substr(0, before.size() - rest.size());
+    line += is_control(c) ? " " : before.substr(0, before.size() - rest.size());
     unit += c < 0x10000 ? 1 : 2;
     if (unit <= at) mark += ' ';
   }

@@ -56,7 +56,7 @@ std::string listing_of(const table_view& view) {
 
 void run_schema(const schema_request& request) {
   const table_view view(request.table);
-  text_output output;
+  text_output output(request.xml || request.json ? meant_for::programs : meant_for::people);
   output.text() = request.xml ? xml_of(view) : request.json ? json_of(view) : listing_of(view);
   output.finish();
 }

@@ -61,7 +61,7 @@ void run_stats(const stats_request& request) {
   const std::optional<row_condition> condition = make_condition(view, request.options.where);
   count(view, condition, stats);
   fill_histograms(view, condition, stats);
-  text_output output;
+  text_output output(request.json ? meant_for::programs : meant_for::people);
   request.json ? append_stats_json(output.text(), view, stats)
                : append_stats_words(output.text(), view, stats);
   output.finish();

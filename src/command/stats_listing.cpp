@@ -5,6 +5,7 @@
 #include "csv_text.h"
 #include "encoding.h"
 #include "number_text.h"
+#include "shown_text.h"
 #include "words.h"
 
 namespace command {
@@ -68,8 +69,7 @@ std::string shortened(std::string_view utf8) {
     if (length == longest_shown) return out + "…";
     const std::string_view before = utf8;
     const std::uint32_t c = ovfile::take_utf8(utf8, valid);
-    const bool control = c < 0x20 || (c >= 0x7F && c < 0xA0);
-    out += control ? "." : before.substr(0, before.size() - utf8.size());
+    out += is_control(c) ? "." : before.substr(0, before.size() - utf8.size());
   }
   return out;
 }

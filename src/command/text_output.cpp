@@ -5,6 +5,7 @@
 #include "console.h"
 #include "failure.h"
 #include "progress.h"
+#include "shown_text.h"
 
 namespace command {
 namespace {
@@ -17,6 +18,8 @@ raw_file open_end(const std::string& name, std::optional<replacement>& file) {
 
 }  // namespace
 
+text_output::text_output(meant_for readers) : text_output("-") { readers_ = readers; }
+
 text_output::text_output(const std::string& name)
     : file_(open_end(name, replacement_)),
       to_terminal_(!replacement_ && is_terminal(standard_stream::output)) {}
@@ -24,6 +27,7 @@ text_output::text_output(const std::string& name)
 void text_output::write() {
   std::unique_lock<std::mutex> undisturbed;
   if (to_terminal_ && !text_.empty()) undisturbed = progress::wiped();
+  if (readers_ == meant_for::people) text_ = shown_lines(text_);
   file_.write(text_);
   text_.clear();
 }

@@ -10,10 +10,16 @@
 
 namespace command {
 
+/// What goes to standard output is for.
+enum class meant_for {
+  programs,  ///< every byte as it is
+  people     ///< as `shown_lines` has it
+};
+
 class text_output {
  public:
   /// Standard output.
-  text_output() : text_output("-") {}
+  explicit text_output(meant_for readers = meant_for::programs);
   /// A file; `-` is standard output.
   explicit text_output(const std::string& name);
 
@@ -33,6 +39,7 @@ class text_output {
   std::optional<replacement> replacement_;
   raw_file file_;
   bool to_terminal_;
+  meant_for readers_ = meant_for::programs;
   std::string text_;
 };
 

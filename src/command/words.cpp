@@ -2,14 +2,20 @@
 
 #include <cstdio>
 
+#include "shown_text.h"
+
 namespace command {
 
 void say(std::string_view words, std::string_view lines) {
   std::string line = "ovfile: ";
   // One message is one line, whatever the library's text looks like.
-  for (const char c : words) line.push_back(c == '\n' || c == '\r' ? ' ' : c);
+  std::string text(words);
+  for (char& c : text) {
+    if (c == '\n' || c == '\r') c = ' ';
+  }
+  append_shown(line, text);
   line.push_back('\n');
-  line += lines;
+  line += shown_lines(lines);
   std::fwrite(line.data(), 1, line.size(), stderr);
   std::fflush(stderr);
 }
@@ -32,7 +38,7 @@ std::string json_text(std::string_view utf8) {
   for (const char c : utf8) {
     if (c == '"' || c == '\\') {
       out += {'\\', c};
-    } else if (static_cast<unsigned char>(c) < 0x20) {
+    } else if (static_cast<unsigned char>(c) < 0x20 || c == '\x7F') {
       out += fmt::format("\\u{:04x}", static_cast<unsigned>(c));
     } else {
       out.push_back(c);

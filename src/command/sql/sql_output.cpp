@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "csv_text.h"
-#include "shown_cell.h"
+#include "shown_text.h"
 #include "unique_names.h"
 #include "words.h"
 
