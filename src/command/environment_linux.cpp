@@ -5,7 +5,7 @@
 namespace command {
 
 std::string environment_value(const char* name) {
-  const char* const value = std::getenv(name);
+  const char* const value = ::secure_getenv(name);
   return value == nullptr ? "" : value;
 }
 

@@ -34,7 +34,7 @@ registry_key class_key(REFCLSID id, wide_view below) {
 
 std::optional<std::string> registered_module(REFCLSID id) {
   const registry_key key = class_key(id, u"InprocServer32");
-  if (const auto path = registry_text(key, {})) return utf8_from_wide(*path);
+  if (const auto path = trusted_registry().text(key, {})) return utf8_from_wide(*path);
   const auto path = beside_the_library().text(key, {});
   if (!path) return {};
   // In that file a name without a slash is a neighbour.
@@ -59,6 +59,11 @@ std::optional<wide> registered_name(REFCLSID id) {
 }
 
 HRESULT class_object_of_module(const std::string& path, REFCLSID id, REFIID iid, void** out) {
+  // What a relative path leads to is not for the registry to say.
+  if (!path.starts_with('/')) {
+    debug_output(wide_from_utf8(path + ": a module is registered with its whole path"));
+    return CO_E_DLLNOTFOUND;
+  }
   // Modules stay loaded: nobody can tell when the last of their objects is gone.
   void* module = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (module == nullptr) {

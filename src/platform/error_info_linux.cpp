@@ -5,17 +5,25 @@
 #include <utility>
 
 #include "ovfile/component.h"
+#include "platform/object.h"
 #include "platform/text.h"
 
 namespace {
 
+/// Answered by objects of this class alone.
+constexpr IID own_identifier{0x5C1D7B0E, 0x6A0F, 0x4E55, {0x9B, 0x21, 0x3F, 0xD8, 0x6C, 0x07, 0xE2, 0x94}};
+
+/// Each reference to one counts as what the module's callers hold, since its code is part of the module; but
+/// not that of a thread (below).
 class error_info final : public ICreateErrorInfo, public IErrorInfo {
  public:
+  error_info() noexcept { ++ovf::module_lock_count(); }
+
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override {
     if (out == nullptr) return E_POINTER;
     if (iid == IID_IErrorInfo) {
       *out = static_cast<IErrorInfo*>(this);
-    } else if (iid == IID_ICreateErrorInfo || iid == IID_IUnknown) {
+    } else if (iid == IID_ICreateErrorInfo || iid == IID_IUnknown || iid == own_identifier) {
       *out = static_cast<ICreateErrorInfo*>(this);
     } else {
       *out = nullptr;
@@ -24,10 +32,14 @@ class error_info final : public ICreateErrorInfo, public IErrorInfo {
     AddRef();
     return S_OK;
   }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
+  ULONG STDMETHODCALLTYPE AddRef() override {
+    ++ovf::module_lock_count();
+    return ++references_;
+  }
   ULONG STDMETHODCALLTYPE Release() override {
     const ULONG left = --references_;
     if (left == 0) delete this;
+    --ovf::module_lock_count();
     return left;
   }
 
@@ -86,17 +98,39 @@ class error_info final : public ICreateErrorInfo, public IErrorInfo {
   DWORD help_context_ = 0;
 };
 
-/// What a thread holds, let go when the thread ends. Until then the loader keeps the library in memory,
-/// whoever unloads it: the destructor is part of it. An object that a host has taken is not counted as one of
-/// the module's, as it is not where the system brings error information along; the host releases it before
-/// it unloads the library.
-struct held_error {
-  IErrorInfo* info = nullptr;
+bool is_own(IErrorInfo& info) noexcept {
+  void* found = nullptr;
+  if (info.QueryInterface(own_identifier, &found) != S_OK) return false;
+  static_cast<ICreateErrorInfo*>(found)->Release();
+  return true;
+}
 
-  IErrorInfo* exchange(IErrorInfo* other) { return std::exchange(info, other); }
-  ~held_error() {
-    if (IErrorInfo* old = exchange(nullptr)) old->Release();
+/// What a thread holds, let go when the thread ends. Until then the loader keeps the library in memory,
+/// whoever unloads it: the destructor is part of it. So this reference does not keep the module.
+class held_error {
+ public:
+  held_error() = default;
+  held_error(const held_error&) = delete;
+  held_error& operator=(const held_error&) = delete;
+  ~held_error() { hold(nullptr); }
+
+  /// Takes a reference of its own.
+  void hold(IErrorInfo* other) {
+    if (other != nullptr) other->AddRef();
+    if (IErrorInfo* old = hand_out()) old->Release();
+    info_ = other;
+    is_own_ = other != nullptr && is_own(*other);
+    if (is_own_) --ovf::module_lock_count();
   }
+  /// What it held, with its reference.
+  IErrorInfo* hand_out() noexcept {
+    if (std::exchange(is_own_, false)) ++ovf::module_lock_count();
+    return std::exchange(info_, nullptr);
+  }
+
+ private:
+  IErrorInfo* info_ = nullptr;
+  bool is_own_ = false;
 };
 
 thread_local held_error thread_error;
@@ -111,8 +145,7 @@ HRESULT CreateErrorInfo(ICreateErrorInfo** pperrinfo) {
 
 HRESULT SetErrorInfo(ULONG reserved, IErrorInfo* perrinfo) {
   if (reserved != 0) return E_INVALIDARG;
-  if (perrinfo != nullptr) perrinfo->AddRef();
-  if (IErrorInfo* old = thread_error.exchange(perrinfo)) old->Release();
+  thread_error.hold(perrinfo);
   return S_OK;
 }
 
@@ -120,6 +153,6 @@ HRESULT GetErrorInfo(ULONG reserved, IErrorInfo** pperrinfo) {
   if (pperrinfo == nullptr) return E_POINTER;
   *pperrinfo = nullptr;
   if (reserved != 0) return E_INVALIDARG;
-  *pperrinfo = thread_error.exchange(nullptr);
+  *pperrinfo = thread_error.hand_out();
   return *pperrinfo == nullptr ? S_FALSE : S_OK;
 }

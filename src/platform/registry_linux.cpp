@@ -66,13 +66,23 @@ bool write_all(int file, std::string_view bytes) {
   return true;
 }
 
-/// Reads everything; nothing when there is no regular file that can be read.
-std::optional<std::string> read_file(const std::string& name) {
+enum class writers { anybody, trusted };
+
+bool is_trusted(const struct stat& facts) noexcept {
+  return (facts.st_uid == geteuid() || facts.st_uid == 0) && (facts.st_mode & S_IWOTH) == 0;
+}
+
+/// Reads everything; nothing when there is no regular file that can be read, or its writers are not those.
+std::optional<std::string> read_file(const std::string& name, writers by) {
   const descriptor file(open(name.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
   struct stat facts {};
   if (!file || fstat(file.get(), &facts) != 0) return {};
   if (!S_ISREG(facts.st_mode)) {
     errno = EINVAL;
+    return {};
+  }
+  if (by == writers::trusted && !is_trusted(facts)) {
+    errno = EPERM;
     return {};
   }
   std::string content;
@@ -124,7 +134,11 @@ registry_document current_text() { return read_registry_file(registry_location()
 }  // namespace
 
 registry_document read_registry_file(const std::string& name) {
-  return registry_document(read_file(name).value_or(""));
+  return registry_document(read_file(name, writers::anybody).value_or(""));
+}
+
+registry_document trusted_registry() {
+  return registry_document(read_file(registry_location().file, writers::trusted).value_or(""));
 }
 
 std::optional<std::uint32_t> registry_number(const registry_key& key, wide_view name) {
@@ -149,7 +163,7 @@ bool change_registry_within(std::chrono::milliseconds longest_wait,
   const std::string name = behind_links(where.file);
   const descriptor lock = registry_lock(name, longest_wait);
   if (!lock) return false;
-  std::optional<std::string> before = read_file(name);
+  std::optional<std::string> before = read_file(name, writers::anybody);
   if (!before && errno != ENOENT) return false;
   registry_document text(before.value_or(""));
   for (const registry_change& change : changes) {

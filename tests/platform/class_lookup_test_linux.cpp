@@ -1,6 +1,9 @@
 // Where classes come from, in their order. The library's own entry point is a stand-in
 // (library_entry_linux.cpp), whose table class answers.
 #include <dlfcn.h>
+#include <link.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "environment_linux.h"
 #include "ovfile/ovfile.h"
@@ -31,6 +34,13 @@ class class_lookup : public ovtest::environment_test {
   static void register_module(const std::string& path) {
     ovf::set_registry_text({registry_root::classes, std::u16string(foreign_key) + u"\\InprocServer32"}, {},
                            ovf::wide_from_utf8(path));
+  }
+  /// The mathematical library's whole path.
+  static std::string module_without_entry_point() {
+    void* const library = dlopen("libm.so.6", RTLD_NOW | RTLD_LOCAL);
+    link_map* found = nullptr;
+    if (library == nullptr || dlinfo(library, RTLD_DI_LINKMAP, &found) != 0) return {};
+    return found->l_name;
   }
   static HRESULT class_object(REFCLSID id, DWORD context = CLSCTX_INPROC_SERVER) {
     void* found = reinterpret_cast<void*>(1);
@@ -109,8 +119,33 @@ TEST_F(class_lookup, a_module_that_cannot_be_loaded_says_why) {
 }
 
 TEST_F(class_lookup, a_module_without_the_entry_point) {
-  register_module("libm.so.6");
+  register_module(module_without_entry_point());
   EXPECT_EQ(class_object(foreign), CO_E_ERRORINDLL);
+}
+
+TEST_F(class_lookup, a_module_is_registered_with_its_whole_path) {
+  ovf::wide heard;
+  ovf::listen_to_debug_output([&](ovf::wide_view message) { heard = message; });
+  for (const char* const path : {"libm.so.6", "./libm.so.6", "lib/libm.so.6"}) {
+    heard.clear();
+    register_module(path);
+    EXPECT_EQ(class_object(foreign), CO_E_DLLNOTFOUND) << path;
+    EXPECT_NE(heard.find(u"whole path"), ovf::wide::npos) << path;
+  }
+}
+
+TEST_F(class_lookup, a_registry_that_others_can_write_leads_to_no_module) {
+  register_module(module_without_entry_point());
+  ASSERT_EQ(class_object(foreign), CO_E_ERRORINDLL);
+  const std::string registry = (folder / "registry.reg").string();
+  ASSERT_EQ(chmod(registry.c_str(), 0666), 0);
+  EXPECT_EQ(class_object(foreign), REGDB_E_CLASSNOTREG);
+  ASSERT_EQ(chmod(registry.c_str(), 0644), 0);
+  ASSERT_EQ(class_object(foreign), CO_E_ERRORINDLL);
+  if (geteuid() != 0) return;  // nobody else gives a file away
+  constexpr uid_t other = 65534;
+  ASSERT_EQ(chown(registry.c_str(), other, static_cast<gid_t>(-1)), 0);
+  EXPECT_EQ(class_object(foreign), REGDB_E_CLASSNOTREG);
 }
 
 TEST_F(class_lookup, a_file_beside_the_library_comes_last_and_names_neighbours) {
@@ -135,7 +170,7 @@ TEST_F(class_lookup, a_file_beside_the_library_comes_last_and_names_neighbours) 
   EXPECT_EQ(ovf::wide(name), u"Test.Neighbour.1");
   CoTaskMemFree(name);
 
-  register_module("libm.so.6");
+  register_module(module_without_entry_point());
   EXPECT_EQ(class_object(foreign), CO_E_ERRORINDLL);
 }
 
