@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <map>
 #include <set>
 #include <string_view>
 
@@ -43,16 +44,41 @@ std::u32string made_valid(const std::string& header) {
   return name;
 }
 
-/// The name cut to the length, or its beginning with a number behind it that makes it new.
-std::string first_free(const std::u32string& name, std::size_t longest, const std::set<std::string>& taken) {
-  std::string made = utf8_of(std::u32string_view(name).substr(0, longest));
-  for (unsigned number = 2; taken.contains(made); ++number) {
-    const std::string tail = name.size() < longest ? fmt::format("_{}", number) : std::to_string(number);
-    const std::size_t room = longest > tail.size() ? longest - tail.size() : 0;
-    made = utf8_of(std::u32string_view(name).substr(0, room)) + tail;
+/// Names that are taken, and makes new ones. Many equal names take no longer than as many different ones.
+class name_maker {
+ public:
+  name_maker(const std::vector<std::string>& taken, std::size_t longest)
+      : taken_(taken.begin(), taken.end()), longest_(longest) {}
+
+  bool take(const std::string& name) { return taken_.insert(name).second; }
+
+  /// Takes the name cut to the length, or its beginning with a number behind it that makes it new.
+  std::string take_like(const std::u32string& name) {
+    std::string made = beginning(name, longest_);
+    const std::string_view mark = name.size() < longest_ ? "_" : "";
+    for (unsigned number = 2; !take(made);) {
+      const std::size_t tail = mark.size() + std::to_string(number).size();
+      const std::string begin = beginning(name, longest_ > tail ? longest_ - tail : 0).append(mark);
+      unsigned& next = next_[begin];
+      if (next > number) {
+        number = next;
+      } else {
+        made = begin + std::to_string(number);
+        next = ++number;
+      }
+    }
+    return made;
   }
-  return made;
-}
+
+ private:
+  static std::string beginning(const std::u32string& name, std::size_t characters) {
+    return utf8_of(std::u32string_view(name).substr(0, characters));
+  }
+
+  std::set<std::string> taken_;
+  std::size_t longest_;
+  std::map<std::string, unsigned> next_;  ///< by what stands in front of a number: smaller ones are taken
+};
 
 std::string note_of(std::size_t column, const std::string& header, bool repeated, const std::string& name) {
   if (without_blanks(header).empty())
@@ -103,18 +129,17 @@ std::string name_problem(const std::string& name, std::size_t longest) {
 std::vector<std::string> make_field_names(const std::vector<std::string>& headers,
                                           const std::vector<std::string>& taken, std::size_t longest,
                                           std::vector<std::string>& notes) {
-  std::set<std::string> used(taken.begin(), taken.end());
+  name_maker maker(taken, longest);
   std::vector<std::string> names(headers.size());
   for (std::size_t i = 0; i < headers.size(); ++i) {
     const bool good = name_problem(headers[i], longest).empty();
-    if (good && used.insert(headers[i]).second) names[i] = headers[i];
+    if (good && maker.take(headers[i])) names[i] = headers[i];
   }
   for (std::size_t i = 0; i < headers.size(); ++i) {
     if (!names[i].empty()) continue;
     std::u32string wanted = made_valid(headers[i]);
     if (wanted.empty()) wanted = characters_of(fmt::format("COL{}", i + 1));
-    names[i] = first_free(wanted, longest, used);
-    used.insert(names[i]);
+    names[i] = maker.take_like(wanted);
     const bool repeated = name_problem(headers[i], longest).empty();
     notes.push_back(note_of(i + 1, headers[i], repeated, names[i]));
   }

@@ -141,6 +141,7 @@ import_plan scan_csv(csv_input& input, const import_request& request) {
 
   csv_reader reader(input, input.name());
   const std::vector<std::string> headers = read_header(reader, input.name());
+  check_columns(request.table, headers.size() + plan.implicit.size(), plan.single);
   refuse_doubled_names(plan.implicit, headers, input.name());
   std::vector<std::string> taken;
   for (const planned_field& field : plan.implicit) taken.push_back(field.name);

@@ -20,6 +20,12 @@ bool has_room(std::size_t words, bool single) noexcept {
   return words <= (single ? single_words : double_words);
 }
 
+void check_columns(const std::string& file, std::size_t columns, bool single) {
+  if (has_room(columns, single)) return;
+  throw failure(fmt::format("{}: {} columns are too many; a {}-precision table holds at most {}", file,
+                            columns, single ? "single" : "double", single ? single_words : double_words));
+}
+
 void check_words(const std::string& file, std::size_t words, bool single) {
   const std::size_t limit = single ? single_words : double_words;
   if (has_room(words, single)) return;

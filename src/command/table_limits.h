@@ -18,6 +18,10 @@ constexpr std::size_t words_of_text(std::size_t characters) noexcept {
 /// Whether a table of this precision has room for so many words, implicit fields included.
 bool has_room(std::size_t words, bool single) noexcept;
 
+/// Throws `failure` when a table of this precision has no room for so many columns, however small, implicit
+/// ones included; the message begins with `file`.
+void check_columns(const std::string& file, std::size_t columns, bool single);
+
 /// Throws `failure` when a table of this precision has no room for so many words, implicit fields
 /// included; the message begins with `file`.
 void check_words(const std::string& file, std::size_t words, bool single);

@@ -1,5 +1,6 @@
 #include "unique_names.h"
 
+#include <map>
 #include <set>
 
 #include "words.h"
@@ -24,13 +25,16 @@ std::vector<std::string> unique_names(const std::vector<std::string>& names, let
   for (std::size_t i = 0; i < names.size(); ++i) {
     if (!names[i].empty() && used.insert(key_of(names[i], letters)).second) made[i] = names[i];
   }
+  std::map<std::string, int> next;  // numbers before it are used
   for (std::size_t i = 0; i < names.size(); ++i) {
     if (!made[i].empty()) continue;
     const std::string begin = names[i].empty() ? fmt::format("COL{}", i + 1) : names[i];
-    made[i] = names[i].empty() ? begin : begin + "_2";
-    for (int number = names[i].empty() ? 2 : 3; !used.insert(key_of(made[i], letters)).second; ++number) {
-      made[i] = fmt::format("{}_{}", begin, number);
-    }
+    made[i] = begin;
+    int& number = next.try_emplace(key_of(begin, letters), 2).first->second;
+    if (names[i].empty() && used.insert(key_of(made[i], letters)).second) continue;
+    do {
+      made[i] = fmt::format("{}_{}", begin, number++);
+    } while (!used.insert(key_of(made[i], letters)).second);
   }
   return made;
 }

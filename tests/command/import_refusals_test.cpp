@@ -23,6 +23,13 @@ TEST_F(import_test, the_first_problem_in_the_file_is_told) {
       "in.csv, line 2, column 2 (B): the character U+03B1 is not in Windows-1252, in which tables keep text");
 }
 
+TEST_F(import_test, more_columns_than_a_table_holds_stop_before_anything_else) {
+  std::string header = "A";
+  for (int i = 1; i < 20'000; ++i) header += ",A";
+  expect_no_table(header + "\n1\n",
+                  "t.ovt: 20000 columns are too many; a double-precision table holds at most 256");
+}
+
 TEST_F(import_test, a_row_with_a_wrong_number_of_cells_stops) {
   expect_no_table("A,B,C\n1,2,3\n4,5\n", "in.csv, line 3, column 3: the row has 2 cells, the header has 3");
   expect_no_table("A,B\n1,2\n4,5,6\n", "in.csv, line 3, column 3: the row has 3 cells, the header has 2");

@@ -32,4 +32,11 @@ TEST(unique_names, a_column_without_a_name_gets_one) {
             (names{"COL1_2", "COL1", "COL3_2", "col3"}));
 }
 
+TEST(unique_names, many_equal_ones_take_no_time) {
+  const names equal(200'000, "A");
+  const names made = unique_names(equal, letter_case::does_not_count);
+  EXPECT_EQ(made.front(), "A");
+  EXPECT_EQ(made.back(), "A_200000");
+}
+
 }  // namespace
