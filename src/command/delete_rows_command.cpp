@@ -1,5 +1,7 @@
 // ovfile delete-rows: rows of a table go away.
+#include <algorithm>
 #include <memory>
+#include <vector>
 
 #include "commands.h"
 #include "failure.h"
@@ -21,6 +23,20 @@ struct deletion_request {
   std::string rows;
 };
 
+/// Of rows that are not in the file those that shall go need not be read.
+std::vector<LONG> all_but(const row_choice& doomed, const table_view& view) {
+  const LONG last = view.rows_in_file();
+  for (LONG row = last + 1; row <= view.rows(); ++row) {
+    if (!doomed.has(row)) view.require_whole_file();
+  }
+  std::vector<LONG> kept;
+  kept.reserve(static_cast<std::size_t>(std::max<LONG>(last - doomed.count(), 0)));
+  for (LONG row = 1; row <= last; ++row) {
+    if (!doomed.has(row)) kept.push_back(row);
+  }
+  return kept;
+}
+
 void run_delete_rows(const deletion_request& request) {
   if (!request.where && request.rows.empty())
     throw wrong_usage("--where CONDITION or --rows LIST is required");
@@ -28,12 +44,7 @@ void run_delete_rows(const deletion_request& request) {
   const row_choice doomed =
       request.where ? rows_that_pass(view, request.where) : listed_rows(view, request.rows);
   if (doomed.count() > 0) {
-    std::vector<LONG> kept;
-    kept.reserve(static_cast<std::size_t>(view.rows() - doomed.count()));
-    for (LONG row = 1; row <= view.rows(); ++row) {
-      if (!doomed.has(row)) kept.push_back(row);
-    }
-    keep_rows(view, kept);
+    keep_rows(view, all_but(doomed, view));
   }
   say(fmt::format("{} of {} deleted", doomed.count(), counted(view.rows(), "row")));
 }

@@ -17,9 +17,9 @@ constexpr std::size_t piece_bytes = std::size_t{256} << 20;
 /// Rows by their keys; those with one key in their order.
 class key_index {
  public:
-  explicit key_index(LONG rows) : next_(static_cast<std::size_t>(rows) + 1) {}
-
+  /// Rows come in their order.
   void add(const std::string& key, LONG row) {
+    next_.resize(static_cast<std::size_t>(row) + 1);
     const auto [place, is_new] = chains_.try_emplace(key, chain{row, row});
     if (is_new) return;
     next_[static_cast<std::size_t>(place->second.last)] = row;
@@ -175,8 +175,8 @@ void row_comparison::compare_piece(piece& rows, steps& work) {
 }
 
 void row_comparison::compare_by_key(const std::vector<column_pair>& key) {
-  key_index index(after_.rows());
-  row_choice met(after_.rows());
+  key_index index;
+  row_choice met;
   std::string words;
   // The new table's rows are read once for their keys and once for their cells.
   steps work(static_cast<std::uint64_t>(before_.rows()) + 2 * static_cast<std::uint64_t>(after_.rows()));

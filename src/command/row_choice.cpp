@@ -45,8 +45,9 @@ row_range range_in(std::string_view piece, const std::string& list) {
 }  // namespace
 
 row_choice rows_that_pass(table_view& view, const std::optional<std::string>& condition) {
-  row_choice rows(view.rows());
+  row_choice rows;
   if (!condition) {
+    view.require_whole_file();
     for (LONG row = 1; row <= view.rows(); ++row) rows.choose(row);
     return rows;
   }
@@ -67,7 +68,7 @@ row_choice listed_rows(const table_view& view, const std::string& list) {
     ranges.push_back(range_in(std::string_view(list).substr(begin, end - begin), list));
     begin = end + 1;
   }
-  row_choice rows(view.rows());
+  row_choice rows;
   for (const row_range& range : ranges) {
     if (range.last > view.rows()) {
       const LONG missing = std::max(range.first, view.rows() + 1);

@@ -1,4 +1,4 @@
-// Some of a table's rows: a bit for each.
+// Some of a table's rows: a bit for each up to the last chosen one.
 #pragma once
 
 #include <optional>
@@ -11,19 +11,20 @@ namespace command {
 
 class row_choice {
  public:
-  /// Of a table of so many rows; none is chosen.
-  explicit row_choice(LONG rows) : chosen_(static_cast<std::size_t>(rows)) {}
-
   void choose(LONG row) {
-    if (!has(row)) ++count_;
-    chosen_[static_cast<std::size_t>(row) - 1] = true;
+    if (has(row)) return;
+    const auto needed = static_cast<std::size_t>(row);
+    if (chosen_.size() < needed) chosen_.resize(needed);
+    chosen_[needed - 1] = true;
+    ++count_;
   }
-  bool has(LONG row) const { return chosen_[static_cast<std::size_t>(row) - 1]; }
+  bool has(LONG row) const { return row <= last() && chosen_[static_cast<std::size_t>(row) - 1]; }
   LONG count() const noexcept { return count_; }
-  LONG rows() const noexcept { return static_cast<LONG>(chosen_.size()); }
+  /// 0: none is chosen.
+  LONG last() const noexcept { return static_cast<LONG>(chosen_.size()); }
   /// The first chosen row behind `row`; 0: there is none.
   LONG next(LONG row) const {
-    while (row < rows()) {
+    while (row < last()) {
       if (has(++row)) return row;
     }
     return 0;

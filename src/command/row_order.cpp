@@ -98,6 +98,7 @@ std::vector<key_column> read_keys(table_view& view, const std::vector<field_view
 
 /// The keys go away with the end of this, before the table is written anew.
 std::vector<keyed_row> ordered(table_view& view, const std::vector<field_view>& columns, bool descending) {
+  view.require_whole_file();
   const std::vector<key_column> keys = read_keys(view, columns, descending);
   std::vector<keyed_row> order;
   order.reserve(static_cast<std::size_t>(view.rows()));

@@ -1,5 +1,7 @@
 #include "table_view.h"
 
+#include <algorithm>
+
 #include "absent.h"
 #include "failure.h"
 #include "field_names.h"
@@ -67,6 +69,23 @@ OvTableFacts table_view::facts() const {
   facts.cbSize = sizeof facts;
   check(maintenance ? maintenance->GetFacts(&facts) : E_NOINTERFACE);
   return facts;
+}
+
+LONG table_view::rows_in_file() const {
+  constexpr long long page_words = 512;
+  const OvTableFacts found = facts();
+  const long long page_bytes = page_words * found.wordBytes;
+  // The last page may end with its rows, which the library counts in words.
+  const long long least = (found.pages - 1) * page_bytes + found.recordWords * found.recordsInLastPage;
+  if (rows_ == 0 || found.fileBytes >= least) return rows_;
+  const long long pages = std::max(found.fileBytes / page_bytes - found.headerPages, 0LL);
+  return static_cast<LONG>(std::min<long long>(rows_, pages * found.recordsPerPage));
+}
+
+void table_view::require_whole_file() const {
+  const LONG held = rows_in_file();
+  if (held == rows_) return;
+  throw failure(fmt::format("{}: the file ends behind row {}; its header promises {}", file_, held, rows_));
 }
 
 std::string table_view::description() const {

@@ -27,6 +27,10 @@ class table_view {
   ovfile::pointer<IOvSchema> schema() const;
   /// What the file looks like.
   OvTableFacts facts() const;
+  /// Fewer than `rows()` where the file is shorter than its header promises.
+  LONG rows_in_file() const;
+  /// Throws `failure` where it is: for who is about to make room for all rows.
+  void require_whole_file() const;
   /// All that the file has of it (a schema lacks the last characters), without blanks at the end.
   std::string description() const;
   /// The fields of these names in this order; all where there are none.
