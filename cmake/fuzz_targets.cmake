@@ -13,7 +13,11 @@ foreach(file ${files})
   if(name STREQUAL "filter_fuzz")
     target_link_libraries(fuzz_${name} PRIVATE ovf_filter)
   endif()
-  ovf_link_modules(fuzz_${name} ${OVF_MODULES})
+  if(name STREQUAL "csv_fuzz" OR name STREQUAL "command_fuzz")
+    target_link_libraries(fuzz_${name} PRIVATE ovf_command)  # which has the library itself
+  else()
+    ovf_link_modules(fuzz_${name} ${OVF_MODULES})
+  endif()
   target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
 
   file(MAKE_DIRECTORY "${CMAKE_BINARY_DIR}/run/fuzz")

@@ -21,7 +21,7 @@ file(GLOB alone CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/src/engine/row_st
 list(APPEND alone "${CMAKE_CURRENT_SOURCE_DIR}/src/platform/class_lookup_linux.cpp")
 set_source_files_properties(${alone} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
 
-foreach(module platform storage engine schema table stream server)
+foreach(module base platform storage engine schema table stream server)
   ovf_add_module(${module})
 endforeach()
 
@@ -72,9 +72,9 @@ if("server" IN_LIST OVF_MODULES)
   endif()
 endif()
 
-# The command is a host like any other: published headers and the shared library, nothing else. All of it but
-# main() is a library, for its tests.
-ovf_sources(files src/command src/command/duckdb src/command/sql src/command/parquet)
+# The command is a host like any other: published headers and the shared library, and the seam to the system. All of
+# it but main() is a library, for its tests.
+ovf_sources(files src/command src/command/duckdb src/command/sql src/command/parquet src/command/verify)
 if(files AND TARGET ovfile)
   set(main "${CMAKE_CURRENT_SOURCE_DIR}/src/command/main.cpp")
   list(REMOVE_ITEM files "${main}")
@@ -85,7 +85,7 @@ if(files AND TARGET ovfile)
   # The option parser is large, and a few microseconds of a start are nothing.
   set_source_files_properties(src/command/arguments.cpp PROPERTIES COMPILE_OPTIONS "$<$<CONFIG:Release>:-O1>")
   # The library before the system's, some of which have a DllGetClassObject too.
-  target_link_libraries(ovf_command PUBLIC ovfile ovf_settings ovf_header_libraries)
+  target_link_libraries(ovf_command PUBLIC ovfile ovf_base ovf_settings ovf_header_libraries)
   ovf_may_unite(ovf_command)
 
   add_executable(ovfile_command "${main}")

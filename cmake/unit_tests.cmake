@@ -51,9 +51,10 @@ endif()
 
 # What the tests of a module link: the module and all below it. The classes need server/ for their
 # reports and method tables.
-set(modules_for_platform platform)
-set(modules_for_storage storage platform)
-set(modules_for_engine engine storage platform)
+set(modules_for_base base platform)
+set(modules_for_platform platform base)
+set(modules_for_storage storage platform base)
+set(modules_for_engine engine storage platform base)
 
 # On Windows there is one registry and one session for all: tests that change either run alone.
 set(alone_in_engine "long_names*")
@@ -104,6 +105,9 @@ function(ovf_add_test_folder name)
   endif()
   if(name STREQUAL "command")
     add_dependencies(${target} fake_duckdb lacking_duckdb)
+    if(TARGET denied_malloc)
+      add_dependencies(${target} denied_malloc)
+    endif()
   endif()
   if(name STREQUAL "command" OR name STREQUAL "golden")
     add_dependencies(${target} ovfile_command ovfilter)
@@ -162,6 +166,13 @@ foreach(name fake_duckdb lacking_duckdb)
   target_link_options(${name} PRIVATE -s)
 endforeach()
 target_compile_definitions(lacking_duckdb PRIVATE FAKE_DUCKDB_LACKS_ONE)
+# What denies memory to a program that it is loaded before. A sanitized one has an allocator of its own.
+if(NOT WIN32 AND NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")
+  add_library(denied_malloc MODULE tests/command/denied_malloc/denied_malloc.cpp)
+  set_target_properties(denied_malloc PROPERTIES PREFIX "" CXX_VISIBILITY_PRESET default
+                        LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin/fake")
+  target_link_libraries(denied_malloc PRIVATE ovf_settings ${CMAKE_DL_LIBS})
+endif()
 
 file(GLOB folders CONFIGURE_DEPENDS LIST_DIRECTORIES true "${CMAKE_CURRENT_SOURCE_DIR}/tests/*")
 foreach(folder ${folders})

@@ -8,8 +8,8 @@
 #include <memory>
 #include <vector>
 
-#include "platform/file.h"
-#include "platform/system_error.h"
+#include "base/file.h"
+#include "base/system_error.h"
 
 namespace ovfuzz {
 
@@ -43,6 +43,10 @@ class memory_file final : public ovf::file {
       return fail(failed);
     }
     position_ = static_cast<std::uint64_t>(target);
+    return true;
+  }
+  bool position(std::uint64_t& bytes) noexcept override {
+    bytes = position_;
     return true;
   }
   bool read(std::span<std::byte> bytes, std::size_t& done) noexcept override {
@@ -95,7 +99,7 @@ class memory_files final : public ovf::file_system {
     using enum ovf::open_mode;
     const auto found = files_.find(ovf::wide(name));
     const bool is_there = found != files_.end();
-    const bool must_be_there = mode == read || mode == edit || mode == truncate;
+    const bool must_be_there = mode == read || mode == look || mode == edit || mode == truncate;
     const bool makes = !must_be_there && mode != edit_or_make;
     if (must_be_there != is_there && (must_be_there || makes)) {
       fail(must_be_there ? not_there : failed);
@@ -104,7 +108,7 @@ class memory_files final : public ovf::file_system {
     shared_content& bytes = files_[ovf::wide(name)];
     if (bytes == nullptr) bytes = std::make_shared<content>();
     if (mode == truncate) bytes->clear();
-    return std::make_unique<memory_file>(bytes, mode != read);
+    return std::make_unique<memory_file>(bytes, mode != read && mode != look);
   }
   ovf::file_kind kind(ovf::wide_view name) noexcept override {
     return files_.count(ovf::wide(name)) != 0 ? ovf::file_kind::regular : ovf::file_kind::missing;
@@ -127,14 +131,18 @@ class memory_files final : public ovf::file_system {
                     ovf::wide_view to) noexcept override {
     if (!replace(from, to)) return false;
     copy = nullptr;
-    if (own != nullptr) own = open(to, ovf::open_mode::edit);
+    own = open(to, ovf::open_mode::edit);
     return true;
   }
+  bool name_first(std::unique_ptr<ovf::file>&, ovf::wide_view from, ovf::wide_view to) noexcept override {
+    return kind(to) == ovf::file_kind::missing ? replace(from, to) : fail(failed);
+  }
+  ovf::wide second_name(ovf::file&) noexcept override { return {}; }
   bool resolve(ovf::wide_view name, ovf::wide& path) noexcept override {
     path = name;
     return kind(name) == ovf::file_kind::regular || fail(not_there);
   }
-  bool carry_rights(ovf::wide_view, ovf::wide_view) noexcept override { return true; }
+  bool carry_rights(ovf::file&, ovf::file&) noexcept override { return true; }
   bool sync_folder(ovf::wide_view) noexcept override { return true; }
   ovf::wide temporary_folder() override { return OLESTR("/tmp/"); }
 

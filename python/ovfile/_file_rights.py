@@ -13,9 +13,9 @@ _ACCESS_LIST = "system.posix_acl_access"
 _OTHERS = stat.S_IRWXG | stat.S_IRWXO
 
 
-def carry_rights(old: int, source: str, target: str) -> None:
-    """Gives `target`, a file of this process's user, the owner, group, permissions, access list and user's
-    attributes of the open file `old`, as far as the system lets us; `source` is that file's name.
+def carry_rights(old: int, source: str, new: int, target: str) -> None:
+    """Gives the open file `new`, this process's user's, the owner, group, permissions, access list and user's
+    attributes of the open file `old`, as far as the system lets us; `source` and `target` are their names.
 
     Nobody may do what he could not do before: where the group stays another one, group and others may do what
     both could, and where a list cannot be given, nothing. Raises OSError where the permissions cannot be set.
@@ -23,18 +23,14 @@ def carry_rights(old: int, source: str, target: str) -> None:
     if not hasattr(os, "fchown") or not hasattr(os, "getxattr"):
         shutil.copymode(source, target)
         return
-    new = os.open(target, os.O_RDONLY | os.O_NOFOLLOW | os.O_CLOEXEC)
-    try:
-        _carry_attributes(old, new)
-        _carry_owner(os.fstat(old), new)
-        before, made = os.fstat(old), os.fstat(new)
-        others_too = _carry_access_list(_access_list(old), new, made.st_gid == before.st_gid)
-        if not others_too:
-            with contextlib.suppress(OSError):
-                os.removexattr(new, _ACCESS_LIST)
-        _set_mode(new, _mode_under(before, made, others_too))
-    finally:
-        os.close(new)
+    _carry_attributes(old, new)
+    _carry_owner(os.fstat(old), new)
+    before, made = os.fstat(old), os.fstat(new)
+    others_too = _carry_access_list(_access_list(old), new, made.st_gid == before.st_gid)
+    if not others_too:
+        with contextlib.suppress(OSError):
+            os.removexattr(new, _ACCESS_LIST)
+    _set_mode(new, _mode_under(before, made, others_too))
 
 
 def _carry_attributes(old: int, new: int) -> None:

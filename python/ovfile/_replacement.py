@@ -6,7 +6,7 @@ import contextlib
 import os
 import secrets
 import stat
-from typing import Callable, Iterator, NamedTuple, Optional
+from typing import Callable, Iterator, NamedTuple, Optional, Tuple
 
 from ._errors import Error
 from ._file_rights import carry_rights
@@ -26,6 +26,7 @@ _MOST_TRIES = 5
 # A pipe under the file's name would hold us up.
 _TO_LOOK = os.O_RDONLY | getattr(os, "O_NONBLOCK", 0) | getattr(os, "O_BINARY", 0)
 _TO_MAKE = os.O_RDWR | os.O_CREAT | os.O_EXCL
+_TO_CHANGE = os.O_RDWR | getattr(os, "O_NOFOLLOW", 0) | getattr(os, "O_BINARY", 0)
 
 
 class Stamp(NamedTuple):
@@ -80,26 +81,59 @@ def copy_file(source: str, target: str, check: Callable[[], None]) -> None:
 
 
 class Replacement:
-    """An empty file, `beside` the one whose place it is to take."""
+    """An empty file beside the one whose place it is to take.
+
+    It goes by its open file from its making to the last step, where the system lets it: who may change the
+    folder can put another file, or a link, under its name, and gains nothing by it.
+    """
 
     def __init__(self, path: str) -> None:
         require_file(path)
         self._target = os.path.realpath(path)
-        self.beside = self._make()
+        self._name, self._handle = self._make()
 
-    def _make(self) -> str:
+    def _make(self) -> Tuple[str, int]:
         """What takes another file's place may hold what few shall read, so nobody else reads it before it has
         that file's rights.
         """
-        folder, name = os.path.split(self._target)
-        beside = os.path.join(folder, f".NEW{secrets.token_hex(6)}{os.path.splitext(name)[1]}")
+        folder, leaf = os.path.split(self._target)
+        name = os.path.join(folder, f".NEW{secrets.token_hex(6)}{os.path.splitext(leaf)[1]}")
         replaces = os.path.exists(self._target)
         try:
-            os.close(os.open(beside, _TO_MAKE, 0o600 if replaces else 0o666))
+            return name, os.open(name, _TO_MAKE, 0o600 if replaces else 0o666)
         except OSError as failure:
             words = "cannot be replaced, no file can be made in its folder" if replaces else "cannot be made"
             raise Error(f"the file {words}: {failure.strerror}") from None
-        return beside
+
+    @property
+    def beside(self) -> str:
+        """A name of the new file, for those who open it once more."""
+        name = f"/proc/self/fd/{self._handle}"
+        if fcntl is not None and os.path.exists(name):
+            return name
+        return self.own_name()  # an open file is not written by others there
+
+    def own_name(self) -> str:
+        """Its name, for those who replace it in turn."""
+        self.close()
+        return self._name
+
+    def _open_again(self) -> None:
+        self._handle = os.open(self._name, _TO_CHANGE)
+        facts = os.fstat(self._handle)
+        if fcntl is not None and (facts.st_uid != os.geteuid() or facts.st_nlink != 1):
+            raise Error("the file cannot be written: somebody put another one in its place")
+
+    def close(self) -> None:
+        if self._handle >= 0:
+            os.close(self._handle)
+            self._handle = -1
+
+    def remove(self) -> None:
+        """Where it did not take the place."""
+        self.close()
+        with contextlib.suppress(OSError):
+            _remove(self._name)
 
     def require_closed(self) -> None:
         """Raises Error when somebody has the old file open."""
@@ -110,29 +144,37 @@ class Replacement:
     def take_place(self, expected: Optional[Stamp] = None) -> None:
         """Raises Error, and leaves the old file, where somebody has it open, or it is not the expected one."""
         with _as_errors():
-            with open(self.beside, "rb+") as file:
-                os.fsync(file.fileno())
+            if self._handle < 0:
+                self._open_again()
+            os.fsync(self._handle)
             if expected is None and not os.path.exists(self._target):
-                os.replace(self.beside, self._target)
+                self._take_name()
             else:
                 self._replace(expected)
             self._sync_folder()
+
+    def _take_name(self) -> None:
+        if fcntl is None:
+            self.close()  # open files are not moved there
+        elif not os.path.samestat(os.fstat(self._handle), os.lstat(self._name)):
+            raise Error("the file cannot be written: somebody put another one in its place")
+        os.replace(self._name, self._target)
 
     def _replace(self, expected: Optional[Stamp]) -> None:
         with self._locked() as old:
             if expected is not None and not _is_expected(_stamp_of(old), expected):
                 raise Error(CHANGED_ELSEWHERE)
-            carry_rights(old, self._target, self.beside)
+            carry_rights(old, self._target, self._handle, self._name)
             if fcntl is not None:
-                os.replace(self.beside, self._target)
+                self._take_name()
                 return
-        os.replace(self.beside, self._target)
+        self._take_name()
 
     @contextlib.contextmanager
     def _locked(self) -> Iterator[int]:
         """The old file, which nobody has open meanwhile. A table in use holds a shared lock."""
         for tries in range(_MOST_TRIES):
-            handle = os.open(self._target, _TO_LOOK)
+            handle = os.open(self._target, _TO_LOOK | getattr(os, "O_NOFOLLOW", 0))
             try:
                 _lock(handle)
                 # Somebody may have put another file there before it was locked.
@@ -159,8 +201,7 @@ def replacement(path: str) -> Iterator[Replacement]:
     try:
         yield made
     finally:
-        with contextlib.suppress(OSError):
-            _remove(made.beside)
+        made.remove()
 
 
 def _remove(path: str) -> None:

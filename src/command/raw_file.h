@@ -57,10 +57,6 @@ std::string last_reason();
 void sync_file(const std::string& name, const std::string& shown);
 /// Waits until the names in a folder stand on the disk, where the system can be asked for it.
 void sync_folder(const std::string& name) noexcept;
-/// Puts `from` in the place of `to` in one step and waits until that stands on the disk. Who may do what with
-/// a file that was there is carried over as far as the system lets us, and never more. Throws `failure`,
-/// which names `shown`.
-void replace_file(const std::string& from, const std::string& to, const std::string& shown);
 /// Whether a program has the table open, this one included; false where that cannot be told.
 bool is_in_use(const std::string& name) noexcept;
 void remove_file(const std::string& name) noexcept;

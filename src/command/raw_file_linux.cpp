@@ -10,7 +10,6 @@
 
 #include "console.h"
 #include "failure.h"
-#include "file_rights_linux.h"
 #include "raw_file.h"
 
 namespace command {
@@ -104,15 +103,6 @@ void sync_folder(const std::string& name) noexcept {
   if (handle < 0) return;
   ::fsync(handle);
   ::close(handle);
-}
-
-void replace_file(const std::string& from, const std::string& to, const std::string& shown) {
-  // Until the table's own objects let go: a program that has the file open may still write to it.
-  if (is_in_use(to)) throw failure("cannot replace " + shown + ": it is open in another program");
-  if (!carry_rights(to, from)) throw failure("cannot replace " + shown + ": " + last_reason());
-  if (::rename(from.c_str(), to.c_str()) != 0)
-    throw failure("cannot replace " + shown + ": " + last_reason());
-  sync_folder(std::filesystem::path(to).parent_path().string());
 }
 
 bool is_in_use(const std::string& name) noexcept {

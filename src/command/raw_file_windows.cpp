@@ -133,15 +133,6 @@ void sync_folder(const std::string&) noexcept {
   // A folder cannot be flushed here; what renames a file waits by itself.
 }
 
-void replace_file(const std::string& from, const std::string& to, const std::string& shown) {
-  if (!MoveFileExW(ovfile::to_wide(from).c_str(), ovfile::to_wide(to).c_str(),
-                   MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {
-    const DWORD code = GetLastError();
-    if (is_in_use(to)) throw failure("cannot replace " + shown + ": it is open in another program");
-    throw failure("cannot replace " + shown + ": " + system_reason(code));
-  }
-}
-
 bool is_in_use(const std::string& name) noexcept try {
   const HANDLE handle = CreateFileW(ovfile::to_wide(name).c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING,
                                     FILE_ATTRIBUTE_NORMAL, nullptr);

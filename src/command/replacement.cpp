@@ -5,6 +5,8 @@
 #include <string_view>
 #include <system_error>
 
+#include "base/system_error.h"
+#include "base/text.h"
 #include "failure.h"
 #include "raw_file.h"
 #include "utf8_path.h"
@@ -14,58 +16,60 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Where the new file shall end up.
-std::string resolve(const std::string& target) {
+/// The target as the system's files are named. A name that is no UTF-8 would be another file's.
+ovf::wide checked(const std::string& target) {
   std::error_code error;
   const fs::path path = path_of_utf8(target);
   if (target.empty()) throw failure("the name of the file to write is empty");
+  if (target == "-") {
+    throw wrong_usage("-: this is not written to standard output; ./- is a file of that name");
+  }
   const fs::file_status kind = fs::status(path, error);
   if (fs::exists(kind) && !fs::is_regular_file(kind)) {
     throw failure("cannot write " + target + ": it is not a regular file");
   }
-  if (!fs::is_symlink(fs::symlink_status(path, error))) return target;
-  const fs::path end = fs::canonical(path, error);
-  if (error) throw failure("cannot write " + target + ": " + error.message());
-  return utf8_of_path(end);
+  if (!fs::exists(kind) && fs::is_symlink(fs::symlink_status(path, error))) {
+    throw failure("cannot write " + target + ": it is a link to a file that is not there");
+  }
+  ovf::wide name = ovf::wide_from_utf8(target);
+  if (ovf::utf8_from_wide(name) != target) {
+    throw failure("cannot write " + target + ": the name is not UTF-8");
+  }
+  return name;
 }
 
-/// Makes the file under the first name that is free. What takes another file's place may hold what few
-/// shall read, so nobody else reads it before it has that file's rights.
-std::string make_beside(const std::string& target, const std::string& shown) {
-  // Told at once, not when the work is done.
-  if (is_in_use(target)) throw failure("cannot replace " + shown + ": it is open in another program");
-  std::error_code error;
-  const bool replaces = fs::exists(path_of_utf8(target), error);
-  const fs::path folder = path_of_utf8(target).parent_path();
-  for (int number = 0;; ++number) {
-    const std::string leaf = ".NEW" + std::to_string(process_number()) + "-" + std::to_string(number);
-    std::string name = utf8_of_path(folder / path_of_utf8(leaf));
-    bool taken = false;
-    try {
-      raw_file::make_new(name, replaces, taken).close();
-      return name;
-    } catch (const failure&) {
-      if (taken) continue;
-      const char* const words = replaces ? ": no file can be made in its folder: " : ": ";
-      throw failure((replaces ? "cannot replace " : "cannot create ") + shown + words + last_reason());
-    }
-  }
-}
+std::string reason() { return ovf::utf8_from_wide(ovf::system_message(ovf::last_system_error())); }
+
+constexpr const char* open_elsewhere = ": it is open in another program";
 
 }  // namespace
 
-replacement::replacement(const std::string& target)
-    : shown_(target), target_(resolve(target)), name_(make_beside(target_, shown_)) {}
+replacement::replacement(const std::string& target) : shown_(target), file_(checked(target)) {
+  // Told at once, not when the work is done.
+  if (is_in_use(shown_)) throw failure("cannot replace " + shown_ + open_elsewhere);
+  if (!file_.begin_beside()) {
+    const std::string why = reason();
+    throw failure(file_.replaces()
+                      ? "cannot replace " + shown_ + ": no file can be made in its folder: " + why
+                      : "cannot create " + shown_ + ": " + why);
+  }
+  name_ = ovf::utf8_from_wide(file_.writer_name());
+}
 
-replacement::~replacement() {
-  if (!committed_) remove_file(name_);
+std::string replacement::name_for_children() const {
+  constexpr std::string_view own = "/proc/self";
+  if (!name_.starts_with(own)) return name_;
+  // The number that this process has there, which another one's list of processes may not tell.
+  return "/proc/" + fs::read_symlink(own).string() + name_.substr(own.size());
 }
 
 void replacement::commit() {
   throw_if_interrupted();
-  sync_file(name_, shown_);
-  replace_file(name_, target_, shown_);
-  committed_ = true;
+  if (!file_.settle()) throw failure("cannot write " + shown_ + ": " + reason());
+  if (file_.commit()) return;
+  const bool in_use = ovf::is_in_use(ovf::last_system_error());
+  const std::string why = reason();
+  throw failure("cannot replace " + shown_ + (in_use || is_in_use(shown_) ? open_elsewhere : ": " + why));
 }
 
 bool ends_in(const std::string& name, std::string_view suffix) {

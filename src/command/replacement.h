@@ -1,10 +1,12 @@
 // A file that is either wholly new or wholly as it was: the new one is made beside the target and takes
-// its place in one step at the end. Whatever ends the work early (a failure, a signal) removes it.
+// its place in one step at the end. Whatever ends the work early (a failure, a signal) removes it. Names are
+// UTF-8, failures are thrown.
 #pragma once
 
 #include <string>
 #include <string_view>
 
+#include "base/file_replacement.h"
 #include "console.h"
 
 namespace command {
@@ -14,21 +16,19 @@ class replacement {
   /// Makes an empty file beside `target` (a link's target where it is a link). Throws `failure`, also when
   /// the target is a folder or a device.
   explicit replacement(const std::string& target);
-  ~replacement();
-  replacement(const replacement&) = delete;
-  replacement& operator=(const replacement&) = delete;
 
-  /// The new file, for whoever writes it.
+  /// The new file, for whoever writes it: a name that leads to it whatever others do in its folder.
   const std::string& name() const noexcept { return name_; }
+  /// The same for a process that this one starts.
+  std::string name_for_children() const;
   /// Puts the new file, which nobody has open any more, in the target's place. Throws `failure`.
   void commit();
 
  private:
   interrupt_guard guard_;
   std::string shown_;
-  std::string target_;
+  ovf::file_replacement file_;
   std::string name_;
-  bool committed_ = false;
 };
 
 /// Whether the name ends in `suffix`, which has small letters; those of the name do not count.

@@ -2,7 +2,7 @@
 // of the user's own on Linux.
 #pragma once
 
-#include "platform/text.h"
+#include "base/text.h"
 
 namespace ovf {
 

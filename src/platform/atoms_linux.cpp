@@ -7,8 +7,8 @@
 #include <cerrno>
 #include <string>
 
+#include "base/descriptor_linux.h"
 #include "platform/atoms.h"
-#include "platform/descriptor_linux.h"
 #include "platform/environment_linux.h"
 
 namespace ovf {

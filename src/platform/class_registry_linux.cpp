@@ -2,6 +2,7 @@
 
 #include <dlfcn.h>
 
+#include "base/file.h"
 #include "platform/debug_channel.h"
 #include "platform/module_path.h"
 #include "platform/registry_file_linux.h"
@@ -10,10 +11,11 @@ namespace ovf {
 
 namespace {
 
-/// The folder of this module, with its slash.
+/// The folder of this module's file, behind links, with its slash.
 std::string module_folder() {
-  const std::string path = utf8_from_wide(module_path());
-  return path.substr(0, path.rfind('/') + 1);
+  wide path = module_path();
+  (void)files().resolve(path, path);
+  return utf8_from_wide(folder_of(path));
 }
 
 registry_document beside_the_library() {

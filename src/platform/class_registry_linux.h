@@ -4,7 +4,7 @@
 
 #include <optional>
 
-#include "platform/text.h"
+#include "base/text.h"
 
 namespace ovf {
 

@@ -2,7 +2,7 @@
 
 #include <mutex>
 
-#include "platform/system_error.h"
+#include "base/system_error.h"
 
 namespace ovf {
 
@@ -38,6 +38,15 @@ void debug_output(wide_view message) noexcept {
     // Debug output is not worth a failure.
   }
   set_last_system_error(reason);
+}
+
+bool is_debug_output_heard() noexcept {
+  try {
+    const std::lock_guard lock(current().mutex);
+    return current().listener != nullptr || is_system_debug_output_on();
+  } catch (...) {
+    return false;
+  }
 }
 
 void listen_to_debug_output(std::function<void(wide_view)> listener) {

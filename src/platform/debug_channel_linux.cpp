@@ -6,8 +6,10 @@
 
 namespace ovf {
 
+bool is_system_debug_output_on() noexcept { return std::getenv("OVFILE_DEBUG") != nullptr; }
+
 void write_system_debug_output(wide_view message) {
-  if (std::getenv("OVFILE_DEBUG") == nullptr) return;
+  if (!is_system_debug_output_on()) return;
   std::string line = utf8_from_wide(message);
   if (line.empty() || line.back() != '\n') line.push_back('\n');
   std::string_view rest = line;

@@ -4,9 +4,9 @@
 #include <string>
 #include <utility>
 
+#include "base/text.h"
 #include "ovfile/component.h"
 #include "platform/object.h"
-#include "platform/text.h"
 
 namespace {
 
@@ -134,6 +134,9 @@ class held_error {
 };
 
 thread_local held_error thread_error;
+/// Whether the thread has held an error. Before it has, `thread_error` is not touched: its destructor would
+/// be registered, and the C library ends the process where it finds no memory for that.
+thread_local bool has_held = false;
 
 }  // namespace
 
@@ -145,6 +148,8 @@ HRESULT CreateErrorInfo(ICreateErrorInfo** pperrinfo) {
 
 HRESULT SetErrorInfo(ULONG reserved, IErrorInfo* perrinfo) {
   if (reserved != 0) return E_INVALIDARG;
+  if (perrinfo == nullptr && !has_held) return S_OK;
+  has_held = true;
   thread_error.hold(perrinfo);
   return S_OK;
 }
@@ -153,6 +158,7 @@ HRESULT GetErrorInfo(ULONG reserved, IErrorInfo** pperrinfo) {
   if (pperrinfo == nullptr) return E_POINTER;
   *pperrinfo = nullptr;
   if (reserved != 0) return E_INVALIDARG;
+  if (!has_held) return S_FALSE;
   *pperrinfo = thread_error.hand_out();
   return *pperrinfo == nullptr ? S_FALSE : S_OK;
 }

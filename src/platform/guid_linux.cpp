@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "base/text.h"
 #include "ovfile/component.h"
-#include "platform/text.h"
 
 namespace {
 

@@ -3,8 +3,8 @@
 
 #include <array>
 
+#include "base/text.h"
 #include "ovfile/ovfile.h"
-#include "platform/text.h"
 
 namespace ovf {
 

@@ -13,8 +13,8 @@ namespace ovf {
 /// The file's text; empty when it cannot be read.
 registry_document read_registry_file(const std::string& name);
 
-/// The user's registry; empty where somebody else than the user or the superuser can have written it. For what
-/// leads to code that is run.
+/// The user's registry; empty where somebody else than the user or the superuser can have written it. For
+/// what leads to code that is run.
 registry_document trusted_registry();
 
 /// As `change_registry`; fails with `EBUSY` when others hold the file's lock for longer than that.

@@ -10,7 +10,7 @@
 #include <filesystem>
 #include <optional>
 
-#include "platform/descriptor_linux.h"
+#include "base/descriptor_linux.h"
 #include "platform/environment_linux.h"
 #include "platform/registry_file_linux.h"
 #include "platform/registry_lock_linux.h"

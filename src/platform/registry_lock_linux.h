@@ -4,7 +4,7 @@
 #include <chrono>
 #include <string>
 
-#include "platform/descriptor_linux.h"
+#include "base/descriptor_linux.h"
 
 namespace ovf {
 

@@ -2,7 +2,7 @@
 // Greek and Cyrillic blocks are known, which is what names are made of.
 #pragma once
 
-#include "platform/text.h"
+#include "base/text.h"
 
 namespace ovf {
 

@@ -2,8 +2,8 @@
 // no flags), which is the automation library's on Windows and the component runtime's own on Linux.
 #pragma once
 
+#include "base/text.h"
 #include "ovfile/exception.h"
-#include "platform/text.h"
 
 namespace ovf {
 

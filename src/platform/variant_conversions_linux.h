@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "platform/text.h"
+#include "base/text.h"
 
 namespace ovf::conversion {
 

@@ -10,16 +10,17 @@ void fail_not_a_table() { throw MyExceptionClass(OLESTR("Not a valid orvexa tabl
 
 void fail_unrecognised() { throw MyExceptionClass(OLESTR("Unrecognised file type.")); }
 
+void fail_told(wide_view message) {
+  debug_output(message);
+  throw file_error(message);
+}
+
 wide with_system_error(wide_view pattern) {
   const system_code code = last_system_error();
   return wide_format(pattern).arg(static_cast<long long>(code)).arg(system_message(code)).text();
 }
 
-void fail_with_system_error(wide_view pattern) {
-  const wide message = with_system_error(pattern);
-  debug_output(message);
-  throw file_error(message);
-}
+void fail_with_system_error(wide_view pattern) { fail_told(with_system_error(pattern)); }
 
 void note_system_error(wide_view pattern) noexcept try {
   debug_output(with_system_error(pattern));

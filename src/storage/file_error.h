@@ -5,9 +5,9 @@
 #include <cstdint>
 #include <stdexcept>
 
+#include "base/system_error.h"
+#include "base/text.h"
 #include "ovfile/exception.h"
-#include "platform/system_error.h"
-#include "platform/text.h"
 
 namespace ovf {
 
@@ -29,6 +29,11 @@ class file_error : public std::runtime_error {
 [[noreturn]] void fail_not_a_table();
 /// More atoms than the precision allows.
 [[noreturn]] void fail_unrecognised();
+
+/// Writes a text to the debug channel and throws it.
+[[noreturn]] void fail_told(wide_view message);
+/// A page of records cannot be held in memory, or not written from there.
+inline constexpr wide_view cannot_cache = OLESTR("error caching page");
 
 /// A text with %x and %s filled by the system's last error.
 wide with_system_error(wide_view pattern);

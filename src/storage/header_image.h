@@ -5,7 +5,7 @@
 #include <span>
 #include <vector>
 
-#include "platform/file.h"
+#include "base/file.h"
 #include "storage/dictionary_entry.h"
 
 namespace ovf {

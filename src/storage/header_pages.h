@@ -24,7 +24,8 @@ class header_pages {
   header_pages(file& target, bool may_write, byte_order order)
       : order_(order), file_(&target), map_(&target, may_write) {}
 
-  /// Runs before a header page is written: the header must never promise rows that are not in the file.
+  /// Runs before a header page is written: the header must never promise rows that are not in the file. A
+  /// second map that is flushed behind this one would have it the other way round.
   void before_write(std::function<void()> action) { before_write_ = std::move(action); }
 
   /// A word of the file header (page 0), in native order.

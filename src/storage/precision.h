@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <limits>
 
-#include "platform/text.h"
+#include "base/text.h"
 #include "storage/format.h"
 
 namespace ovf {
@@ -38,7 +38,8 @@ struct double_precision {
   static constexpr std::size_t segment_pages = 100;
   static constexpr std::size_t max_atoms = 256;
   static constexpr number mark = 456789.0;
-  static constexpr std::uint64_t largest_count = std::uint64_t{1} << 53;
+  /// Of a host's integer: a page's number, too.
+  static constexpr std::uint64_t largest_count = (std::uint64_t{1} << 31) - 1;
   static constexpr wide_view created_by =
       OLESTR("Created by OvFile Component (Double Precision) on %d/%d/%d");
   static constexpr wide_view add_page_write_failed =

@@ -54,7 +54,7 @@ std::size_t random_access_file::write(std::uint64_t position, std::span<const st
     if (now == 0) break;
     done += now;
   }
-  length_ = std::max(length_, position + done);
+  if (done > 0) length_ = std::max(length_, position + done);
   return done;
 }
 

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <optional>
 
-#include "platform/file.h"
+#include "base/file.h"
 #include "storage/file_error.h"
 #include "storage/words.h"
 

@@ -27,7 +27,7 @@ auto record_pages<Precision>::set_up(file& target, bool may_write) -> std::uniqu
   try {
     return std::make_unique<map>(&target, may_write);
   } catch (const std::bad_alloc&) {
-    throw file_error(OLESTR("error caching page"));
+    fail_told(cannot_cache);
   }
 }
 

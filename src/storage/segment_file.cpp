@@ -80,15 +80,19 @@ struct _segmentFile::state {
     return position >= base && position - base <= slice_bytes - 1;
   }
 
-  /// A slice is never longer than its buffer, so one read and one write move it whole.
+  /// Without memory of its own: what was written must get into the file when memory has run out, too.
   bool copy_back(wide_view message) noexcept {
-    std::vector<std::byte> buffer(slice_bytes);
-    std::size_t count = 0;
-    if (!read_at(*temporary, 0, buffer, count)) {
-      note_system_error(message);
-      return false;
+    std::byte buffer[1 << 14];
+    for (std::uint64_t at = 0;;) {
+      std::size_t count = 0;
+      if (!read_at(*temporary, at, buffer, count)) {
+        note_system_error(message);
+        return false;
+      }
+      if (count == 0) return true;
+      if (source.write_pure(base + at, std::span(buffer).first(count)) != count) return false;
+      at += count;
     }
-    return source.write_pure(base, std::span(buffer).first(count)) == count;
   }
 
   void copy_in() {
@@ -110,7 +114,7 @@ _segmentFile::_segmentFile(source_file& source, std::uint64_t base)
     : state_(std::make_shared<state>(source, base)) {
   state_->name = ovf::temporary_name(files().temporary_folder(), prefix);
   state_->temporary = files().open(state_->name, open_mode::scratch);
-  if (state_->temporary == nullptr) throw file_error(cannot_create);
+  if (state_->temporary == nullptr) fail_told(cannot_create);
   state_->copy_in();
 }
 
@@ -132,8 +136,9 @@ std::size_t _segmentFile::writeData(std::uint64_t position, std::span<const std:
   if (!write_at(*state_->temporary, offset, part, done) || done != part.size()) {
     note_system_error(slice_write_failed);
   }
+  if (done == 0) return 0;
   state_->size = std::max(state_->size, static_cast<std::int64_t>(offset + done));
-  state_->dirty = state_->dirty || done > 0;
+  state_->dirty = true;
   return done;
 }
 

@@ -7,7 +7,7 @@
 #include <memory>
 #include <span>
 
-#include "platform/file.h"
+#include "base/file.h"
 
 namespace ovf {
 

@@ -115,8 +115,12 @@ void fileSegmentMap<N>::seek(std::uint64_t position) {
   if (!file_->size(size)) throw file_error(OLESTR("cannot retrieve file size"));
   const auto target = static_cast<std::int64_t>(position);
   const bool from_end = position > size / 2 && position <= size;
-  const bool moved = from_end ? file_->seek(target - static_cast<std::int64_t>(size), seek_origin::end)
-                              : file_->seek(target, seek_origin::begin);
+  // Where another program has made the file longer or shorter since its size was asked for, its end is
+  // elsewhere.
+  std::uint64_t reached = 0;
+  const bool moved = (from_end && file_->seek(target - static_cast<std::int64_t>(size), seek_origin::end) &&
+                      file_->position(reached) && reached == position) ||
+                     file_->seek(target, seek_origin::begin);
   if (!moved) throw file_error(OLESTR("cannot move to page in file"));
 }
 

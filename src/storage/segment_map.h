@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "platform/file.h"
+#include "base/file.h"
 #include "storage/changed_words.h"
 
 namespace ovf {

@@ -1,4 +1,6 @@
 // Who may do what with a file that a command puts in another's place.
+#include <dirent.h>
+#include <signal.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <sys/xattr.h>
@@ -172,6 +174,62 @@ TEST_F(file_rights_test, a_folders_list_does_not_come_over_a_file_without_one) {
   EXPECT_EQ(mode("out.csv"), 0660u);
   run_quietly({"export", "t.ovt", "new.csv"});
   EXPECT_NE(attribute("new.csv", list_of_file), "none") << "a new file has what its folder gives";
+}
+
+/// Another user, whose the folder is: copies that stand in it are swapped for links to a file as fast as can
+/// be.
+class link_swapper {
+ public:
+  link_swapper(const std::string& folder, const std::string& file, uid_t user) : id_(::fork()) {
+    if (id_ != 0) return;
+    if (::chdir(folder.c_str()) != 0 || ::setgid(user) != 0 || ::setuid(user) != 0) ::_exit(1);
+    for (;;) {
+      DIR* const found = ::opendir(".");
+      while (const dirent* const entry = ::readdir(found)) {
+        if (std::string_view(entry->d_name).find("NEW") == std::string_view::npos) continue;
+        if (::unlink(entry->d_name) == 0) (void)!::symlink(file.c_str(), entry->d_name);
+      }
+      ::closedir(found);
+    }
+  }
+  link_swapper(const link_swapper&) = delete;
+  link_swapper& operator=(const link_swapper&) = delete;
+  ~link_swapper() {
+    ::kill(id_, SIGKILL);
+    ::waitpid(id_, nullptr, 0);
+  }
+
+ private:
+  pid_t id_;
+};
+
+TEST_F(file_rights_test, who_swaps_a_copy_for_a_link_gets_no_file_of_anothers) {
+  if (::geteuid() != 0) GTEST_SKIP() << "only the superuser gives files away";
+  constexpr uid_t other = 65534;
+  const ovtest::scratch_folder aside;
+  const std::string secret = (aside / "secret").string();
+  ovtest::write_text(secret, "secret");
+  ASSERT_EQ(::chmod(secret.c_str(), 0600), 0);
+  const std::string table = read("t.ovt");
+  ASSERT_EQ(::chown(path(".").c_str(), other, other), 0);
+  const link_swapper swapper(path("."), secret, other);
+  const std::vector<names> commands = {{"sort", "t.ovt", "--by", "A", "--descending"},
+                                       {"alter", "t.ovt", "--add", "C=1"},
+                                       {"delete-rows", "t.ovt", "--rows", "1"},
+                                       {"import", "in.csv", "t.ovt"},
+                                       {"export", "t.ovt", "in.csv"}};
+  for (int tries = 0; tries < 25; ++tries) {
+    for (const char* name : {"t.ovt", "in.csv"}) std::filesystem::remove(path(name));
+    write("t.ovt", table);
+    write("in.csv", "A,B\n1,x\n");
+    for (const char* name : {"t.ovt", "in.csv"}) ASSERT_EQ(::chown(path(name).c_str(), other, other), 0);
+    run(commands[static_cast<std::size_t>(tries) % commands.size()]);
+    struct stat found {};
+    ASSERT_EQ(::stat(secret.c_str(), &found), 0);
+    EXPECT_EQ(found.st_uid, 0U);
+    EXPECT_EQ(found.st_mode & 07777, 0600U);
+    EXPECT_EQ(ovtest::read_bytes(secret).size(), std::size_t{6});
+  }
 }
 
 }  // namespace

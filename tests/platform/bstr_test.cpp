@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "base/text.h"
 #include "ovfile/component.h"
-#include "platform/text.h"
 
 namespace {
 

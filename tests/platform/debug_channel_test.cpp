@@ -5,7 +5,7 @@
 #include <stdexcept>
 #include <vector>
 
-#include "platform/system_error.h"
+#include "base/system_error.h"
 
 namespace {
 

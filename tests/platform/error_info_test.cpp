@@ -2,7 +2,7 @@
 
 #include <thread>
 
-#include "platform/text.h"
+#include "base/text.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
+#include "base/text.h"
 #include "ovfile/ovfile.h"
-#include "platform/text.h"
 
 namespace {
 

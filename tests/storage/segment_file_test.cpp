@@ -107,8 +107,10 @@ TEST_F(SegmentFile, TheLastReleaseCopiesBack) {
 
 TEST_F(SegmentFile, ATemporaryFileThatCannotBeMadeIsThrown) {
   ovf::source_file from = source(10);
+  const ovtest::debug_listener debug;
   files_.fail_all(call::open);
   EXPECT_EQ(message_of([&] { ovf::_segmentFile(from, 0); }), "cannot create temp file for segment");
+  EXPECT_TRUE(debug.heard("cannot create temp file for segment"));
 }
 
 TEST_F(SegmentFile, AFailedCopyInGoesToTheDebugChannelAlone) {
@@ -178,6 +180,17 @@ TEST_F(RandomAccessFile, AnEmptyFileHasNoSlicesAndGrowsWithWrites) {
     EXPECT_TRUE(file.sync());
   }
   EXPECT_EQ(content(), (ovtest::bytes{'h', 'e', 'a', 'd', 'e', 'r'}));
+}
+
+TEST_F(RandomAccessFile, AWriteThatStoresNothingMakesNothingLonger) {
+  ovf::random_access_file file(ovtest::wide_path(path_), ovf::random_access::create);
+  EXPECT_EQ(file.write(0, bytes_of("zinc")), 4U);
+  files_.fail_all(call::write);
+  EXPECT_EQ(file.write(100, bytes_of("lead")), 0U);
+  EXPECT_EQ(file.length(), 4U);
+  files_.fail_nothing();
+  EXPECT_TRUE(file.sync());
+  EXPECT_EQ(content().size(), 4U);
 }
 
 TEST_F(RandomAccessFile, AWriteGoesOnInTheFollowingSlices) {

@@ -57,6 +57,27 @@ TEST_F(SegmentMap, LoadsTheBytesOfASegment) {
   EXPECT_EQ(map.data()[page - 1], std::byte{'c'});
 }
 
+/// Between the question for the size and the way to a page.
+TEST_F(SegmentMap, AFileThatAnotherProgramMakesLongerOrShorterIsReadAndWrittenInItsPlaces) {
+  for (const std::size_t pages : {5U, 3U}) {
+    ovtest::write_bytes(path_, numbered_pages(4));
+    const auto target = open();
+    ovf::fileSegmentMap<page> map(target.get(), true);
+    files_.decide = [&](call kind, const ovf::wide&) {
+      if (kind == call::seek) std::filesystem::resize_file(path_, pages * page);
+      return fate::works;
+    };
+    map.load(2, whole, page, 0);
+    EXPECT_EQ(map.data()[0], std::byte{'c'});
+    std::filesystem::resize_file(path_, 4 * page);
+    map.data()[0] = std::byte{'!'};
+    map.mark_changed(0, 1);
+    map.flush();
+    EXPECT_EQ(content()[2 * page], '!');
+    files_.fail_nothing();
+  }
+}
+
 TEST_F(SegmentMap, LoadingTheCurrentSegmentReadsNothingAndOnlyWidensTheExtent) {
   const auto target = open();
   ovf::fileSegmentMap<page> map(target.get(), true);

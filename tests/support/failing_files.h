@@ -11,10 +11,10 @@
 #include <string>
 #include <vector>
 
+#include "base/file.h"
+#include "base/system_error.h"
 #include "ovfile/exception.h"
 #include "platform/debug_channel.h"
-#include "platform/file.h"
-#include "platform/system_error.h"
 #include "support/wide_path.h"
 
 namespace ovtest {
@@ -101,8 +101,17 @@ class failing_files final : public ovf::file_system {
   bool resolve(ovf::wide_view name, ovf::wide& path) noexcept override {
     return shared_->ask(call::resolve, name) == fate::works && ovf::system_files().resolve(name, path);
   }
-  bool carry_rights(ovf::wide_view from, ovf::wide_view to) noexcept override {
-    return shared_->ask(call::rights, to) == fate::works && ovf::system_files().carry_rights(from, to);
+  bool name_first(std::unique_ptr<ovf::file>& copy, ovf::wide_view from,
+                  ovf::wide_view to) noexcept override {
+    return shared_->ask(call::replace, to) == fate::works &&
+           ovf::system_files().name_first(real_of(copy), from, to);
+  }
+  ovf::wide second_name(ovf::file& opened) noexcept override {
+    return ovf::system_files().second_name(real_of(opened));
+  }
+  bool carry_rights(ovf::file& old, ovf::file& copy) noexcept override {
+    return shared_->ask(call::rights, {}) == fate::works &&
+           ovf::system_files().carry_rights(real_of(old), real_of(copy));
   }
   bool sync_folder(ovf::wide_view folder) noexcept override {
     return shared_->ask(call::sync, folder) == fate::works && ovf::system_files().sync_folder(folder);
@@ -126,6 +135,7 @@ class failing_files final : public ovf::file_system {
     bool seek(std::int64_t distance, ovf::seek_origin origin) noexcept override {
       return owner_->ask(call::seek, name_) == fate::works && real_->seek(distance, origin);
     }
+    bool position(std::uint64_t& bytes) noexcept override { return real_->position(bytes); }
     bool read(std::span<std::byte> bytes, std::size_t& done) noexcept override {
       done = 0;
       const fate how = owner_->ask(call::read, name_);
@@ -157,6 +167,11 @@ class failing_files final : public ovf::file_system {
   static std::unique_ptr<ovf::file>& real_of(std::unique_ptr<ovf::file>& opened) noexcept {
     auto* known = dynamic_cast<watched*>(opened.get());
     return known != nullptr ? known->real() : opened;
+  }
+
+  static ovf::file& real_of(ovf::file& opened) noexcept {
+    auto* known = dynamic_cast<watched*>(&opened);
+    return known != nullptr ? *known->real() : opened;
   }
 
   ovf::file_system* before_ = nullptr;

@@ -13,9 +13,10 @@ namespace ovtest {
 
 /// What becomes of what nobody waited for when the machine stops.
 enum class loss {
-  all,           ///< files are as they were last waited for, names as when their folder was
-  second_half,   ///< of what differs from the disk, the first half of the bytes arrived; names arrived
-  contents_only  ///< names arrived, no bytes
+  all,            ///< files are as they were last waited for, names as when their folder was
+  second_half,    ///< of what differs from the disk, the first half of the bytes arrived; names arrived
+  contents_only,  ///< names arrived, no bytes
+  all_but_header  ///< the first page and the size arrived: a disk takes what waits in any order
 };
 
 class forgetful_files final : public ovf::file_system {
@@ -62,6 +63,7 @@ class forgetful_files final : public ovf::file_system {
     const bytes now = content(name);
     if (what == loss::all) return at(disk_->named, name);
     const bytes kept = at(disk_->synced, name);
+    if (what == loss::all_but_header) return with_header(kept, now);
     return what == loss::contents_only ? kept : torn(kept, now);
   }
 
@@ -70,7 +72,8 @@ class forgetful_files final : public ovf::file_system {
       --copies_refused;
       return nullptr;
     }
-    const bool changes = mode != ovf::open_mode::read && mode != ovf::open_mode::edit;
+    const bool changes =
+        mode != ovf::open_mode::read && mode != ovf::open_mode::look && mode != ovf::open_mode::edit;
     if ((changes && !disk_->goes_on()) || disk_->stopped) return nullptr;
     auto real = ovf::system_files().open(name, mode);
     if (real == nullptr) return nullptr;
@@ -99,8 +102,16 @@ class forgetful_files final : public ovf::file_system {
   bool resolve(ovf::wide_view name, ovf::wide& path) noexcept override {
     return ovf::system_files().resolve(name, path);
   }
-  bool carry_rights(ovf::wide_view from, ovf::wide_view to) noexcept override {
-    return disk_->goes_on() && ovf::system_files().carry_rights(from, to);
+  bool name_first(std::unique_ptr<ovf::file>& copy, ovf::wide_view from,
+                  ovf::wide_view to) noexcept override {
+    if (!disk_->goes_on() || !ovf::system_files().name_first(real_of(copy), from, to)) return false;
+    moved(from, to);
+    return true;
+  }
+  /// What is written is noted under the file's own name.
+  ovf::wide second_name(ovf::file&) noexcept override { return {}; }
+  bool carry_rights(ovf::file& old, ovf::file& copy) noexcept override {
+    return disk_->goes_on() && ovf::system_files().carry_rights(real_of(old), real_of(copy));
   }
   bool sync_folder(ovf::wide_view folder) noexcept override {
     if (!disk_->goes_on()) return false;
@@ -121,6 +132,7 @@ class forgetful_files final : public ovf::file_system {
     bool seek(std::int64_t distance, ovf::seek_origin origin) noexcept override {
       return real_->seek(distance, origin);
     }
+    bool position(std::uint64_t& bytes) noexcept override { return real_->position(bytes); }
     bool read(std::span<std::byte> into, std::size_t& done) noexcept override {
       return real_->read(into, done);
     }
@@ -153,6 +165,10 @@ class forgetful_files final : public ovf::file_system {
     auto* known = dynamic_cast<watched*>(opened.get());
     return known != nullptr ? known->real() : opened;
   }
+  static ovf::file& real_of(ovf::file& opened) noexcept {
+    auto* known = dynamic_cast<watched*>(&opened);
+    return known != nullptr ? *known->real() : opened;
+  }
   /// The spelling in which the library names a file that it replaces.
   static ovf::wide whole(const ovf::wide& name) {
     ovf::wide path;
@@ -165,6 +181,13 @@ class forgetful_files final : public ovf::file_system {
   static bytes at(const name_map& files, const ovf::wide& name) {
     const auto found = files.find(name);
     return found == files.end() ? bytes() : found->second;
+  }
+  /// A file has its new size then, and zeros where nothing arrived.
+  static bytes with_header(bytes kept, const bytes& now) {
+    constexpr std::size_t header_bytes = 4096;
+    kept.resize(std::max(kept.size(), now.size()));
+    std::copy_n(now.begin(), std::min(now.size(), header_bytes), kept.begin());
+    return kept;
   }
   /// The first half of the bytes from the first difference on are the new ones.
   static bytes torn(bytes kept, const bytes& now) {

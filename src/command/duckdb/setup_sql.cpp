@@ -131,7 +131,7 @@ std::string install(package_file& package, const wanted_library& wanted) {
     const private_folder scratch("ovfile-setup");
     copy_file(unpack(package, scratch.name()), target.name(), wanted.target);
   }
-  const duckdb_trial found = look_at_duckdb(target.name());
+  const duckdb_trial found = look_at_duckdb(target.name_for_children());
   if (found.verdict != duckdb_verdict::good) {
     throw failure(fmt::format("the library of {} is of no use here: {}", package.source, found.words));
   }

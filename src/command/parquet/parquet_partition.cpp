@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "failure.h"
-#include "shown_cell.h"
+#include "shown_text.h"
 #include "words.h"
 
 namespace command {

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "platform/file.h"
+#include "base/file.h"
 
 namespace ovf {
 

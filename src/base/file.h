@@ -1,6 +1,6 @@
 // The one seam to the file system. Everything that touches a file goes through `files()`, so that a test
 // can put a failing or a stopping file system in its place. No operation throws: each answers whether
-// it worked, and the reason is the system's last error (platform/system_error.h).
+// it worked, and the reason is the system's last error (base/system_error.h).
 #pragma once
 
 #include <cstddef>
@@ -8,7 +8,7 @@
 #include <memory>
 #include <span>
 
-#include "platform/text.h"
+#include "base/text.h"
 
 namespace ovf {
 
@@ -25,6 +25,8 @@ class file {
 
   virtual bool size(std::uint64_t& bytes) noexcept = 0;
   virtual bool seek(std::int64_t distance, seek_origin origin) noexcept = 0;
+  /// Where the file is read or written next.
+  virtual bool position(std::uint64_t& bytes) noexcept = 0;
   /// Reads up to the span's length and moves the position on; fewer bytes, down to 0, at the end.
   virtual bool read(std::span<std::byte> bytes, std::size_t& done) noexcept = 0;
   virtual bool write(std::span<const std::byte> bytes, std::size_t& done) noexcept = 0;
@@ -46,7 +48,9 @@ enum class open_mode {
   make_new,      ///< read and write, fails with `already_exists()` when there is one
   truncate,      ///< read and write, an existing file, emptied
   scratch,       ///< read and write, made exclusively, readable by its owner alone, shared with nobody
-  make_copy      ///< like scratch, but to stay: it shall take another file's place
+  make_copy,     ///< like scratch, but to stay: it shall take another file's place
+  make_first,    ///< the same where nothing stands under the name yet, with the rights that new files have
+  look           ///< like read, but a link is refused, and nobody sees that the file is in use
 };
 
 enum class file_kind { missing, regular, other };
@@ -73,15 +77,25 @@ class file_system {
   virtual bool remove(wide_view name) noexcept = 0;
   /// Puts `from` in the place of `to` in one step.
   virtual bool replace(wide_view from, wide_view to) noexcept = 0;
-  /// The same for files in use: `copy` has `from` open and `own` has `to` open (null: nobody here does).
-  /// Refused while anybody else has `to` open, and when the name leads to another file by now. Then `own`
-  /// stays as it was, `copy` may be closed. Else `own`, unless null, has the new file open afterwards.
+  /// Gives a copy, which `copy` has open as `from`, a name that no file has; fails with `already_exists()`
+  /// when one has, and `copy` may be closed then.
+  virtual bool name_first(std::unique_ptr<file>& copy, wide_view from, wide_view to) noexcept = 0;
+  /// Puts a copy in the place of a file in one step: `copy` has `from` open and `own` has `to` open. Refused
+  /// while anybody else has `to` open, and when the name leads to another file by now: nobody opens it
+  /// between the look and the step. Then `own` stays as it was, `copy` may be closed. Else `own` has the new
+  /// file open afterwards, and counts as its user.
   virtual bool replace_open(std::unique_ptr<file>& own, std::unique_ptr<file>& copy, wide_view from,
                             wide_view to) noexcept = 0;
+  /// A name by which an open file can be opened once more, whatever somebody puts under its own meanwhile;
+  /// empty where the system has none.
+  virtual wide second_name(file& opened) noexcept = 0;
   /// The file that an existing name leads to in the end, links followed, as an absolute path.
   virtual bool resolve(wide_view name, wide& path) noexcept = 0;
-  /// Gives `to` the permissions of `from` with its access list, and its owner where the user may.
-  virtual bool carry_rights(wide_view from, wide_view to) noexcept = 0;
+  /// Gives `copy`, a new file of this user, the owner, group, permissions, access list and users' attributes
+  /// of `old` as far as the system lets it. Where the group stays another one, or the list cannot be given,
+  /// group and others get no rights; nobody runs it with its owner's or group's: nobody may do what he could
+  /// not do before.
+  virtual bool carry_rights(file& old, file& copy) noexcept = 0;
   /// Waits until a folder's entries stand on the disk.
   virtual bool sync_folder(wide_view folder) noexcept = 0;
   /// The system's folder for temporary files with a separator at its end; empty when there is none.
@@ -97,6 +111,12 @@ file_system* use_files(file_system* other) noexcept;
 
 /// Whether the code is what `open_mode::make_new` answers for a file that is there already.
 bool already_exists(std::uint32_t code) noexcept;
+/// Whether the code says that there is no such file.
+bool is_missing(std::uint32_t code) noexcept;
+/// Whether the code says that the name leads to another file than the one that is open.
+bool is_other_file(std::uint32_t code) noexcept;
+/// Whether the code says that somebody has the file open.
+bool is_in_use(std::uint32_t code) noexcept;
 
 /// A name in `folder` that begins with `prefix` and is not taken at the moment of the call.
 wide temporary_name(wide_view folder, wide_view prefix);

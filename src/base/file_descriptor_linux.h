@@ -1,4 +1,4 @@
-// Open files and file names of Linux, for what implements platform/file.h there.
+// Open files and file names of Linux, for what implements base/file.h there.
 #pragma once
 
 #include <fcntl.h>
@@ -10,7 +10,7 @@
 #include <memory>
 #include <string>
 
-#include "platform/file.h"
+#include "base/file.h"
 
 namespace ovf {
 
@@ -20,10 +20,17 @@ bool system_name(wide_view name, std::string& converted);
 /// An open file. While it is open it holds a shared lock, by which others see that it is in use.
 class descriptor_file final : public file {
  public:
-  explicit descriptor_file(int descriptor) : descriptor_(descriptor) {}
-  ~descriptor_file() override { ::close(descriptor_); }
+  /// Of no file yet: what was made under a name must not stay there for want of memory for its object.
+  descriptor_file() = default;
+  ~descriptor_file() override { take(-1); }
   descriptor_file(const descriptor_file&) = delete;
   descriptor_file& operator=(const descriptor_file&) = delete;
+
+  /// Holds an open file, and lets go of the one before.
+  void take(int descriptor) noexcept {
+    if (descriptor_ >= 0) ::close(descriptor_);
+    descriptor_ = descriptor;
+  }
 
   bool size(std::uint64_t& bytes) noexcept override {
     struct stat facts;
@@ -37,6 +44,12 @@ class descriptor_file final : public file {
                        : origin == seek_origin::current ? SEEK_CUR
                                                         : SEEK_END;
     return ::lseek(descriptor_, distance, whence) >= 0;
+  }
+
+  bool position(std::uint64_t& bytes) noexcept override {
+    const off_t found = ::lseek(descriptor_, 0, SEEK_CUR);
+    bytes = static_cast<std::uint64_t>(found);
+    return found >= 0;
   }
 
   bool read(std::span<std::byte> bytes, std::size_t& done) noexcept override {
@@ -75,15 +88,24 @@ class descriptor_file final : public file {
 
   /// Asks for a lock without waiting; file systems without locks let everybody pass.
   bool lock(int kind) noexcept { return ::flock(descriptor_, kind | LOCK_NB) == 0 || errno != EWOULDBLOCK; }
+  int number() const noexcept { return descriptor_; }
   /// Whether the path still leads to this file.
   bool stands_at(const std::string& path) const noexcept {
-    struct stat here;
     struct stat there;
-    return ::fstat(descriptor_, &here) == 0 && ::stat(path.c_str(), &there) == 0 &&
-           here.st_dev == there.st_dev && here.st_ino == there.st_ino;
+    return ::stat(path.c_str(), &there) == 0 && is(there);
+  }
+  /// Whether the path names this file itself, and not a link to it.
+  bool is_named(const std::string& path) const noexcept {
+    struct stat there;
+    return ::lstat(path.c_str(), &there) == 0 && is(there);
   }
 
  private:
+  bool is(const struct stat& other) const noexcept {
+    struct stat own;
+    return ::fstat(descriptor_, &own) == 0 && own.st_dev == other.st_dev && own.st_ino == other.st_ino;
+  }
+
   /// The lock belongs to the open file, not to the process, which may have the table open twice.
   bool lock_growth(short kind) noexcept {
     struct flock range = {};
@@ -94,12 +116,13 @@ class descriptor_file final : public file {
     return ::fcntl(descriptor_, F_OFD_SETLK, &range) == 0;
   }
 
-  int descriptor_;
+  int descriptor_ = -1;
 };
 
 /// What `file_system` says of these names.
 bool resolve_file(wide_view name, wide& path) noexcept;
-bool carry_file_rights(wide_view from, wide_view to) noexcept;
+bool carry_file_rights(int from, int to) noexcept;
+bool name_file_first(wide_view from, wide_view to) noexcept;
 bool replace_open_file(std::unique_ptr<file>& own, std::unique_ptr<file>& copy, wide_view from,
                        wide_view to) noexcept;
 

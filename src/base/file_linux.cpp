@@ -1,11 +1,12 @@
 #include <fcntl.h>
 
 #include <algorithm>
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
 
-#include "platform/file_descriptor_linux.h"
-#include "platform/system_error.h"
+#include "base/file_descriptor_linux.h"
+#include "base/system_error.h"
 
 namespace ovf {
 namespace {
@@ -14,6 +15,8 @@ int flags_of(open_mode mode) noexcept {
   switch (mode) {
     case open_mode::read:
       return O_RDONLY;
+    case open_mode::look:
+      return O_RDONLY | O_NOFOLLOW;
     case open_mode::edit:
     case open_mode::truncate:
       return O_RDWR;
@@ -22,6 +25,7 @@ int flags_of(open_mode mode) noexcept {
     case open_mode::make_new:
     case open_mode::scratch:
     case open_mode::make_copy:
+    case open_mode::make_first:
       return O_RDWR | O_CREAT | O_EXCL;
   }
   return O_RDONLY;
@@ -32,14 +36,42 @@ bool refuse(int reason) noexcept {
   return false;
 }
 
+/// A name for the system without memory of its own: what is left to do when memory has run out needs none.
+bool put_system_name(wide_view name, std::span<char> into) noexcept {
+  std::size_t length = 0;
+  for (std::size_t i = 0; i < name.size(); ++i) {
+    std::uint32_t code = name[i];
+    if (code >= 0xD800 && code < 0xDC00 && i + 1 < name.size() && name[i + 1] >= 0xDC00 &&
+        name[i + 1] < 0xE000) {
+      code = 0x10000 + ((code - 0xD800) << 10) + (name[++i] - 0xDC00U);
+    }
+    if (code == 0 || (code >= 0xD800 && code < 0xE000)) return refuse(ENOENT);
+    constexpr std::size_t longest = 4;
+    if (length + longest >= into.size()) return refuse(ENAMETOOLONG);
+    const int rest = code < 0x80 ? 0 : code < 0x800 ? 1 : code < 0x10000 ? 2 : 3;
+    constexpr std::uint32_t first_bits[] = {0, 0xC0, 0xE0, 0xF0};
+    into[length++] = static_cast<char>(first_bits[rest] | code >> (6 * rest));
+    for (int left = rest - 1; left >= 0; --left) {
+      into[length++] = static_cast<char>(0x80U | ((code >> (6 * left)) & 0x3FU));
+    }
+  }
+  into[length] = '\0';
+  return true;
+}
+
 bool makes_anew(open_mode mode) noexcept { return (flags_of(mode) & O_EXCL) != 0; }
+
+/// What is only looked at, and a copy that others write by its name, is not in use.
+bool is_locked(open_mode mode) noexcept {
+  return mode != open_mode::look && mode != open_mode::make_copy && mode != open_mode::make_first;
+}
 
 /// A table in use holds a shared lock, and whoever empties or replaces it asks for the exclusive one.
 bool prepare(int descriptor, descriptor_file& opened, open_mode mode) noexcept {
   struct stat facts;
   if (::fstat(descriptor, &facts) != 0) return false;
   if (!S_ISREG(facts.st_mode)) return refuse(S_ISDIR(facts.st_mode) ? EISDIR : EINVAL);
-  return opened.lock(mode == open_mode::truncate ? LOCK_EX : LOCK_SH);
+  return !is_locked(mode) || opened.lock(mode == open_mode::truncate ? LOCK_EX : LOCK_SH);
 }
 
 bool empty(int descriptor, descriptor_file& opened) noexcept {
@@ -52,12 +84,13 @@ bool empty(int descriptor, descriptor_file& opened) noexcept {
 /// `may_be_stale` takes what there is.
 std::unique_ptr<file> open_once(const std::string& path, open_mode mode, bool may_be_stale) {
   const bool own_alone = mode == open_mode::scratch || mode == open_mode::make_copy;
+  auto opened = std::make_unique<descriptor_file>();
   // No advice on the order of access: segments are long, and walks from row to row want the read-ahead.
   // Without O_NONBLOCK a pipe under the file's name would hold the caller up.
   const int descriptor = ::open(path.c_str(), flags_of(mode) | O_CLOEXEC | O_NONBLOCK | O_NOCTTY,
                                 own_alone ? mode_t{0600} : mode_t{0666});
   if (descriptor < 0) return nullptr;
-  auto opened = std::make_unique<descriptor_file>(descriptor);
+  opened->take(descriptor);
   const bool usable = prepare(descriptor, *opened, mode) &&
                       (may_be_stale || opened->stands_at(path) || refuse(ESTALE)) &&
                       (mode != open_mode::truncate || empty(descriptor, *opened));
@@ -106,13 +139,9 @@ class linux_files final : public file_system {
     return false;
   }
 
-  bool remove(wide_view name) noexcept override try {
-    std::string path;
-    if (!system_name(name, path)) return false;
-    return ::unlink(path.c_str()) == 0;
-  } catch (...) {
-    errno = ENOMEM;
-    return false;
+  bool remove(wide_view name) noexcept override {
+    char path[PATH_MAX];
+    return put_system_name(name, path) && ::unlink(path) == 0;
   }
 
   bool replace(wide_view from, wide_view to) noexcept override try {
@@ -132,7 +161,24 @@ class linux_files final : public file_system {
 
   bool resolve(wide_view name, wide& path) noexcept override { return resolve_file(name, path); }
 
-  bool carry_rights(wide_view from, wide_view to) noexcept override { return carry_file_rights(from, to); }
+  bool name_first(std::unique_ptr<file>&, wide_view from, wide_view to) noexcept override {
+    return name_file_first(from, to);
+  }
+
+  wide second_name(file& opened) noexcept override try {
+    const std::string name =
+        "/proc/self/fd/" + std::to_string(static_cast<descriptor_file&>(opened).number());
+    struct stat facts;
+    return ::stat(name.c_str(), &facts) == 0 ? wide_from_utf8(name) : wide();
+  } catch (...) {
+    errno = ENOMEM;
+    return {};
+  }
+
+  bool carry_rights(file& old, file& copy) noexcept override {
+    return carry_file_rights(static_cast<descriptor_file&>(old).number(),
+                             static_cast<descriptor_file&>(copy).number());
+  }
 
   bool sync_folder(wide_view folder) noexcept override try {
     std::string path;
@@ -180,6 +226,12 @@ bool system_name(wide_view name, std::string& converted) {
 wide_view hidden_prefix() noexcept { return u"."; }
 
 bool already_exists(std::uint32_t code) noexcept { return code == EEXIST; }
+
+bool is_missing(std::uint32_t code) noexcept { return code == ENOENT; }
+
+bool is_other_file(std::uint32_t code) noexcept { return code == ESTALE; }
+
+bool is_in_use(std::uint32_t code) noexcept { return code == EWOULDBLOCK; }
 
 bool is_absolute(wide_view path) noexcept {
   // A drive letter counts too: links written on Windows name their targets so.

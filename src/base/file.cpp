@@ -1,4 +1,4 @@
-#include "platform/file.h"
+#include "base/file.h"
 
 #include <atomic>
 #include <chrono>

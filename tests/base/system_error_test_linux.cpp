@@ -3,7 +3,7 @@
 #include <cerrno>
 #include <clocale>
 
-#include "platform/system_error.h"
+#include "base/system_error.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
-// Open files and file names of Windows, for what implements platform/file.h there.
+// Open files and file names of Windows, for what implements base/file.h there.
 #pragma once
 
-#include "platform/file.h"
-#include "platform/system_error.h"
+#include "base/file.h"
+#include "base/system_error.h"
 
 namespace ovf {
 
@@ -31,6 +31,13 @@ class handle_file final : public file {
                          : origin == seek_origin::current ? FILE_CURRENT
                                                           : FILE_END;
     return SetFilePointerEx(handle_, target, nullptr, method) != 0;
+  }
+
+  bool position(std::uint64_t& bytes) noexcept override {
+    LARGE_INTEGER found;
+    if (SetFilePointerEx(handle_, LARGE_INTEGER{}, &found, FILE_CURRENT) == 0) return false;
+    bytes = static_cast<std::uint64_t>(found.QuadPart);
+    return true;
   }
 
   bool read(std::span<std::byte> bytes, std::size_t& done) noexcept override {
@@ -62,6 +69,7 @@ class handle_file final : public file {
     UnlockFileEx(handle_, 0, 1, 0, &place);
   }
 
+  HANDLE handle() const noexcept { return handle_; }
   /// For a file that was made with INVALID_HANDLE_VALUE, on which everything fails.
   void take(HANDLE handle) noexcept { handle_ = handle; }
 
@@ -77,7 +85,8 @@ class handle_file final : public file {
 
 /// What `file_system` says of these names.
 bool resolve_file(wide_view name, wide& path) noexcept;
-bool carry_file_rights(wide_view from, wide_view to) noexcept;
+bool carry_file_rights(HANDLE from, HANDLE to) noexcept;
+bool name_file_first(wide_view from, wide_view to) noexcept;
 bool replace_open_file(std::unique_ptr<file>& own, std::unique_ptr<file>& copy, wide_view from,
                        wide_view to) noexcept;
 

@@ -1,4 +1,4 @@
-#include "platform/file_handle_windows.h"
+#include "base/file_handle_windows.h"
 
 namespace ovf {
 namespace {
@@ -24,7 +24,11 @@ open_choice choice_of(open_mode mode) noexcept {
     case open_mode::truncate:
       return {both, FILE_SHARE_READ, TRUNCATE_EXISTING, FILE_ATTRIBUTE_NORMAL};
     case open_mode::make_copy:
+    case open_mode::make_first:
       return {both, 0, CREATE_NEW, FILE_ATTRIBUTE_NORMAL};
+    case open_mode::look:
+      return {GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, OPEN_EXISTING,
+              FILE_FLAG_OPEN_REPARSE_POINT};
     case open_mode::scratch:
       return {both, 0, CREATE_NEW, FILE_ATTRIBUTE_TEMPORARY};
   }
@@ -37,6 +41,8 @@ class windows_files final : public file_system {
     wide path;
     if (!system_name(name, path)) return nullptr;
     const open_choice choice = choice_of(mode);
+    // First: what was made under a name must not stay there for want of memory for its object.
+    auto opened = std::make_unique<handle_file>(INVALID_HANDLE_VALUE);
     const HANDLE handle = CreateFileW(path.c_str(), choice.access, choice.share, nullptr, choice.disposition,
                                       choice.attributes, nullptr);
     if (handle == INVALID_HANDLE_VALUE) return nullptr;
@@ -45,7 +51,8 @@ class windows_files final : public file_system {
       SetLastError(ERROR_INVALID_NAME);
       return nullptr;
     }
-    return std::make_unique<handle_file>(handle);
+    opened->take(handle);
+    return opened;
   } catch (...) {
     SetLastError(ERROR_NOT_ENOUGH_MEMORY);
     return nullptr;
@@ -83,12 +90,16 @@ class windows_files final : public file_system {
     return false;
   }
 
-  bool remove(wide_view name) noexcept override try {
-    wide path;
-    return system_name(name, path) && DeleteFileW(path.c_str()) != 0;
-  } catch (...) {
-    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-    return false;
+  bool remove(wide_view name) noexcept override {
+    // Without memory of its own: what is left to do when memory has run out needs none.
+    constexpr std::size_t longest_path = 32767;
+    wchar_t path[longest_path + 1];
+    if (name.empty() || name.size() > longest_path || name.find(L'\0') != wide_view::npos) {
+      SetLastError(ERROR_INVALID_NAME);
+      return false;
+    }
+    path[name.copy(path, longest_path)] = L'\0';
+    return DeleteFileW(path) != 0;
   }
 
   bool replace(wide_view from, wide_view to) noexcept override try {
@@ -109,7 +120,17 @@ class windows_files final : public file_system {
 
   bool resolve(wide_view name, wide& path) noexcept override { return resolve_file(name, path); }
 
-  bool carry_rights(wide_view from, wide_view to) noexcept override { return carry_file_rights(from, to); }
+  bool name_first(std::unique_ptr<file>& copy, wide_view from, wide_view to) noexcept override {
+    copy.reset();  // open files cannot be moved
+    return name_file_first(from, to);
+  }
+
+  wide second_name(file&) noexcept override { return {}; }
+
+  bool carry_rights(file& old, file& copy) noexcept override {
+    return carry_file_rights(static_cast<handle_file&>(old).handle(),
+                             static_cast<handle_file&>(copy).handle());
+  }
 
   // The write-through of `replace` stands for it: the system has no flush for folders.
   bool sync_folder(wide_view) noexcept override { return true; }
@@ -141,6 +162,17 @@ wide_view hidden_prefix() noexcept { return {}; }
 
 bool already_exists(std::uint32_t code) noexcept {
   return code == ERROR_FILE_EXISTS || code == ERROR_ALREADY_EXISTS;
+}
+
+bool is_missing(std::uint32_t code) noexcept {
+  return code == ERROR_FILE_NOT_FOUND || code == ERROR_PATH_NOT_FOUND;
+}
+
+// An open file keeps its name here.
+bool is_other_file(std::uint32_t) noexcept { return false; }
+
+bool is_in_use(std::uint32_t code) noexcept {
+  return code == ERROR_SHARING_VIOLATION || code == ERROR_LOCK_VIOLATION;
 }
 
 bool is_absolute(wide_view path) noexcept { return path.find(L':') != wide_view::npos; }

@@ -1,8 +1,8 @@
-#include "storage/file_replacement.h"
+#include "base/file_replacement.h"
 
 #include <gtest/gtest.h>
 
-#include "storage/file_copy.h"
+#include "base/file_copy.h"
 #include "support/denied_memory.h"
 #include "support/failing_files.h"
 #include "support/file_bytes.h"
@@ -85,9 +85,8 @@ TEST_F(FileReplacement, WhatIsNotPutInPlaceIsDeleted) {
 TEST_F(FileReplacement, AWriterMayOpenTheCopyByItsName) {
   file_replacement made(target());
   ASSERT_TRUE(made.begin());
-  made.close();
   {
-    const auto writer = ovf::files().open(made.copy_name(), ovf::open_mode::truncate);
+    const auto writer = ovf::files().open(made.writer_name(), ovf::open_mode::truncate);
     ASSERT_NE(writer, nullptr);
     const std::byte text[] = {std::byte{'n'}};
     EXPECT_TRUE(ovf::write_whole(*writer, text));
@@ -153,6 +152,29 @@ TEST_F(FileReplacement, WhatWasMadeElsewhereIsDeletedWhenMemoryEndsOnTheWay) {
   EXPECT_EQ(ovf::files().kind(elsewhere), ovf::file_kind::missing);
   EXPECT_EQ(content(), "old");
   EXPECT_EQ(files_there(), 1U);
+}
+
+/// The copy could not be brought there in the end.
+TEST_F(FileReplacement, NothingIsWrittenElsewhereWhereTheFolderTakesNoFile) {
+  ovtest::failing_files failing;
+  file_replacement made(target());
+  const ovf::wide folder(ovf::folder_of(target()));
+  failing.decide = [&](call kind, const ovf::wide& name) {
+    return kind == call::open && name.starts_with(folder) ? fate::fails : fate::works;
+  };
+  EXPECT_FALSE(made.begin());
+  EXPECT_EQ(ovf::last_system_error(), ovtest::failing_code);
+  EXPECT_EQ(files_there(), 1U);
+}
+
+TEST_F(FileReplacement, AFileThatIsNotThereYetIsMade) {
+  file_replacement made(ovtest::wide_path(folder_ / "fresh.ovt"));
+  ASSERT_TRUE(made.begin_beside());
+  EXPECT_FALSE(made.replaces());
+  EXPECT_TRUE(write(made, "new"));
+  EXPECT_TRUE(made.commit());
+  EXPECT_EQ(ovtest::read_text(folder_ / "fresh.ovt"), "new");
+  EXPECT_EQ(files_there(), 2U);
 }
 
 TEST_F(FileReplacement, TheCurrentFolderIsTheLastResort) {

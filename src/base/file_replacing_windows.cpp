@@ -1,6 +1,6 @@
 #include <vector>
 
-#include "platform/file_handle_windows.h"
+#include "base/file_handle_windows.h"
 
 namespace ovf {
 namespace {
@@ -18,18 +18,22 @@ HANDLE opened_again(const wide& path) noexcept {
   }
 }
 
-/// The path behind a link.
-bool path_behind(const wide& name, wide& path) {
-  constexpr DWORD with_everybody = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-  const HANDLE handle = CreateFileW(name.c_str(), 0, with_everybody, nullptr, OPEN_EXISTING, 0, nullptr);
-  if (handle == INVALID_HANDLE_VALUE) return false;
-  const handle_file owned(handle);
+/// The path of an open file, behind links.
+bool path_of(HANDLE handle, wide& path) {
   wide whole(GetFinalPathNameByHandleW(handle, nullptr, 0, 0), L'\0');
   const DWORD length = GetFinalPathNameByHandleW(handle, whole.data(), static_cast<DWORD>(whole.size()), 0);
   if (length == 0 || length >= whole.size()) return false;
   whole.resize(length);
   path = std::move(whole);
   return true;
+}
+
+bool path_behind(const wide& name, wide& path) {
+  constexpr DWORD with_everybody = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+  const HANDLE handle = CreateFileW(name.c_str(), 0, with_everybody, nullptr, OPEN_EXISTING, 0, nullptr);
+  if (handle == INVALID_HANDLE_VALUE) return false;
+  const handle_file owned(handle);
+  return path_of(handle, path);
 }
 
 /// The list of who may do what; file systems without one have nothing to carry.
@@ -50,16 +54,14 @@ bool replace_open_file(std::unique_ptr<file>& own, std::unique_ptr<file>& copy, 
   wide new_path;
   if (!system_name(from, old_path) || !system_name(to, new_path)) return false;
   // Open files cannot be moved or replaced. A file that cannot be opened again fails at its next use.
-  auto again = own != nullptr ? std::make_unique<handle_file>(INVALID_HANDLE_VALUE) : nullptr;
+  auto again = std::make_unique<handle_file>(INVALID_HANDLE_VALUE);
   copy.reset();
   own.reset();
   const bool done = MoveFileExW(old_path.c_str(), new_path.c_str(),
                                 MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
   const DWORD reason = GetLastError();
-  if (again != nullptr) {
-    again->take(opened_again(new_path));
-    own = std::move(again);
-  }
+  again->take(opened_again(new_path));
+  own = std::move(again);
   SetLastError(reason);
   return done;
 } catch (...) {
@@ -80,12 +82,22 @@ bool resolve_file(wide_view name, wide& path) noexcept try {
   return false;
 }
 
-bool carry_file_rights(wide_view from, wide_view to) noexcept try {
+bool name_file_first(wide_view from, wide_view to) noexcept try {
+  wide old_path;
+  wide new_path;
+  return system_name(from, old_path) && system_name(to, new_path) &&
+         MoveFileExW(old_path.c_str(), new_path.c_str(), MOVEFILE_WRITE_THROUGH) != 0;
+} catch (...) {
+  SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+  return false;
+}
+
+bool carry_file_rights(HANDLE from, HANDLE to) noexcept try {
   constexpr DWORD carried = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_ARCHIVE |
                             FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
   wide old_path;
   wide new_path;
-  if (!system_name(from, old_path) || !system_name(to, new_path)) return false;
+  if (!path_of(from, old_path) || !path_of(to, new_path)) return false;
   const DWORD attributes = GetFileAttributesW(old_path.c_str());
   if (attributes == INVALID_FILE_ATTRIBUTES) return false;
   const DWORD wanted = (attributes & carried) != 0 ? attributes & carried : FILE_ATTRIBUTE_NORMAL;

@@ -1,4 +1,4 @@
-#include "storage/file_copy.h"
+#include "base/file_copy.h"
 
 #include <algorithm>
 #include <vector>

@@ -3,7 +3,7 @@
 
 #include <filesystem>
 
-#include "platform/file.h"
+#include "base/file.h"
 #include "support/scratch_folder.h"
 
 namespace {

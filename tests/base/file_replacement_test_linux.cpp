@@ -5,8 +5,10 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
-#include "storage/file_copy.h"
-#include "storage/file_replacement.h"
+#include <utility>
+
+#include "base/file_copy.h"
+#include "base/file_replacement.h"
 #include "support/failing_files.h"
 #include "support/file_bytes.h"
 #include "support/scratch_folder.h"
@@ -150,6 +152,108 @@ TEST_F(LinuxReplacement, TheNewFileIsLockedAsInUse) {
   ASSERT_TRUE(made.commit(own));
   EXPECT_EQ(ovf::files().open(ovtest::wide_path(path_), ovf::open_mode::truncate), nullptr);
   EXPECT_NE(ovf::files().open(ovtest::wide_path(path_), ovf::open_mode::read), nullptr);
+}
+
+/// The moment between the look whether somebody has the file open and the step itself.
+TEST_F(LinuxReplacement, WhoOpensTheFileInTheLastMomentKeepsIt) {
+  for (const bool may_be_new : {false, true}) {
+    std::unique_ptr<ovf::file> held;
+    ovtest::failing_files watched;
+    watched.decide = [&](ovtest::call kind, const ovf::wide&) {
+      if (kind == ovtest::call::replace) {
+        held = ovf::system_files().open(ovtest::wide_path(path_), ovf::open_mode::edit);
+      }
+      return ovtest::fate::works;
+    };
+    ovf::file_replacement made(ovtest::wide_path(path_));
+    ASSERT_TRUE(may_be_new ? made.begin_beside() : made.begin());
+    EXPECT_FALSE(made.commit());
+    EXPECT_TRUE(ovf::is_in_use(ovf::last_system_error()));
+    EXPECT_NE(held, nullptr);
+    EXPECT_EQ(ovtest::read_bytes(path_).size(), 3U);
+  }
+}
+
+TEST_F(LinuxReplacement, WhatUsersNotedCarriesOver) {
+  if (::setxattr(path_.c_str(), "user.note", "seen", 4, 0) != 0) GTEST_SKIP() << "no users' attributes here";
+  EXPECT_TRUE(replaced(path_));
+  char note[8];
+  ASSERT_EQ(::getxattr(path_.c_str(), "user.note", note, sizeof note), 4);
+  EXPECT_EQ(std::string(note, 4), "seen");
+}
+
+TEST_F(LinuxReplacement, NobodyRunsItWithItsOwnersRights) {
+  ASSERT_EQ(::chmod(path_.c_str(), 06755), 0);
+  EXPECT_TRUE(replaced(path_));
+  EXPECT_EQ(permissions(path_), 0755U);
+}
+
+/// Who may change the folder puts a link under the copy's name, before it is written and before it gets the
+/// old file's owner and rights.
+TEST_F(LinuxReplacement, ALinkUnderTheCopysNameLeadsNowhere) {
+  const auto victim = folder_ / "victim";
+  ASSERT_EQ(::chmod(path_.c_str(), 0666), 0);
+  for (const bool may_be_new : {false, true}) {
+    ovtest::write_bytes(victim, {'v'});
+    ASSERT_EQ(::chmod(victim.c_str(), 0600), 0);
+    {
+      ovf::file_replacement made(ovtest::wide_path(path_));
+      ASSERT_TRUE(may_be_new ? made.begin_beside() : made.begin());
+      const std::filesystem::path copy(ovf::utf8_from_wide(made.copy_name()));
+      std::filesystem::rename(copy, folder_ / "taken");
+      std::filesystem::create_symlink(victim, copy);
+      const auto writer = ovf::files().open(made.writer_name(), ovf::open_mode::truncate);
+      ASSERT_NE(writer, nullptr);
+      const std::byte text[] = {std::byte{'n'}};
+      EXPECT_TRUE(ovf::write_whole(*writer, text));
+      EXPECT_FALSE(made.commit());
+    }
+    EXPECT_EQ(ovtest::read_bytes(victim), (ovtest::bytes{'v'}));
+    EXPECT_EQ(permissions(victim), 0600U);
+    EXPECT_EQ(ovtest::read_bytes(path_).size(), 3U);
+    EXPECT_EQ(ovtest::read_bytes(folder_ / "taken"), (ovtest::bytes{'n'}));
+    std::filesystem::remove(folder_ / "taken");
+  }
+}
+
+TEST_F(LinuxReplacement, ALinkInTheFilesPlaceLendsItsTargetsRightsToNobody) {
+  ovf::file_replacement made(ovtest::wide_path(path_));
+  ASSERT_TRUE(made.begin_beside());
+  std::filesystem::rename(path_, folder_ / "moved");
+  std::filesystem::create_symlink("moved", path_);
+  EXPECT_FALSE(made.commit());
+  EXPECT_TRUE(std::filesystem::is_symlink(path_));
+}
+
+TEST_F(LinuxReplacement, ANewFileHasTheRightsOfNewFiles) {
+  const auto fresh = folder_ / "fresh.ovt";
+  const mode_t before = ::umask(027);
+  ovf::file_replacement made(ovtest::wide_path(fresh));
+  EXPECT_TRUE(made.begin_beside());
+  ::umask(before);
+  EXPECT_FALSE(made.replaces());
+  EXPECT_TRUE(made.commit());
+  EXPECT_EQ(permissions(fresh), 0640U);
+}
+
+TEST_F(LinuxReplacement, AFileThatCameMeanwhileIsReplacedUnderItsOwnRights) {
+  const auto fresh = folder_ / "fresh.ovt";
+  ovf::file_replacement made(ovtest::wide_path(fresh));
+  ASSERT_TRUE(made.begin_beside());
+  const std::byte text[] = {std::byte{'n'}};
+  EXPECT_TRUE(ovf::write_whole(made.copy(), text));
+  bool is_there = false;
+  ovtest::failing_files watched;
+  watched.decide = [&](ovtest::call kind, const ovf::wide&) {
+    if (kind == ovtest::call::replace && !std::exchange(is_there, true)) {
+      ovtest::write_bytes(fresh, {'o'});
+      EXPECT_EQ(::chmod(fresh.c_str(), 0604), 0);
+    }
+    return ovtest::fate::works;
+  };
+  EXPECT_TRUE(made.commit());
+  EXPECT_EQ(ovtest::read_bytes(fresh), (ovtest::bytes{'n'}));
+  EXPECT_EQ(permissions(fresh), 0604U);
 }
 
 TEST_F(LinuxReplacement, AFileThatSomebodyPutInItsPlaceIsNotOverwritten) {

@@ -1,4 +1,4 @@
-#include "platform/system_error.h"
+#include "base/system_error.h"
 
 namespace ovf {
 

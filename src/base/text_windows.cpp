@@ -2,7 +2,7 @@
 #include <climits>
 #include <new>
 
-#include "platform/text.h"
+#include "base/text.h"
 
 namespace ovf {
 

@@ -1,8 +1,9 @@
-#include "platform/file.h"
+#include "base/file.h"
 
 #include <gtest/gtest.h>
 
-#include "platform/system_error.h"
+#include "base/system_error.h"
+#include "support/denied_memory.h"
 #include "support/file_bytes.h"
 #include "support/scratch_folder.h"
 
@@ -128,6 +129,21 @@ TEST_F(Files, NamesBeyondAsciiWork) {
   EXPECT_NE(files_.open(odd, open_mode::make_new), nullptr);
   EXPECT_EQ(files_.kind(odd), file_kind::regular);
   EXPECT_TRUE(files_.remove(odd));
+}
+
+/// What is left to do when memory has run out. A block of each size in turn cannot be had.
+TEST_F(Files, RemovingNeedsNoMemory) {
+  const ovf::wide odd = name("") + ovf::wide({OLESTR('t'), OLECHAR{0x00E9}, OLECHAR{0x4E2D}, OLECHAR{0xD83E},
+                                              OLECHAR{0xDDF1}, OLESTR('x')});
+  for (std::size_t bytes = 1; bytes < 300; ++bytes) {
+    ASSERT_NE(files_.open(odd, open_mode::make_new), nullptr);
+    ovtest::deny_allocations_of(bytes);
+    const bool removed = files_.remove(odd);
+    ovtest::deny_allocations_of(0);
+    ASSERT_TRUE(removed) << bytes;
+  }
+  EXPECT_FALSE(files_.remove(odd + ovf::wide(40'000, OLESTR('x'))));
+  EXPECT_FALSE(files_.remove({}));
 }
 
 TEST_F(Files, TemporaryNamesAreFreeAndDiffer) {

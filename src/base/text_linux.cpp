@@ -2,7 +2,7 @@
 // characters of the same number, as they do on Windows, so that every byte survives.
 #include <array>
 
-#include "platform/text.h"
+#include "base/text.h"
 
 namespace ovf {
 

@@ -1,0 +1,81 @@
+#include <cstdio>
+#include <cstdlib>
+
+#include "base/file_descriptor_linux.h"
+
+namespace ovf {
+namespace {
+
+/// Puts one name in another's place while nobody else has the file behind it open. The lock is held until the
+/// other file has the name: who opened the old one meanwhile waits for it, and finds that its name is
+/// another's.
+bool rename_over(const descriptor_file& copy, descriptor_file& old, const std::string& from,
+                 const std::string& to) noexcept {
+  if (old.lock(LOCK_EX)) {
+    if (!old.stands_at(to) || !copy.is_named(from)) {
+      errno = ESTALE;
+    } else if (std::rename(from.c_str(), to.c_str()) == 0) {
+      return true;
+    }
+  }
+  // A lock that could not be raised may be lost.
+  const int reason = errno;
+  (void)old.lock(LOCK_SH);
+  errno = reason;
+  return false;
+}
+
+}  // namespace
+
+bool replace_open_file(std::unique_ptr<file>& own, std::unique_ptr<file>& copy, wide_view from,
+                       wide_view to) noexcept try {
+  std::string old_path;
+  std::string new_path;
+  if (!system_name(from, old_path) || !system_name(to, new_path)) return false;
+  auto& made = static_cast<descriptor_file&>(*copy);
+  if (!rename_over(made, static_cast<descriptor_file&>(*own), old_path, new_path)) return false;
+  (void)made.lock(LOCK_SH);
+  own = std::move(copy);
+  return true;
+} catch (...) {
+  errno = ENOMEM;
+  return false;
+}
+
+bool name_file_first(wide_view from, wide_view to) noexcept try {
+  std::string old_path;
+  std::string new_path;
+  if (!system_name(from, old_path) || !system_name(to, new_path)) return false;
+  if (::renameat2(AT_FDCWD, old_path.c_str(), AT_FDCWD, new_path.c_str(), RENAME_NOREPLACE) == 0) return true;
+  if (errno != EINVAL && errno != ENOSYS) return false;
+  // A file system that cannot do it in one step gives the file a second name for a moment.
+  if (::link(old_path.c_str(), new_path.c_str()) == 0) {
+    (void)::unlink(old_path.c_str());
+    return true;
+  }
+  if (errno != EPERM && errno != ENOTSUP) return false;
+  // And some have no second names: whoever makes a file of that name just now loses it.
+  if (::access(new_path.c_str(), F_OK) == 0) {
+    errno = EEXIST;
+    return false;
+  }
+  return std::rename(old_path.c_str(), new_path.c_str()) == 0;
+} catch (...) {
+  errno = ENOMEM;
+  return false;
+}
+
+bool resolve_file(wide_view name, wide& path) noexcept try {
+  std::string converted;
+  if (!system_name(name, converted)) return false;
+  char* whole = ::realpath(converted.c_str(), nullptr);
+  if (whole == nullptr) return false;
+  const std::unique_ptr<char, decltype(&std::free)> owned(whole, &std::free);
+  path = wide_from_utf8(whole);
+  return true;
+} catch (...) {
+  errno = ENOMEM;
+  return false;
+}
+
+}  // namespace ovf
