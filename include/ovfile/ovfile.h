@@ -345,6 +345,9 @@ struct IOvTableMaintenance : IUnknown {
   /// without a description leaves the table its own.
   OVFILE_METHOD Rebuild(IOvSchema* pSchema, LONG nColumns, const LONG* pColumnOf, LONG nRows,
                         const LONG* pRowOf) = 0;
+  /// Writes what was changed, rows before the header that counts them, and waits until the disk has it. Of a
+  /// table that is open for reading there is nothing to write.
+  OVFILE_METHOD Sync() = 0;
 };
 
 #undef OVFILE_METHOD

@@ -112,6 +112,7 @@ class TableFacts(ctypes.Structure):
 MAINTENANCE = _methods(
     GetFacts=(3, (POINTER(TableFacts),)),
     Rebuild=(4, (_OBJECT, c_int32, _LONGS, c_int32, _LONGS)),
+    Sync=(5, ()),
 )
 
 

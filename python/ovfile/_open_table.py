@@ -7,6 +7,7 @@ import threading
 import weakref
 from typing import Any, Optional
 
+from . import _interfaces as known
 from ._component import Interface
 from ._errors import Error
 from ._schema import Schema
@@ -20,6 +21,20 @@ def _close_quietly(handle: Interface, lock: Any) -> None:
         with contextlib.suppress(Exception):
             handle.call("Close")
         handle.release()
+
+
+def sync(handle: Interface) -> None:
+    """Writes what was changed, and returns when the disk has it."""
+    handle.query(known.MAINTENANCE_ID, known.MAINTENANCE).call("Sync")
+
+
+def _has_table(handle: Interface) -> bool:
+    """False behind a change after which the table could not be opened again."""
+    try:
+        handle.out_long("GetRowCount")
+    except Error:
+        return False
+    return True
 
 
 class OpenTable:
@@ -43,7 +58,7 @@ class OpenTable:
         return self._handle is None
 
     def close(self) -> None:
-        """Writes what is not yet written and closes the file; a second time does nothing.
+        """Writes what is not yet written, waits until the disk has it, and closes the file; a second time does nothing.
 
         In a process that was forked off nothing is written: the table is the first process's to close.
         """
@@ -57,6 +72,8 @@ class OpenTable:
             if self._handle is None:
                 return
             with self._about():
+                if self._mode != "r" and _has_table(handle):
+                    sync(handle)
                 handle.call("Close")
             self._forget()
             handle.release()

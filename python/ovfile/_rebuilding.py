@@ -117,7 +117,7 @@ def write_with_column(table: Interface, schema: Schema, column: Column, source: 
         with closing(_opened(path, _TO_READ)) as old:
             _require_same(old, schema, rows)
             copy_file(path, new.beside, signals.check)
-            with closing(_opened(new.beside, _TO_CHANGE)) as made:
+            with closing(_opened(new.own_name(), _TO_CHANGE)) as made:
                 add_default = [*range(1, len(schema) + 1), 0]
                 rebuild(made, wider(schema, column), add_default, np.empty(0, np.int64))
                 with stoppable(made, signals):

@@ -16,7 +16,7 @@ from ._errors import WrongType, WrongValue, whole_number
 from ._filter import passing_rows
 from ._interruption import interruptible
 from ._naming import Key, Keys, is_key, places_of, unique_names
-from ._open_table import OpenTable
+from ._open_table import OpenTable, sync
 from ._reading import Rows, Span, open_stream
 from ._schema import Schema, read_schema
 from ._sorting import Ascending
@@ -93,6 +93,10 @@ class Table(OpenTable):
 
     def __contains__(self, name: object) -> bool:
         return name in self.columns
+
+    def __array__(self, *arguments: Any, **named: Any) -> Array:
+        """Raises TypeError: what takes a table for a list of its columns' names would go on with those alone."""
+        raise TypeError("a table is not one array: table[NAME] is a column's, table.to_pandas() makes a DataFrame")
 
     def __repr__(self) -> str:
         if self._handle is None:
@@ -274,9 +278,9 @@ class Table(OpenTable):
             add_column(handle, self.schema, wanted)
 
     def flush(self) -> None:
-        """Hands all changes over to the system."""
+        """Writes all changes, and returns when the disk has them."""
         with self._about() as handle:
-            handle.call("FlushChanges")
+            sync(handle)
 
     def signature(
         self,

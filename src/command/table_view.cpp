@@ -71,6 +71,12 @@ OvTableFacts table_view::facts() const {
   return facts;
 }
 
+void table_view::close() const {
+  const auto maintenance = table_.query<IOvTableMaintenance>();
+  check(maintenance ? maintenance->Sync() : E_NOINTERFACE);
+  check(table_->Close());
+}
+
 LONG table_view::rows_in_file() const {
   constexpr long long page_words = 512;
   const OvTableFacts found = facts();

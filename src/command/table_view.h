@@ -66,8 +66,8 @@ class table_view {
   void check_at(const field_view* field, HRESULT status) const {
     if (FAILED(status)) fail_at(field, status);
   }
-  /// Writes what was changed and lets go of the file.
-  void close() const { check(table_->Close()); }
+  /// Writes what was changed, lets go of the file, and returns when the disk has it all.
+  void close() const;
 
  private:
   void open(table_access access);

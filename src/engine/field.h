@@ -1,13 +1,14 @@
 // Fields of an open table, as its dictionary describes them.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <unordered_map>
 #include <vector>
 
-#include "platform/text.h"
+#include "base/text.h"
 #include "storage/header_pages.h"
 
 namespace ovf {
@@ -28,6 +29,10 @@ struct field {
   std::vector<atom> atoms;      ///< one for a number, one for every 4 characters of a text
 
   bool is_implicit() const noexcept { return atoms.front().position == 0; }
+  /// A text may have its first word in the header alone and others in the records.
+  bool has_stored_words() const noexcept {
+    return std::any_of(atoms.begin(), atoms.end(), [](const atom& each) { return each.position != 0; });
+  }
 };
 
 /// The fields in file order. Should a name come twice, the look-up finds the first.

@@ -1,7 +1,7 @@
 // What a field may be called.
 #pragma once
 
-#include "platform/text.h"
+#include "base/text.h"
 
 namespace ovf {
 

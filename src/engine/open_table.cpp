@@ -5,6 +5,7 @@
 #include <set>
 
 #include "engine/field_name.h"
+#include "engine/header_report.h"
 #include "engine/ovtable.h"
 #include "platform/clock.h"
 #include "storage/file_error.h"
@@ -43,9 +44,7 @@ wide description_of(const table_definition& definition) {
 
 template <class Precision>
 std::vector<std::byte> header_of(const table_definition& definition) {
-  if (!Precision::is_double && definition.fields.size() > Precision::max_atoms) {
-    throw MyExceptionClass(wide(too_many_fields));
-  }
+  require_field_limit(Precision::is_double, definition.fields.size());
   basic_ovdd<Precision> dictionary;
   dictionary.set_description(ansi_from_wide(description_of(definition)));
   std::set<wide_view> names;
@@ -73,7 +72,7 @@ std::vector<std::byte> header_of(const table_definition& definition) {
 void try_temporary_room(const std::vector<std::byte>& header) {
   const wide name = temporary_name(files().temporary_folder(), OLESTR("RAF"));
   auto trial = files().open(name, open_mode::scratch);
-  if (trial == nullptr) throw file_error(OLESTR("cannot create temp file for segment"));
+  if (trial == nullptr) fail_told(OLESTR("cannot create temp file for segment"));
   std::size_t done = 0;
   const bool written = trial->write(header, done) && done == header.size();
   trial.reset();
@@ -104,6 +103,10 @@ std::unique_ptr<table> open_table(std::string_view name, bool read_only) {
   return open_table(wide_from_ansi(name), read_only);
 }
 
+void require_field_limit(bool is_double, std::uint64_t fields) {
+  if (!is_double && fields > single_precision::max_atoms) throw MyExceptionClass(wide(too_many_fields));
+}
+
 wide default_description(bool is_double, utc_date date) {
   const wide_view words = is_double ? double_precision::created_by : single_precision::created_by;
   return wide_format(words).arg(date.day).arg(date.month).arg(date.year).text();
@@ -113,8 +116,14 @@ std::unique_ptr<table> open_table(const wide& name, bool read_only) {
   if (name.empty()) throw MyExceptionClass(wide(no_name));
   const recognition found = recognise(name);
   auto opened = open_handle(name, read_only);
-  if (found.is_double) return std::make_unique<ovtable64>(std::move(opened), name, read_only, found.order);
-  return std::make_unique<ovtable>(std::move(opened), name, read_only, found.order);
+  std::unique_ptr<table> made;
+  if (found.is_double) {
+    made = std::make_unique<ovtable64>(std::move(opened), name, read_only, found.order);
+  } else {
+    made = std::make_unique<ovtable>(std::move(opened), name, read_only, found.order);
+  }
+  tell_header(*made);
+  return made;
 }
 
 new_table::new_table(const table_definition& definition)

@@ -39,6 +39,9 @@ struct table_definition {
   std::multiset<wide> known_names = {};
 };
 
+/// Throws MyExceptionClass, the 64-field message, for more fields than a precision takes.
+void require_field_limit(bool is_double, std::uint64_t fields);
+
 /// The header of a table to be made, complete: every reason to refuse the definition is found here,
 /// before any file is touched. Throws MyExceptionClass: the 64-field message, field name rules, too many
 /// words.

@@ -197,14 +197,23 @@ double basic_ovtable<Precision>::getDouble(std::uint64_t index) {
 }
 
 template <class Precision>
+void basic_ovtable<Precision>::flushCurrentPage() {
+  try {
+    rows_.flush_records();
+  } catch (const file_error&) {
+    fail_told(cannot_cache);
+  }
+}
+
+template <class Precision>
 void basic_ovtable<Precision>::setDouble(std::uint64_t index, double value) {
   if constexpr (Precision::is_double) {
     set_native_number(index, value);
   } else {
     const field& to = field_of(index, field_kind::numeric, string_expected);
+    std::byte* words = record();
     if (to.is_implicit()) return;
-    const float narrow = to_float(value);
-    put_native_number(to, record(), narrow);
+    put_native_number(to, words, to_float(value));
   }
 }
 
@@ -221,7 +230,7 @@ template <class Precision>
 void basic_ovtable<Precision>::setValue(std::uint64_t index, const VARIANT& value) {
   const field& to = rows_.fields().at(index);
   std::byte* words = record();
-  if (to.is_implicit()) return;
+  if (!to.has_stored_words()) return;
   if (to.kind == field_kind::alphanumeric) {
     put_text<Precision>(to, words, ansi_from_wide(to_text(value)));
   } else {

@@ -27,7 +27,7 @@ class basic_ovtable final : public table {
   std::uint64_t getFieldCount() override { return rows_.fields().size(); }
   wide getFieldName(std::uint64_t index) override;
   void renameField(std::uint64_t index, const wide& name) override;
-  void flushCurrentPage() override { rows_.flush_records(); }
+  void flushCurrentPage() override;
   void addRow() override;
   void readRecord(std::uint64_t row, void* buffer) override;
   void writeRecord(std::uint64_t row, const void* buffer) override;
@@ -57,6 +57,7 @@ class basic_ovtable final : public table {
   std::uint64_t addAlphaField(const wide& name, std::int64_t width, const wide& default_value) override;
   bool onSetRowCount(std::uint64_t rows) override;
   void flush() override { rows_.flush(); }
+  void sync() override { rows_.sync(); }
 
   table_facts facts() override;
   std::vector<std::byte> headerTexts() override {

@@ -1,7 +1,7 @@
 // What several files of the engine refuse with the same text.
 #pragma once
 
-#include "platform/text.h"
+#include "base/text.h"
 
 namespace ovf {
 

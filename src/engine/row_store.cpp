@@ -11,6 +11,7 @@ namespace {
 
 constexpr wide_view cut_failed =
     OLESTR("OvFile Error: onSetRowCount failed to set the end of the file. (%x: %s)");
+constexpr wide_view sync_failed = OLESTR("OvFile Error: the disk did not take what was written. (%x: %s)");
 
 }  // namespace
 
@@ -51,7 +52,9 @@ void row_store<Precision>::read_counts() {
   row_count_ = computed_row_count();
   if (row_count_ > most_rows) fail_not_a_table();
   // Some writers count one record page in a table that has none yet.
-  if (Precision::is_double && counts_.pages == 2 && row_count_ == 0) counts_.pages = counts_.header_pages;
+  miscounts_pages_ =
+      Precision::is_double && counts_.pages == 2 && row_count_ == 0 && counts_.header_pages != 2;
+  if (miscounts_pages_) counts_.pages = counts_.header_pages;
 }
 
 template <class Precision>
@@ -212,6 +215,20 @@ void row_store<Precision>::flush() {
   may_let_others_grow();
   // What is in memory may be older than what others have written since.
   if (header_.state_in_file() == header_state::changed || !has_own_size()) records_.forget();
+}
+
+template <class Precision>
+void row_store<Precision>::sync() {
+  if (read_only_) return;
+  records_.flush();
+  require_on_disk();
+  flush();
+  require_on_disk();
+}
+
+template <class Precision>
+void row_store<Precision>::require_on_disk() {
+  if (!file_->sync()) fail_with_system_error(sync_failed);
 }
 
 template class row_store<single_precision>;

@@ -96,6 +96,8 @@ class row_store {
   void flush_records() { records_.flush(); }
   /// Rows first: the header never promises rows that are not in the file.
   void flush();
+  /// The same, with the rows on the disk before the header is written, and the header when it returns.
+  void sync();
 
  private:
   void read_counts();
@@ -130,6 +132,7 @@ class row_store {
   void note_file() noexcept;
   /// Of a file that took this one's place.
   void remember_header() noexcept;
+  void require_on_disk();
   /// Writes everything; others may not append for all that.
   void flush_and_keep();
   /// Nobody else who asks appends rows until `may_let_others_grow`. Throws MyExceptionClass where somebody
@@ -172,6 +175,7 @@ class row_store {
   table_version version_{new_table_number(), 0};
   std::optional<added_rows> added_;
   bool grows_alone_ = false;         ///< nobody else appends meanwhile
+  bool miscounts_pages_ = false;     ///< the header does; the next one that is written does not
   bool header_waits_ = false;        ///< it was changed, and the file does not say so yet
   std::optional<file_stamp> noted_;  ///< which file it is, and a size that it has reached
 };

@@ -199,7 +199,8 @@ void row_store<Precision>::write_rest(added_rows& of) {
   if (of.begun.after.empty()) return;
   of.begun.is_written = true;
   const std::size_t counted = of.begun.counted_bytes;
-  require_written(of.begun.index * Precision::page_bytes + counted, std::span(of.begun.after).subspan(counted));
+  require_written(of.begun.index * Precision::page_bytes + counted,
+                  std::span(of.begun.after).subspan(counted));
 }
 
 template <class Precision>

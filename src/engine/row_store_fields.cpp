@@ -1,9 +1,9 @@
 #include <algorithm>
 
+#include "base/file_copy.h"
+#include "base/file_replacement.h"
 #include "engine/row_store.h"
-#include "storage/file_copy.h"
 #include "storage/file_error.h"
-#include "storage/file_replacement.h"
 #include "storage/recognise.h"
 
 namespace ovf {

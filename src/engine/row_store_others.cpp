@@ -1,5 +1,6 @@
 // What other programs do to the file of an open table, as far as rows could be lost by it.
 #include <algorithm>
+#include <utility>
 
 #include "engine/row_store.h"
 #include "storage/file_error.h"
@@ -42,9 +43,12 @@ void row_store<Precision>::own_header(wide_view call) {
   if (grows_alone_ || read_only_) return;
   claim_growth(call);
   // A file that cannot be read says so when it is written.
-  if (header_.state_in_file() != header_state::changed) return;
-  may_let_others_grow();
-  throw MyExceptionClass(wide(call) += changed_meanwhile);
+  if (header_.state_in_file() == header_state::changed) {
+    may_let_others_grow();
+    throw MyExceptionClass(wide(call) += changed_meanwhile);
+  }
+  if (!std::exchange(miscounts_pages_, false)) return;
+  header_.set(format::pages_word, counts_.pages);
 }
 
 template <class Precision>

@@ -104,6 +104,8 @@ class table {
   virtual bool onSetRowCount(std::uint64_t rows) = 0;
   /// Writes changed rows back, then the header.
   virtual void flush() = 0;
+  /// The same, and waits until the disk has the one, and then the other.
+  virtual void sync() = 0;
 
   // The cursor. A move whose row cannot be read throws the reason; every access then throws it again
   // until a move succeeds.

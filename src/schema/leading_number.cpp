@@ -4,6 +4,7 @@
 #include <charconv>
 #include <iterator>
 #include <limits>
+#include <optional>
 #include <string>
 
 namespace ovf {
@@ -60,9 +61,10 @@ double beyond_range(std::string_view number, bool hexadecimal) {
   return places + exponent > 0 ? std::numeric_limits<double>::infinity() : 0.0;
 }
 
-double magnitude_of(std::string_view text) {
+/// Nothing where there is no digit.
+std::optional<double> magnitude_of(std::string_view text) {
   // from_chars would take a second sign.
-  if (text.starts_with('-')) return 0.0;
+  if (text.starts_with('-')) return std::nullopt;
   const bool hexadecimal = take_hexadecimal_mark(text);
   const auto format = hexadecimal ? std::chars_format::hex : std::chars_format::general;
   double value = 0.0;
@@ -70,7 +72,7 @@ double magnitude_of(std::string_view text) {
   if (error == std::errc::result_out_of_range) {
     return beyond_range(text.substr(0, static_cast<std::size_t>(end - text.data())), hexadecimal);
   }
-  return error == std::errc() ? value : 0.0;
+  return error == std::errc() ? std::optional(value) : std::nullopt;
 }
 
 }  // namespace
@@ -79,8 +81,9 @@ double leading_number(wide_view text) {
   const std::string front = ascii_front(text);
   std::string_view rest = front;
   const bool negative = take_sign(rest);
-  const double magnitude = magnitude_of(rest);
-  return negative ? -magnitude : magnitude;
+  const std::optional<double> magnitude = magnitude_of(rest);
+  if (!magnitude) return 0.0;
+  return negative ? -*magnitude : *magnitude;
 }
 
 LONG leading_integer(wide_view text) {

@@ -2,8 +2,8 @@
 // blanks before it are skipped, whatever follows is of no account, and no number at all is 0.
 #pragma once
 
+#include "base/text.h"
 #include "ovfile/ovfile.h"
-#include "platform/text.h"
 
 namespace ovf {
 

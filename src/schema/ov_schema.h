@@ -12,8 +12,8 @@
 //   schema_filling.h            what table objects need beyond the published interfaces
 #pragma once
 
+#include "base/text.h"
 #include "platform/object.h"
-#include "platform/text.h"
 #include "schema/refusals.h"
 #include "schema/schema_fields.h"
 #include "schema/schema_filling.h"

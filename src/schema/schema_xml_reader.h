@@ -7,8 +7,8 @@
 // otherwise.
 #pragma once
 
+#include "base/text.h"
 #include "ovfile/ovfile.h"
-#include "platform/text.h"
 
 namespace ovf {
 

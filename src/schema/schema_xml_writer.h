@@ -11,7 +11,7 @@
 
 #include <optional>
 
-#include "platform/text.h"
+#include "base/text.h"
 #include "schema/schema_fields.h"
 
 namespace ovf {

@@ -2,11 +2,11 @@
 // and the two categories by which browsers and scripts know a component that they may use.
 #include <new>
 
+#include "base/system_error.h"
 #include "platform/caught.h"
 #include "platform/module_path.h"
 #include "platform/own_classes.h"
 #include "platform/registry.h"
-#include "platform/system_error.h"
 #include "platform/type_library.h"
 
 namespace ovf {

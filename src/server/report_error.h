@@ -7,9 +7,9 @@
 #include <new>
 #include <type_traits>
 
+#include "base/text.h"
 #include "ovfile/exception.h"
 #include "ovfile/ovfile.h"
-#include "platform/text.h"
 
 namespace ovf {
 

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "base/text.h"
 #include "ovfile/smart.h"
-#include "platform/text.h"
 
 namespace ovf {
 

@@ -32,6 +32,11 @@ class received {
   Structure held_{};
 };
 
+/// What a batch has for `release` until the stream answers. Its end is a batch that is released, for which
+/// one that nobody filled would pass: an interpreter that finds no memory for its own call returns 0 all the
+/// same.
+void unanswered(ArrowArray* batch) noexcept { batch->release = nullptr; }
+
 /// The host's code runs in the stream's functions and in what hears of the rows; any of them may close or
 /// change the table, so that it is looked for again after each.
 class table_appender {
@@ -81,8 +86,10 @@ class table_appender {
   /// False at the end of the stream.
   bool append_batch() {
     received<ArrowArray> batch;
+    batch.out()->release = &unanswered;
     if (stream_.get_next(&stream_, batch.out()) != 0) fail_with_stream();
     require_unchanged();
+    if (batch->release == &unanswered) refuse(OLESTR("the stream gave no answer"));
     if (!batch.is_there()) return false;
     columns_.take_batch(*batch, table_->roomForRows() - rows_);
     if (rows_ == 0 && batch->length != 0) table_->beginRows();

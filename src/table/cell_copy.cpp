@@ -42,8 +42,13 @@ void copy_row(table& from, table& to, const cell_plan& plan) {
   const auto origins = plan.origins;
   for (std::size_t i = 0; i < origins.size(); ++i) {
     if (origins[i].column == 0) continue;
+    const auto column = static_cast<LONG>(i + 1);
     try {
-      copy_cell(from, to, static_cast<LONG>(i + 1), origins[i], plan.longer);
+      if (plan.road == cell_road::typed) {
+        copy_cell(from, to, column, origins[i], plan.longer);
+      } else {
+        put_column(to, column, column_value(from, origins[i].column).get());
+      }
     } catch (const MyExceptionClass& error) {
       throw cell_error(error.message(), static_cast<LONG>(from.currentRow()), origins[i].column);
     }

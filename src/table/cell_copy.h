@@ -16,9 +16,16 @@ struct column_origin {
 /// never count.
 enum class long_texts { cut, refused };
 
+/// How a value gets from the one table to the other where the columns differ.
+enum class cell_road {
+  typed,    ///< read and written as what the new column's origin says
+  variants  ///< as a host's GetColumn and SetColumn: of the old column's type, converted when it is written
+};
+
 struct cell_plan {
   std::span<const column_origin> origins;  ///< of the new columns, in their order
   long_texts longer = long_texts::cut;
+  cell_road road = cell_road::typed;
 };
 
 /// A value that the other column cannot take, and where it stands.

@@ -54,6 +54,15 @@ double value_of(const table_core& core, const numeric_column& column) {
   return load_number<double_precision>(place, byte_order::native);
 }
 
+/// After a failure, of which alone the host is told.
+void put_back(table_core& core, std::uint64_t row) noexcept {
+  try {
+    core.row_at(long_of(row));
+  } catch (...) {
+    // The row cannot be read either; the next access says why.
+  }
+}
+
 }  // namespace
 
 void column_ranges::widen(LONG column, double value) noexcept {
@@ -92,6 +101,7 @@ void column_ranges::find(table_core& core) {
     walk(core);
   } catch (...) {
     ranges_.clear();
+    put_back(core, row);
     throw;
   }
   core.row_at(long_of(row));

@@ -1,6 +1,6 @@
 #include "table/link_target.h"
 
-#include "platform/file.h"
+#include "base/file.h"
 
 namespace ovf {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <optional>
 
-#include "platform/text.h"
+#include "base/text.h"
 
 namespace ovf {
 

@@ -79,4 +79,8 @@ HRESULT COvTable::Rebuild(IOvSchema* pSchema, LONG nColumns, const LONG* pColumn
   });
 }
 
+HRESULT COvTable::Sync() {
+  return guard(*this, [&] { core_.opened().sync(); });
+}
+
 }  // namespace ovf

@@ -94,6 +94,7 @@ class COvTable final : public component_class<COvTable, table_face, zu_table_fac
   HRESULT STDMETHODCALLTYPE GetFacts(OvTableFacts* pFacts) override;
   HRESULT STDMETHODCALLTYPE Rebuild(IOvSchema* pSchema, LONG nColumns, const LONG* pColumnOf, LONG nRows,
                                     const LONG* pRowOf) override;
+  HRESULT STDMETHODCALLTYPE Sync() override;
 
   HRESULT STDMETHODCALLTYPE SetProgress(IOvProgress* pProgress) override;
 
@@ -118,8 +119,6 @@ class COvTable final : public component_class<COvTable, table_face, zu_table_fac
   HRESULT changing_fields(Body body);
   template <class Body>
   HRESULT changing_field(LONG column, Body body);
-  /// Adds a field of the open table to the schema.
-  void take_field(std::uint64_t index);
   LONG append_rows(ArrowArrayStream& from);
   HRESULT range_end(wide_view refusal, std::optional<double> (column_ranges::*end)(LONG) const noexcept,
                     LONG index, double* out);

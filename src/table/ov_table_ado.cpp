@@ -76,4 +76,8 @@ HRESULT COvTableADO::Rebuild(IOvSchema* pSchema, LONG nColumns, const LONG* pCol
   });
 }
 
+HRESULT COvTableADO::Sync() {
+  return guard(*this, [&] { core_.opened().sync(); });
+}
+
 }  // namespace ovf

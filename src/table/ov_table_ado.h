@@ -41,6 +41,7 @@ class COvTableADO final
   HRESULT STDMETHODCALLTYPE GetFacts(OvTableFacts* pFacts) override;
   HRESULT STDMETHODCALLTYPE Rebuild(IOvSchema* pSchema, LONG nColumns, const LONG* pColumnOf, LONG nRows,
                                     const LONG* pRowOf) override;
+  HRESULT STDMETHODCALLTYPE Sync() override;
 
   HRESULT STDMETHODCALLTYPE SetProgress(IOvProgress* pProgress) override;
 

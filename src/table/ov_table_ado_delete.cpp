@@ -1,3 +1,4 @@
+#include "storage/file_error.h"
 #include "table/edit_words.h"
 #include "table/ov_table_ado.h"
 #include "table/table_edits.h"
@@ -31,8 +32,8 @@ bool describes_anew(IOvSchema& schema, table& opened) {
 HRESULT COvTableADO::DeleteRow(LONG lRow) {
   if (core_.is_read_only()) return report(*this, deletion_in_read_only_table);
   return guard(*this, [&]() -> HRESULT {
+    if (lRow < 1 || lRow > long_of(core_.opened().getRowCount())) return report(*this, ado_delete_bad_index);
     std::vector<std::uint32_t> rows = all_rows(core_);
-    if (lRow < 1 || static_cast<std::size_t>(lRow) > rows.size()) return report(*this, ado_delete_bad_index);
     rows.erase(rows.begin() + (lRow - 1));
     return run_edit(*this, ado_delete_words, [&] {
       if (!core_.schema) throw no_copy_made();

@@ -60,25 +60,27 @@ HRESULT COvTable::SetColumnDefaultString(LONG lIndex, BSTR newVal) {
   });
 }
 
-/// What the file made of it, not what was asked for: widths are rounded, texts cut, numbers narrowed.
-void COvTable::take_field(std::uint64_t index) {
-  if (core_.schema) (void)add_field(*core_.schema.get(), core_.opened(), index);
-}
+// The schema takes what was asked for; what the file made of it (rounded widths, cut texts, narrowed numbers)
+// it has when the table is opened anew.
 
 HRESULT COvTable::AddImplicitNumericColumnFloat(BSTR bstrName, float defaultValue) {
-  return changing_fields(
-      [&] { take_field(core_.opened().addNumericField(wide(view_of(bstrName)), defaultValue)); });
+  return changing_fields([&] {
+    core_.opened().addNumericField(wide(view_of(bstrName)), defaultValue);
+    if (core_.schema) (void)core_.schema->AddNumericColumn(bstrName, static_cast<double>(defaultValue), 1);
+  });
 }
 
 HRESULT COvTable::AddImplicitNumericColumnDouble(BSTR bstrName, double defaultValue) {
-  return changing_fields(
-      [&] { take_field(core_.opened().addNumericField(wide(view_of(bstrName)), defaultValue)); });
+  return changing_fields([&] {
+    core_.opened().addNumericField(wide(view_of(bstrName)), defaultValue);
+    if (core_.schema) (void)core_.schema->AddNumericColumn(bstrName, defaultValue, 1);
+  });
 }
 
 HRESULT COvTable::AddImplicitStringColumn(BSTR bstrName, LONG length, BSTR bstrDefaultValue) {
   return changing_fields([&] {
-    const wide text(view_of(bstrDefaultValue));
-    take_field(core_.opened().addAlphaField(wide(view_of(bstrName)), length, text));
+    core_.opened().addAlphaField(wide(view_of(bstrName)), length, wide(view_of(bstrDefaultValue)));
+    if (core_.schema) (void)core_.schema->AddStringColumn(bstrName, length, bstrDefaultValue, 1);
   });
 }
 

@@ -1,7 +1,7 @@
 // Messages of the scriptable table object that several of its methods report.
 #pragma once
 
-#include "platform/text.h"
+#include "base/text.h"
 
 namespace ovf {
 

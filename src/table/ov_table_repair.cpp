@@ -22,13 +22,17 @@ HRESULT COvTable::Repair(IOvSchema* pSchema) {
   if (pSchema == nullptr || !core_.schema) return S_OK;
   if (core_.is_read_only()) return report(*this, message_id::read_only_file);
   return guard(*this, [&]() -> HRESULT {
-    const auto origins = repair_plan(*core_.schema.get(), *pSchema);
+    auto origins = repair_plan(*core_.schema.get(), *pSchema);
     if (!origins) return S_OK;
     std::vector<std::uint32_t> rows = all_rows(core_);
     // The last row is left behind: hosts add one before they repair.
     if (!rows.empty()) rows.pop_back();
-    return run_edit(*this, repair_words,
-                    [&] { rebuild_table(core_, *copy_of(*pSchema).get(), {*origins}, rows, false); });
+    return run_edit(*this, repair_words, [&] {
+      const auto schema = copy_of(*pSchema);
+      // A host's schema may answer differently each time: it is asked where there are values to read.
+      if (!rows.empty()) read_types(*pSchema, *origins);
+      rebuild_table(core_, *schema.get(), {*origins}, rows, false);
+    });
   });
 }
 

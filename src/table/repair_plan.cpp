@@ -27,9 +27,7 @@ column_origin origin_of(IOvSchema& held, IOvSchema& wanted, LONG column) {
   throw_on_failure(wanted.GetFieldName(column, name.out()));
   LONG found = 0;
   if (FAILED(held.GetFieldIndex(name.get(), &found)) || found < 1) found = 0;
-  const column_origin origin{found, type_of(wanted, column)};
-  if (found > 0 && type_of(wanted, column) != origin.type) throw MyExceptionClass(wide(mismatched_types));
-  return origin;
+  return {found};
 }
 
 bool is_needed(const std::vector<column_origin>& origins, LONG held_count) {
@@ -51,6 +49,16 @@ std::optional<std::vector<column_origin>> repair_plan(IOvSchema& held, IOvSchema
   for (LONG column = 1; column <= count; ++column) origins.push_back(origin_of(held, wanted, column));
   if (!is_needed(origins, field_count(held))) return std::nullopt;
   return origins;
+}
+
+void read_types(IOvSchema& wanted, std::span<column_origin> origins) {
+  LONG column = 0;
+  for (column_origin& origin : origins) {
+    origin.type = type_of(wanted, ++column);
+    if (origin.column > 0 && type_of(wanted, column) != origin.type) {
+      throw MyExceptionClass(wide(mismatched_types));
+    }
+  }
 }
 
 }  // namespace ovf

@@ -1,6 +1,7 @@
 #include "table/row_filter.h"
 
 #include "platform/printed_float.h"
+#include "schema/refusals.h"
 #include "schema/schema_filling.h"
 #include "storage/special_values.h"
 #include "table/column_values.h"
@@ -19,9 +20,12 @@ bool is_absent(const variant& value) noexcept {
 LONG column_of(IOvSchema& schema, IOvFilter& evaluator, LONG variable) {
   ovfile::text name;
   LONG column = 0;
-  if (FAILED(evaluator.GetVariableName(variable, name.out()))) return 0;
-  if (FAILED(schema.GetFieldIndex(name.get(), &column))) return 0;
-  return column > 0 ? column : 0;
+  const HRESULT named = evaluator.GetVariableName(variable, name.out());
+  only_memory_counts(named);
+  if (FAILED(named)) return 0;
+  const HRESULT found = schema.GetFieldIndex(name.get(), &column);
+  only_memory_counts(found);
+  return SUCCEEDED(found) && column > 0 ? column : 0;
 }
 
 }  // namespace
@@ -30,6 +34,7 @@ void row_filter::need_evaluator() {
   if (evaluator_) return;
   void* made = nullptr;
   const HRESULT status = CoCreateInstance(CLSID_OvFilter, nullptr, CLSCTX_ALL, IID_IOvFilter, &made);
+  only_memory_counts(status);
   if (FAILED(status) || made == nullptr) throw no_evaluator();
   *evaluator_.out() = static_cast<IOvFilter*>(made);
   if (SUCCEEDED(evaluator_->QueryInterface(IID_IOvFilterValues, &made))) {
@@ -48,7 +53,7 @@ void row_filter::set_expression(wide_view text) {
   need_evaluator();
   text_ = text;
   columns_stamp_ = 0;
-  (void)evaluator_->SetExpression(ovfile::text(text).get());
+  only_memory_counts(evaluator_->SetExpression(ovfile::text(text).get()));
 }
 
 void row_filter::find_columns(IOvSchema& schema) {
@@ -57,7 +62,9 @@ void row_filter::find_columns(IOvSchema& schema) {
   // A foreign schema does not tell when it changes.
   if (stamp != 0 && stamp == columns_stamp_) return;
   LONG count = 0;
-  if (FAILED(evaluator_->GetVariableCount(&count))) count = 0;
+  const HRESULT counted = evaluator_->GetVariableCount(&count);
+  only_memory_counts(counted);
+  if (FAILED(counted)) count = 0;
   columns_.clear();
   for (LONG variable = 0; variable < count; ++variable) {
     columns_.push_back(column_of(schema, *evaluator_.get(), variable));
@@ -84,20 +91,23 @@ bool row_filter::test_values(const table_core& core) {
   }
   for (std::size_t variable = 0; variable < columns_.size(); ++variable) give(core, variable);
   SHORT result = 0;
-  return SUCCEEDED(values_->Test(&result)) && result != 0;
+  const HRESULT tested = values_->Test(&result);
+  only_memory_counts(tested);
+  return SUCCEEDED(tested) && result != 0;
 }
 
 void row_filter::give(const table_core& core, std::size_t variable) {
   const auto number = static_cast<LONG>(variable);
   const auto give_double = [&](double value) {
-    (void)(is_absent(value) ? values_->SetAbsent(number) : values_->SetNumber(number, value));
+    only_memory_counts(is_absent(value) ? values_->SetAbsent(number) : values_->SetNumber(number, value));
   };
   const auto give_float = [&](float value) {
-    (void)(is_absent(value) ? values_->SetAbsent(number) : values_->SetNumber(number, printed_value(value)));
+    only_memory_counts(is_absent(value) ? values_->SetAbsent(number)
+                                        : values_->SetNumber(number, printed_value(value)));
   };
   const LONG column = columns_[variable];
   if (column == 0) {
-    (void)values_->SetAbsent(number);
+    only_memory_counts(values_->SetAbsent(number));
     return;
   }
   if (const std::byte* place = core.opened().storedNumber(field_index(column)); place != nullptr) {
@@ -108,7 +118,7 @@ void row_filter::give(const table_core& core, std::size_t variable) {
   const variant value = column_value(core.opened(), column);
   if (value.type() == VT_R8) return give_double(value.get().dblVal);
   if (value.type() == VT_R4) return give_float(value.get().fltVal);
-  (void)values_->SetText(number, value.get().bstrVal);
+  only_memory_counts(values_->SetText(number, value.get().bstrVal));
 }
 
 bool row_filter::test_text(const table_core& core) {
@@ -121,9 +131,11 @@ bool row_filter::test_text(const table_core& core) {
   }
   if (values.empty()) return false;
   const ovfile::text text{wide_view(values)};
-  (void)evaluator_->SetValues(text.get());
+  only_memory_counts(evaluator_->SetValues(text.get()));
   SHORT result = 0;
-  return SUCCEEDED(evaluator_->Evaluate(text.get(), &result)) && result != 0;
+  const HRESULT tested = evaluator_->Evaluate(text.get(), &result);
+  only_memory_counts(tested);
+  return SUCCEEDED(tested) && result != 0;
 }
 
 }  // namespace ovf

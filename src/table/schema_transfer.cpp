@@ -94,6 +94,14 @@ HRESULT fill_schema(IOvSchema& schema, table& from) {
   return status;
 }
 
+void require_field_limit(IOvSchema& schema) {
+  VARIANT_BOOL is_double = VARIANT_FALSE;
+  LONG count = 0;
+  throw_on_failure(schema.get_DoublePrecisionFlag(&is_double));
+  throw_on_failure(schema.get_FieldCount(&count));
+  require_field_limit(is_double != VARIANT_FALSE, static_cast<std::uint64_t>(std::max<LONG>(count, 0)));
+}
+
 table_definition definition_of(IOvSchema& schema) {
   table_definition definition;
   VARIANT_BOOL is_double = VARIANT_FALSE;

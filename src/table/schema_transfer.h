@@ -13,6 +13,10 @@ HRESULT fill_schema(IOvSchema& schema, table& from);
 /// Adds the table's field of that index (from 0) to the schema as the file has it: name, width, default.
 HRESULT add_field(IOvSchema& schema, table& from, std::uint64_t index);
 
+/// Throws MyExceptionClass, the 64-field message, for more fields than the schema's precision takes, none of
+/// which is looked at.
+void require_field_limit(IOvSchema& schema);
+
 /// Reads a schema, of whatever making, as the definition of a new table. Throws com_error with the
 /// status of a method that fails.
 table_definition definition_of(IOvSchema& schema);

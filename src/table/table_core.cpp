@@ -1,6 +1,6 @@
 #include "table/table_core.h"
 
-#include "platform/file.h"
+#include "base/file.h"
 #include "table/link_target.h"
 #include "table/schema_transfer.h"
 
@@ -32,9 +32,8 @@ opening table_core::open_target(std::unique_ptr<table>& found) {
   name = *target;
   if (files().kind(name) == file_kind::missing) name = with_own_separators(name);
   if (files().kind(name) == file_kind::missing) return opening::missing;
-  const opening followed = open_one(found);
-  is_linked = true;
-  return followed;
+  is_linked = true;  // whatever it leads to
+  return open_one(found);
 }
 
 void table_core::note_stamp() {
@@ -71,16 +70,26 @@ HRESULT table_core::hold(std::unique_ptr<table> found) {
 
 void table_core::create(ovfile::pointer<IOvSchema> definition) {
   schema = std::move(definition);
+  require_field_limit(*schema.get());
   const new_table made(definition_of(*schema.get()));
   if (table_ != nullptr) {
     table_->flush();
     // The file that is made anew may be the very one that is held.
-    if (path_ == absolute_path(name)) table_.reset();
+    if (is_held_file(name)) table_.reset();
   }
   table_ = create_table(name, made);
   path_ = absolute_path(name);
   stamp_.reset();
   refill(*schema.get());
+}
+
+bool table_core::is_held_file(wide_view other) const {
+  if (path_ == absolute_path(other)) return true;
+  // By a link, or in another spelling.
+  file_stamp held;
+  file_stamp named;
+  return files().stamp(path_, held) && files().stamp(other, named) && held.volume == named.volume &&
+         held.number == named.number;
 }
 
 void table_core::refill(IOvSchema& definition) const {

@@ -6,11 +6,11 @@
 #include <memory>
 #include <optional>
 
+#include "base/file.h"
 #include "engine/table.h"
 #include "ovfile/ovfile.h"
 #include "ovfile/progress.h"
 #include "ovfile/smart.h"
-#include "platform/file.h"
 
 namespace ovf {
 
@@ -80,6 +80,8 @@ class table_core {
  private:
   opening open_target(std::unique_ptr<table>& found);
   HRESULT hold(std::unique_ptr<table> found);
+  /// Whether the name leads to the open table's file.
+  bool is_held_file(wide_view other) const;
   /// Brings the schema of a new table up to what the file says; its read-only latch stays as it was.
   void refill(IOvSchema& definition) const;
 

@@ -10,16 +10,12 @@
 namespace ovf {
 namespace {
 
-/// The getters and setters through which the values of a schema's own columns go.
+/// Each column from itself.
 std::vector<column_origin> same_columns(IOvSchema& schema) {
   LONG count = 0;
   (void)schema.get_FieldCount(&count);
   std::vector<column_origin> origins;
-  for (LONG column = 1; column <= count; ++column) {
-    column_origin origin{column, ovColumnDouble};
-    (void)schema.GetFieldType(column, &origin.type);
-    origins.push_back(origin);
-  }
+  for (LONG column = 1; column <= count; ++column) origins.push_back({column});
   return origins;
 }
 
@@ -30,7 +26,7 @@ void copy_under(IOvSchema& schema, table& from, table_replacement& made, std::sp
     copy_rows(from, copy, rows, work);
   } else {
     const std::vector<column_origin> origins = same_columns(schema);
-    copy_cells(from, copy, {origins}, rows, work);
+    copy_cells(from, copy, {origins, long_texts::cut, cell_road::variants}, rows, work);
   }
   work.finish();
   made.commit();
@@ -46,12 +42,16 @@ void keep_rows(table_core& core, IOvSchema& schema, std::span<const std::uint32_
 }
 
 void sort_table(table_core& core, LONG column, bool ascending) {
+  kept_cursor cursor(core);
+  // The file as it is now is sorted, with what others have written since it was opened.
+  open_again(core);
   table_replacement made(core);
   // What a host has done to the schema that it holds is not in the file.
   const auto schema = schema_of(core.opened());
   work_progress work(core.progress, core.opened().getRowCount() * (1 + steps_per_copied_row));
   const std::vector<std::uint32_t> rows = sorted_rows(core.opened(), field_index(column), ascending, work);
   copy_under(*schema.get(), core.opened(), made, rows, work, true);
+  cursor.give_up();
 }
 
 void rebuild_table(table_core& core, IOvSchema& schema, const cell_plan& plan,

@@ -1,6 +1,6 @@
 #include "table/table_replacement.h"
 
-#include "platform/system_error.h"
+#include "base/system_error.h"
 #include "storage/file_error.h"
 
 namespace ovf {
@@ -33,6 +33,16 @@ wide reason_in_flight() {
 
 }  // namespace
 
+void open_again(table_core& core) {
+  const wide path = core.path();
+  core.release_table();
+  try {
+    core.reopen(path);
+  } catch (...) {
+    throw not_reopened{path, reason_in_flight()};
+  }
+}
+
 table& table_replacement::begin(const table_definition& definition, bool keep_description) {
   try {
     make_copy(definition, keep_description);
@@ -52,8 +62,7 @@ void table_replacement::make_copy(const table_definition& definition, bool keep_
   made.carry_over(old, keep_description);
   if (before_) file_.expect(*before_);
   if (!file_.begin()) throw file_error(with_system_error(OLESTR("cannot create file (%x: %s)")));
-  file_.close();
-  copy_ = create_table(file_.copy_name(), made);
+  copy_ = create_table(file_.writer_name(), made);
 }
 
 void table_replacement::commit() {

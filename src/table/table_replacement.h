@@ -11,8 +11,8 @@
 #include <memory>
 #include <optional>
 
+#include "base/file_replacement.h"
 #include "engine/open_table.h"
-#include "storage/file_replacement.h"
 #include "table/kept_cursor.h"
 
 namespace ovf {
@@ -37,6 +37,10 @@ struct not_restored {
   not_replaced refusal;
   wide reason;
 };
+
+/// Closes the core's table and opens its file again, as it is now, whoever has changed it. Throws
+/// not_reopened, and what writing the table throws.
+void open_again(table_core& core);
 
 class table_replacement {
  public:

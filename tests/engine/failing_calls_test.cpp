@@ -164,4 +164,23 @@ INSTANTIATE_TEST_SUITE_P(BothPrecisions, Workday,
                          ::testing::Values(ovtest::single_words, ovtest::double_words),
                          [](const auto& each) { return each.param.size == 4 ? "single" : "double"; });
 
+TEST(CurrentPage, ThatCannotBeWrittenIsToldInItsOwnWords) {
+  ovtest::engine_files files;
+  ovtest::failing_files failing;
+  const auto table = files.open(ovtest::hole_table(3, ovtest::double_words));
+  table->goToRow(2);
+  table->setDouble(1, 7);
+  const ovtest::debug_listener debug;
+  failing.fail_nth(call::write, 1);
+  EXPECT_EQ(message_of([&] { table->flushCurrentPage(); }), "error caching page");
+  EXPECT_TRUE(debug.heard(with_failing_code("OvFile Error: doFlush failed to write an entire page.")));
+  EXPECT_TRUE(debug.heard("error caching page"));
+  table->flushCurrentPage();
+  EXPECT_EQ(files.content(), [] {
+    ovtest::bytes changed = ovtest::hole_table(3, ovtest::double_words);
+    ovtest::put_number(changed, ovtest::record_word(1, 1, 3, 3), 7, ovtest::double_words);
+    return changed;
+  }());
+}
+
 }  // namespace

@@ -129,12 +129,41 @@ TEST(Opening, AHeaderPageThatIsNotThereIsAShortRead) {
             "OvFile Error: cache failed to read an entire page. (1024 bytes read instead of 2048)");
 }
 
+TEST(Opening, TellsItsHeaderToWhoeverListens) {
+  ovtest::engine_files files;
+  ovtest::write_bytes(files.path(), hole_table(3, double_words));
+  const ovtest::debug_listener debug;
+  files.reopen(true);
+  const std::vector<std::string> expected = {"OvFile Header: file: " + ovtest::utf8(files.name()),
+                                             "OvFile Header: precision: double",
+                                             "OvFile Header: byte order: 0",
+                                             "OvFile Header: name:         ",
+                                             "OvFile Header: second name:         ",
+                                             "OvFile Header: description: holes" + std::string(59, ' '),
+                                             "OvFile Header: owner: SYSTEM  ",
+                                             "OvFile Header: atoms: 5",
+                                             "OvFile Header: pages: 2",
+                                             "OvFile Header: header pages: 1",
+                                             "OvFile Header: records in the last page: 3",
+                                             "OvFile Header: records a page: 169",
+                                             "OvFile Header: words a record: 3",
+                                             "OvFile Header: rows: 3",
+                                             "OvFile Header: bytes of the file: 8192",
+                                             "OvFile Header: field: BHID",
+                                             "OvFile Header: field: DEPTH",
+                                             "OvFile Header: field: DENSITY",
+                                             "OvFile Header: field: LITH"};
+  EXPECT_EQ(debug.lines(), expected);
+}
+
 TEST(Opening, WithoutMemoryForRecordsThereIsNoTable) {
   // The map is set up when the table is opened; the message is what a host then sees.
   ovtest::engine_files files;
   files.open(hole_table(1, double_words));
+  const ovtest::debug_listener debug;
   ovtest::deny_allocations_of(409600);
   EXPECT_EQ(message_of([&] { files.reopen(); }), "error caching page");
+  EXPECT_TRUE(debug.heard("error caching page"));
   ovtest::deny_allocations_of(0);
 }
 

@@ -253,6 +253,19 @@ TEST(RowCount, APageCountThatSinglePrecisionCannotCountIsRefused) {
   EXPECT_EQ(message_of([&] { table->addRow(); }), "ov_size_t_2_int");
 }
 
+TEST(RowCount, PagesBeyondAHostsIntegerAreRefusedInDoublePrecision) {
+  // A record of 256 words fills a page, and the header has 4.
+  std::vector<ovtest::atom> wide_record;
+  ovtest::add_text_atoms(wide_record, "T", 256, 1);
+  ovtest::header_words words;
+  words.pages = 2147483647;
+  words.records_in_last_page = 1;
+  ovtest::engine_files files;
+  const auto table = files.open(ovtest::make_header(words, wide_record, double_words));
+  EXPECT_EQ(table->getRowCount(), 2147483643U);
+  EXPECT_EQ(message_of([&] { table->addRow(); }), "ov_size_t_2_int");
+}
+
 TEST(RowCount, APageOfRowsThatTheHeaderDoesNotCountIsKeptWhenRowsAreAdded) {
   for (const ovtest::word_format format : {single_words, double_words}) {
     bytes file = hole_table(3, format);

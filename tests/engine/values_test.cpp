@@ -59,6 +59,44 @@ TEST_P(Values, ImplicitFieldsReadTheirDefaultAndWritingThemChangesNothing) {
   EXPECT_EQ(files_.content(), before);
 }
 
+TEST_P(Values, ATextWhoseFirstWordIsImplicitKeepsTheOthersInItsRows) {
+  std::vector<ovtest::atom> atoms;
+  ovtest::add_text_atoms(atoms, "MIXED", 2, 1, "everelse");
+  atoms[0].position = 0;
+  atoms[1].position = 1;
+  ovtest::header_words words;
+  words.pages = 2;
+  words.records_in_last_page = 1;
+  ovtest::bytes file = ovtest::make_header(words, atoms, GetParam());
+  ovtest::add_page(file, GetParam());
+  ovtest::put_text(file, ovtest::record_word(1, 0, 1, 1), 1, "here", GetParam());
+  const auto table = files_.open(file);
+  table->firstRow();
+  EXPECT_EQ(utf8(table->getString(0)), "everhere");
+  table->setString(0, OLESTR("nevernow"));
+  table->flush();
+  EXPECT_EQ(utf8(table->getString(0)),
+            "ever"
+            "rnow");
+}
+
+TEST(Defaults, AreWrittenWithTheRightCountOfPagesInATableWithoutRows) {
+  ovtest::bytes file = ovtest::hole_table(0, double_words);
+  ovtest::put_number(file, 26, 2, double_words);
+  ovtest::engine_files files;
+  {
+    const auto table = files.open(file);
+    table->flush();
+    EXPECT_EQ(files.content(), file);
+    table->setDefaultDouble(2, 2.5);
+    table->flush();
+  }
+  ovtest::bytes changed = files.content();
+  EXPECT_EQ(changed.size(), file.size());
+  ovtest::put_number(file, 26, 1, double_words);
+  EXPECT_TRUE(std::equal(file.begin(), file.begin() + 27 * 8, changed.begin()));
+}
+
 TEST_P(Values, FieldsByIndexAndName) {
   const auto table = opened();
   EXPECT_EQ(table->getFieldCount(), 4U);

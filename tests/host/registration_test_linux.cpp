@@ -37,7 +37,8 @@ class registration : public host_test {
   /// Everything under the class, the module's own path among it.
   static std::string entries(const std::string& name, const std::string& id) {
     const std::string root = "[HKEY_CLASSES_ROOT\\";
-    const std::string path = std::filesystem::canonical(OVFILE_LIBRARY_PATH).string();
+    const std::string path =
+        OVFILE_LIBRARY_PATH;  // which is a link to the file that has the version in its name
     return root + "OvFile." + name + ".1]\n@=\"" + name + " Class\"\n\n" +           //
            root + "OvFile." + name + ".1\\CLSID]\n@=\"" + id + "\"\n\n" +            //
            root + "OvFile." + name + "]\n@=\"" + name + " Class\"\n\n" +             //

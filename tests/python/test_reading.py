@@ -278,3 +278,9 @@ def test_arrays_are_the_callers(assays):
         copper = table["CU"]
     copper *= 2
     assert copper[0] == 0.5
+
+
+@pytest.mark.parametrize("taker", [np.asarray, np.array, pd.DataFrame])
+def test_a_table_is_not_taken_for_its_columns_names(assays, taker):
+    with ovfile.open(assays) as table, pytest.raises(TypeError, match=r"to_pandas\(\) makes a DataFrame"):
+        taker(table)

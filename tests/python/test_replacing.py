@@ -434,7 +434,7 @@ table = ovfile.open("table.ovt"); table.close()
 os.setgroups([]); os.setgid(65534); os.setuid(65534)
 from ovfile._file_rights import carry_rights
 old, new = os.open("table.ovt", os.O_RDONLY), os.open("new.ovt", os.O_CREAT | os.O_EXCL | os.O_RDWR, 0o600)
-carry_rights(old, "table.ovt", "new.ovt")
+carry_rights(old, "table.ovt", new, "new.ovt")
 print(oct(os.fstat(new).st_mode & 0o7777), os.fstat(new).st_gid)
 """
     assert child(script, private.parent) == f"{oct(expected)} 65534"
@@ -474,3 +474,26 @@ def test_modes_that_are_no_texts(path, mode):
     with pytest.raises(ovfile.Error, match='mode is "r" or "r\\+"'):
         ovfile.open(path, mode)
     assert without_new_files(path.parent)
+
+
+@linux
+def test_a_link_under_the_new_files_name_leads_nowhere(path, monkeypatch):
+    """Put there by somebody who may change the folder, before the rows are written or the old file's rights given."""
+    victim = path.parent / "victim"
+    victim.write_text("untouched")
+    victim.chmod(0o600)
+    ovfile.write({"A": [1]}, path)
+    path.chmod(0o666)
+
+    def swap():
+        (made,) = [name for name in os.listdir(path.parent) if name.startswith(".NEW")]
+        os.rename(path.parent / made, path.parent / "taken")
+        os.symlink(victim, path.parent / made)
+
+    monkeypatch.setattr(_writing, "create_file", before(_writing.create_file, swap))
+    with pytest.raises(ovfile.Error, match="somebody put another one in its place"):
+        ovfile.write({"A": [1, 2, 3]}, path)
+    assert victim.read_text() == "untouched"
+    assert stat.S_IMODE(victim.stat().st_mode) == 0o600
+    with ovfile.open(path) as table:
+        assert table["A"].tolist() == [1]

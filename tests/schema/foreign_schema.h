@@ -1,4 +1,4 @@
-// A schema of somebody else's: it answers what `Merge` asks, with defaults of any type, and nothing else.
+// A schema of somebody else's: it answers what `Merge` and `Repair` ask, with defaults of any type, no more.
 #pragma once
 
 #include <vector>
@@ -20,7 +20,10 @@ class foreign_schema final : public IOvSchema {
  public:
   explicit foreign_schema(std::vector<foreign_field> fields) : fields_(std::move(fields)) {}
 
-  bool failing = false;  ///< every question but the count fails
+  bool failing = false;    ///< every question but the count fails
+  bool is_double = false;  ///< its precision
+  int types_told = 0;      ///< how often it was asked for a type
+  int true_types = -1;     ///< after so many one is told to be of texts; -1: never
 
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** out) override {
     *out = nullptr;
@@ -38,8 +41,20 @@ class foreign_schema final : public IOvSchema {
     return E_NOTIMPL;
   }
 
-  HRESULT STDMETHODCALLTYPE get_DoublePrecisionFlag(VARIANT_BOOL*) override {
-    return failing ? E_FAIL : S_OK;
+  HRESULT STDMETHODCALLTYPE get_DoublePrecisionFlag(VARIANT_BOOL* pVal) override {
+    return answer([&] { *pVal = is_double ? VARIANT_TRUE : VARIANT_FALSE; });
+  }
+  HRESULT STDMETHODCALLTYPE get_Description(BSTR* pVal) override {
+    return answer([&] { *pVal = bstr("foreign").release(); });
+  }
+  HRESULT STDMETHODCALLTYPE get_ReadOnly(VARIANT_BOOL* pVal) override {
+    return answer([&] { *pVal = VARIANT_FALSE; });
+  }
+  HRESULT STDMETHODCALLTYPE IsFieldImplicit(LONG lIndex, VARIANT_BOOL* pVal) override {
+    return answer([&] { *pVal = field(lIndex).offset < 0 ? VARIANT_TRUE : VARIANT_FALSE; });
+  }
+  HRESULT STDMETHODCALLTYPE GetFieldSizeChars(LONG lIndex, LONG* pVal) override {
+    return answer([&] { *pVal = field(lIndex).size / (is_double ? 2 : 1); });
   }
   HRESULT STDMETHODCALLTYPE get_FieldCount(LONG* pVal) override {
     *pVal = static_cast<LONG>(fields_.size());
@@ -49,7 +64,7 @@ class foreign_schema final : public IOvSchema {
     return answer([&] { *pVal = bstr(field(lIndex).name).release(); });
   }
   HRESULT STDMETHODCALLTYPE GetFieldType(LONG lIndex, OvColumnType* pVal) override {
-    return answer([&] { *pVal = field(lIndex).type; });
+    return answer([&] { *pVal = types_told++ == true_types ? ovColumnString : field(lIndex).type; });
   }
   HRESULT STDMETHODCALLTYPE GetFieldSize(LONG lIndex, LONG* pVal) override {
     return answer([&] { *pVal = field(lIndex).size; });
@@ -65,13 +80,11 @@ class foreign_schema final : public IOvSchema {
   HRESULT STDMETHODCALLTYPE get_TypeHint(OvFileType*) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE SetFieldDefault(LONG, VARIANT) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE SetFieldOffset(LONG, LONG) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE get_ReadOnly(VARIANT_BOOL*) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE put_ReadOnly(VARIANT_BOOL) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE put_FieldCount(LONG) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE SetFieldName(LONG, BSTR) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE SetFieldType(LONG, OvColumnType) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE GetFieldIndex(BSTR, LONG*) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE get_Description(BSTR*) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE put_Description(BSTR) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE AddColumn(BSTR, OvColumnType) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE SetFieldSize(LONG, LONG) override { return E_NOTIMPL; }
@@ -86,8 +99,6 @@ class foreign_schema final : public IOvSchema {
   HRESULT STDMETHODCALLTYPE CreateStringsFile() override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE CreateWfTriangleFile() override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE CreateWfPointFile() override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE IsFieldImplicit(LONG, VARIANT_BOOL*) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE GetFieldSizeChars(LONG, LONG*) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE get_SpecialValueAbsent(VARIANT*) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE get_SpecialValueTrace(VARIANT*) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE get_SpecialValueBottom(VARIANT*) override { return E_NOTIMPL; }

@@ -46,6 +46,11 @@ TEST(leading_number, is_0_where_there_is_none) {
   }
 }
 
+TEST(leading_number, has_a_minus_where_there_is_a_digit) {
+  for (const char* none : {"-", "- 1", "-x", "--1", "-."}) EXPECT_FALSE(std::signbit(number(none))) << none;
+  for (const char* some : {"-0", "-0x", "-1e-999"}) EXPECT_TRUE(std::signbit(number(some))) << some;
+}
+
 TEST(leading_number, reads_hexadecimals) {
   EXPECT_EQ(16.0, number("0x10"));
   EXPECT_EQ(-12.0, number("-0X1.8p3"));

@@ -39,6 +39,14 @@ TEST_F(StreamRefusals, TypesThatNobodyKnows) {
   expect_refused(from, "Append failed, column DEPTH: its type \"(none)\" is none that a table can take in");
 }
 
+TEST_F(StreamRefusals, AStreamThatReturnsWithoutABatchOrItsEnd) {
+  const bytes before = content();
+  made_stream from({{depths({1})}});
+  from.stream.get_next = [](ArrowArrayStream*, ArrowArray*) { return 0; };
+  expect_refused(from, "Append failed, the stream gave no answer");
+  EXPECT_EQ(content(), before);
+}
+
 TEST_F(StreamRefusals, TextsForNumbersAndNumbersForTexts) {
   expect_refused({texts("DEPTH", {"1"})},
                  "Append failed, column DEPTH: it holds texts, and the table's column numbers");

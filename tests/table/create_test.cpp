@@ -101,6 +101,28 @@ TEST_F(Create, OverTheTableThatIsHeldItself) {
   EXPECT_EQ(content().size(), 2048U);
 }
 
+TEST_F(Create, OverTheTableThatIsHeldByAnotherSpelling) {
+  make_rows(5);
+  ASSERT_EQ(open(), S_OK);
+  const auto spelled = path().parent_path() / "." / path().filename();
+  ASSERT_EQ(table_->Create(text_of(spelled).get(), holes(false).get()), S_OK);
+  LONG rows = 9;
+  EXPECT_EQ(table_->GetRowCount(&rows), S_OK);
+  EXPECT_EQ(rows, 0);
+  EXPECT_EQ(content().size(), 2048U);
+}
+
+TEST_F(Create, TheFieldsAreCountedBeforeTheirDefaultsAreRead) {
+  const auto schema = numbers(65, false);
+  const ovfile::variant words(text_of(std::string("no number")));
+  ASSERT_EQ(schema->SetFieldDefault(1, words.get()), S_OK);
+  EXPECT_REPORT(
+      create(schema),
+      "Failed to create file.\nPlease note there is a size limit of 64 4-byte fields per record in a "
+      "single precision Orvexa file.\nPlease consider removing some columns and/or choosing double "
+      "precision format");
+}
+
 TEST_F(Create, ARefusedDefinitionLeavesTheOpenTableAsItWas) {
   make_rows(1, false);
   ASSERT_EQ(open(), S_OK);

@@ -177,26 +177,27 @@ TEST_F(Fields, AFloatForAnImplicitColumnOfDoublesIsWidenedPlainly) {
   EXPECT_EQ(schema_default(4).number(), static_cast<double>(0.1F));
 }
 
-TEST_F(Fields, TheSchemaHasWhatTheFileMadeOfAnImplicitColumn) {
+TEST_F(Fields, TheSchemaHasWhatAnImplicitColumnWasAskedForAndOpenedAgainWhatTheFileHas) {
   for (const bool is_double : {false, true}) {
     open_one(is_double);
     EXPECT_EQ(table_->AddImplicitStringColumn(name("NONE").get(), 0, name("abcdef").get()), S_OK);
     EXPECT_EQ(table_->AddImplicitStringColumn(name("SHORT").get(), 5, name("abcdefghijk").get()), S_OK);
     EXPECT_EQ(table_->AddImplicitNumericColumnDouble(name("TENTH").get(), 0.1), S_OK);
-    const auto check = [&] {
-      LONG width = 0;
-      EXPECT_EQ(schema()->GetFieldSizeChars(4, &width), S_OK);
-      EXPECT_EQ(width, 4);
-      EXPECT_EQ(ovfile::to_utf8(schema_default(4).view()), "abcd");
-      EXPECT_EQ(schema()->GetFieldSizeChars(5, &width), S_OK);
-      EXPECT_EQ(width, 8);
-      EXPECT_EQ(ovfile::to_utf8(schema_default(5).view()), "abcdefgh");
-      EXPECT_EQ(schema_default(6).number(), is_double ? 0.1 : static_cast<double>(0.1F));
-      for (const LONG column : {4, 5, 6}) EXPECT_TRUE(schema_implicit(column));
+    const auto expect_text = [&](LONG column, LONG width, const char* text) {
+      LONG found = 0;
+      EXPECT_EQ(schema()->GetFieldSizeChars(column, &found), S_OK);
+      EXPECT_EQ(found, width);
+      EXPECT_EQ(ovfile::to_utf8(schema_default(column).view()), text);
     };
-    check();
+    expect_text(4, 0, "");
+    expect_text(5, 8, "abcdefgh");
+    EXPECT_EQ(schema_default(6).number(), 0.1);
+    for (const LONG column : {4, 5, 6}) EXPECT_TRUE(schema_implicit(column));
     reopen();
-    check();
+    expect_text(4, 4, "abcd");
+    expect_text(5, 8, "abcdefgh");
+    EXPECT_EQ(schema_default(6).number(), is_double ? 0.1 : static_cast<double>(0.1F));
+    for (const LONG column : {4, 5, 6}) EXPECT_TRUE(schema_implicit(column));
     ASSERT_EQ(table_->Close(), S_OK);
   }
 }

@@ -46,6 +46,13 @@ TEST_F(Links, TheFlagStaysWhenAnOrdinaryFileFollows) {
   EXPECT_EQ(linked(), VARIANT_TRUE);
 }
 
+TEST_F(Links, TheFlagTellsOfALinkToWhatIsNoTable) {
+  make_link("LINKnotes.txt .");
+  ovtest::write_bytes(path("notes.txt"), ovtest::bytes(5000, 'x'));
+  EXPECT_NE(open(0, "link.ovt"), S_OK);
+  EXPECT_EQ(linked(), VARIANT_TRUE);
+}
+
 TEST_F(Links, OneLevelIsFollowed) {
   make_rows(2);
   make_link("LINKtable.ovt .", "first.ovt");

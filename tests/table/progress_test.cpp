@@ -199,7 +199,8 @@ TEST_P(LongCalls, ThatFailForAnotherReasonAreNotStopped) {
   ovtest::failing_files disk;
   open_anew();
   ASSERT_EQ(hear(&sink_), S_OK);
-  disk.fail_nth(ovtest::call::read, 1);
+  // Behind the first ones, by which some calls open the file again.
+  disk.fail_nth(ovtest::call::read, GetParam().name.starts_with("Sort") ? 8 : 1);
   SetErrorInfo(0, nullptr);
   EXPECT_EQ(run(), E_FAIL);
   EXPECT_NE(ovtest::reported(), GetParam().stopped);

@@ -75,4 +75,30 @@ TEST_F(Properties, FactsTellWhatTheFileLooksLike) {
   EXPECT_EQ(maintenance->GetFacts(nullptr), E_POINTER);
 }
 
+TEST_F(Properties, SyncWaitsForRowsAndThenForTheHeaderThatCountsThem) {
+  make_rows(3);
+  ovtest::failing_files watched;
+  ASSERT_EQ(open(), S_OK);
+  const auto maintenance = table_.query<IOvTableMaintenance>();
+  ASSERT_EQ(table_->AddRow(), S_OK);
+  std::vector<ovtest::call> calls;
+  watched.decide = [&](ovtest::call kind, const ovf::wide&) {
+    if (kind == ovtest::call::write || kind == ovtest::call::sync) calls.push_back(kind);
+    return ovtest::fate::works;
+  };
+  EXPECT_EQ(maintenance->Sync(), S_OK);
+  EXPECT_EQ(calls, (std::vector<ovtest::call>{ovtest::call::write, ovtest::call::sync, ovtest::call::write,
+                                              ovtest::call::sync}));
+  calls.clear();
+  EXPECT_EQ(table_->FlushChanges(), S_OK);
+  EXPECT_TRUE(calls.empty());
+  watched.fail_nth(ovtest::call::sync, 1);
+  EXPECT_REPORT(maintenance->Sync(),
+                ovtest::with_failing_code("OvFile Error: the disk did not take what was written."));
+  watched.fail_nothing();
+  ASSERT_EQ(open(1), S_OK);
+  watched.fail_all(ovtest::call::sync);
+  EXPECT_EQ(maintenance->Sync(), S_OK);
+}
+
 }  // namespace

@@ -2,6 +2,7 @@
 #include "repair_host.h"
 
 #include "recording_filter.h"
+#include "schema/foreign_schema.h"
 
 namespace {
 
@@ -176,6 +177,42 @@ TEST_P(Repair, TheFilterFindsItsColumnsAnew) {
   EXPECT_EQ(table_->IsFilteredIn(0, 2, &passes), S_OK);
   EXPECT_EQ(passes, 1);
   table_ = {};
+}
+
+/// DEPTH alone, from somebody else's schema.
+ovtest::foreign_schema foreign_depth(bool is_double) {
+  ovtest::foreign_schema schema(
+      {{"DEPTH", is_double ? ovColumnDouble : ovColumnSingle, is_double ? 8 : 4, 0, ovtest::variant(-1.0)}});
+  schema.is_double = is_double;
+  return schema;
+}
+
+TEST_P(Repair, AForeignSchemaIsAskedForItsTypesWhereValuesAreRead) {
+  open_rows(3);
+  auto schema = foreign_depth(GetParam());
+  EXPECT_EQ(table_->Repair(&schema), S_OK);
+  EXPECT_EQ(numbers(1), (std::vector<double>{1, 2}));
+  EXPECT_EQ(schema.types_told, 3);
+}
+
+TEST_P(Repair, AForeignSchemaThatTellsTwoTypesIsRefused) {
+  open_rows(3);
+  const bytes before = content();
+  auto schema = foreign_depth(GetParam());
+  schema.true_types = 2;
+  EXPECT_REPORT(table_->Repair(&schema), "Repair failed, mismatched field types");
+  EXPECT_EQ(content(), before);
+  EXPECT_EQ(left_behind(), std::set<std::string>{"table.ovt"});
+}
+
+TEST_P(Repair, ATypeThatNothingNeedsIsNotAskedFor) {
+  open_rows(1);
+  auto schema = foreign_depth(GetParam());
+  schema.true_types = 1;
+  EXPECT_EQ(table_->Repair(&schema), S_OK);
+  EXPECT_EQ(rows(), 0);
+  EXPECT_EQ(table_->Repair(&schema), S_OK);
+  EXPECT_EQ(schema.types_told, 1);
 }
 
 /// The copy's fields would take each other's values if one were missing.

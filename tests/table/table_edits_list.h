@@ -16,6 +16,7 @@ struct table_edit {
   std::string no_copy;       ///< the words when no copy can be made, or their beginning
   std::string not_replaced;  ///< the same when the copy is refused its place
   std::string not_reopened;  ///< the same
+  bool opens_first = false;  ///< the file is opened again before anything else
 };
 
 inline std::ostream& operator<<(std::ostream& out, const table_edit& edit) { return out << edit.name; }
@@ -44,7 +45,7 @@ inline std::vector<table_edit> table_edits() {
   return {
       {"Sort", false, [](IOvTable* table, IOvTableADO*) { return table->Sort(2, VARIANT_FALSE); },
        "DeleteRow failed, creating temp file",
-       "Sort failed. Could not delete temp file: ", "Sort failed, new table invalid"},
+       "Sort failed. Could not delete temp file: ", "Sort failed, new table invalid", true},
       {"Repair", false, [](IOvTable* table, IOvTableADO*) { return table->Repair(more_holes().get()); },
        "Repair failed, creating temp table object",
        "Repair failed. Could not delete temp file: ", "DeleteColumns failed, new table invalid"},

@@ -3,9 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include "base/file.h"
 #include "engine/open_table.h"
 #include "ovfile/smart.h"
-#include "platform/file.h"
 #include "support/failing_files.h"
 #include "support/scratch_folder.h"
 #include "support/table_bytes.h"
