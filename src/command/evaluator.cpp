@@ -1,13 +1,15 @@
 #include "evaluator.h"
 
+#include <new>
+
 namespace command {
 
 ovfile::pointer<IOvFilter> new_evaluator() {
   ovfile::pointer<IOvFilter> made;
   void* object = nullptr;
-  if (SUCCEEDED(CoCreateInstance(CLSID_OvFilter, nullptr, CLSCTX_ALL, IID_IOvFilter, &object))) {
-    *made.out() = static_cast<IOvFilter*>(object);
-  }
+  const HRESULT status = CoCreateInstance(CLSID_OvFilter, nullptr, CLSCTX_ALL, IID_IOvFilter, &object);
+  if (status == E_OUTOFMEMORY) throw std::bad_alloc();
+  if (SUCCEEDED(status)) *made.out() = static_cast<IOvFilter*>(object);
   return made;
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <new>
 
 #include "evaluator.h"
 #include "failure.h"
@@ -61,6 +62,7 @@ void give_to_table(IOvTable& table, const std::string& expression) {
   const bool told = GetErrorInfo(0, info.out()) == S_OK && info;
   if (told) SetErrorInfo(0, info.get());
   if (told) fail_as_told(expression);
+  if (status == E_OUTOFMEMORY) throw std::bad_alloc();
   if (FAILED(status)) throw failure(no_evaluator);
 }
 
@@ -93,7 +95,9 @@ row_condition::row_condition(const table_view& view, const std::string& expressi
   if (names.size() > 1 || !first.is_text) return;
   // The table has no values to ask for when the only one is blank, and lets no such row through.
   SHORT passes = 0;
-  if (SUCCEEDED(evaluator->Evaluate(nullptr, &passes)) && passes != 0) blank_passes_ = &first;
+  const HRESULT tested = evaluator->Evaluate(nullptr, &passes);
+  if (tested == E_OUTOFMEMORY) throw std::bad_alloc();
+  if (SUCCEEDED(tested) && passes != 0) blank_passes_ = &first;
 }
 
 bool row_condition::passes() const {

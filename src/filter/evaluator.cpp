@@ -30,7 +30,7 @@ bool is_empty(wide_view expression) noexcept {
 }  // namespace
 
 void evaluator::clear() noexcept {
-  program_ = program{};
+  program_.clear();
   values_.clear();
   stack_.clear();
   texts_.clear();

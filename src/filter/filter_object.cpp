@@ -31,15 +31,18 @@ HRESULT guarded(Body&& body) noexcept {
 
 }  // namespace
 
-filter_object::filter_object() noexcept { ++module_count(); }
+filter_object::filter_object() { ++module_count(); }
 
 filter_object::~filter_object() { --module_count(); }
 
 HRESULT filter_object::create(REFIID iid, void** out) noexcept {
   if (out == nullptr) return E_POINTER;
   *out = nullptr;
-  auto* object = new (std::nothrow) filter_object;
-  if (object == nullptr) return E_OUTOFMEMORY;
+  return guarded([&] { return make(iid, out); });
+}
+
+HRESULT filter_object::make(REFIID iid, void** out) {
+  auto* const object = new filter_object;
   const HRESULT status = object->QueryInterface(iid, out);
   object->Release();
   return status;

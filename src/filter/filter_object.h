@@ -34,8 +34,9 @@ class filter_object final : public IOvFilter, public IOvFilterValues, public ISu
   HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID iid) override;
 
  private:
-  filter_object() noexcept;
+  filter_object();
   ~filter_object();
+  static HRESULT make(REFIID iid, void** out);
 
   std::atomic<ULONG> references_{1};
   evaluator evaluator_;

@@ -58,6 +58,16 @@ struct program {
   std::vector<pattern> patterns;
   std::vector<wide> variables;
   std::size_t deepest_stack = 0;
+
+  /// A new one would need memory.
+  void clear() noexcept {
+    code.clear();
+    constants.clear();
+    texts.clear();
+    patterns.clear();
+    variables.clear();
+    deepest_stack = 0;
+  }
 };
 
 /// Whether the values pass. `variables` has one for each of the program's, `stack` room for one more than
