@@ -1,0 +1,186 @@
+#include "verify/table_check.h"
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <set>
+#include <system_error>
+
+#include "failure.h"
+#include "field_names.h"
+#include "progress.h"
+#include "table_limits.h"
+#include "utf8_path.h"
+#include "words.h"
+
+namespace command {
+namespace {
+
+bool is_whole_number(double value) noexcept { return value >= 0 && value == std::trunc(value); }
+
+void check_counts(const table_header& header, std::vector<finding>& found) {
+  const auto check = [&](double count, const char* what) {
+    if (!is_whole_number(count))
+      found.push_back({fmt::format("the header's {} is no count: {}", what, count)});
+  };
+  check(header.atoms, "number of entries");
+  check(header.pages, "number of pages");
+  check(header.records_in_last, "number of records in the last page");
+}
+
+void check_size(const table_header& header, std::vector<finding>& found) {
+  if (!is_whole_number(header.pages) || header.pages == 0) return;
+  const double counted = header.pages * static_cast<double>(header.page_bytes());
+  const double beyond = static_cast<double>(header.bytes) - counted;
+  if (beyond <= 0) return;
+  found.push_back({fmt::format("{:.0f} bytes follow the last page that the header counts", beyond), false});
+}
+
+/// The words of each field stand side by side, numbered from 1. Those of implicit texts are numbered from 2
+/// by some.
+void check_order(const std::vector<dictionary_entry>& entries, std::vector<finding>& found) {
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    const dictionary_entry& entry = entries[i];
+    const bool goes_on = i > 0 && entries[i - 1].name == entry.name && entry.type == 'A';
+    const double expected = goes_on ? entries[i - 1].ordinal + 1 : 1;
+    if (entry.ordinal == expected || (entry.position == 0 && entry.type == 'A')) continue;
+    found.push_back(
+        {fmt::format("the header has word {} of it where word {} belongs", entry.ordinal, expected), false, 0,
+         entry.name});
+  }
+}
+
+void check_positions(const std::vector<dictionary_entry>& entries, std::vector<finding>& found) {
+  const auto stored = static_cast<double>(
+      std::count_if(entries.begin(), entries.end(), [](const auto& each) { return each.position != 0; }));
+  std::set<double> taken;
+  for (const dictionary_entry& entry : entries) {
+    if (entry.position == 0) continue;
+    if (!is_whole_number(entry.position) || entry.position > stored) {
+      found.push_back({fmt::format("its place {} is not in a record of {} words", entry.position, stored),
+                       true, 0, entry.name});
+    } else if (!taken.insert(entry.position).second) {
+      found.push_back(
+          {fmt::format("its place {} is another column's too", entry.position), true, 0, entry.name});
+    }
+  }
+}
+
+void check_names(const std::vector<dictionary_entry>& entries, bool is_double, std::vector<finding>& found) {
+  constexpr std::size_t longest_double = 24;
+  constexpr std::size_t longest_single = 8;
+  std::set<std::string> names;
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    const dictionary_entry& entry = entries[i];
+    if (i > 0 && entries[i - 1].name == entry.name && entry.type == 'A' && entry.ordinal != 1) continue;
+    const std::string problem = name_problem(entry.name, is_double ? longest_double : longest_single);
+    if (!problem.empty()) found.push_back({"its name is not allowed: " + problem, false, 0, entry.name});
+    if (!names.insert(entry.name).second)
+      found.push_back({"another column has its name", false, 0, entry.name});
+    if (entry.type != 'A' && entry.type != 'N') {
+      found.push_back({"its type is neither that of texts nor that of numbers", false, 0, entry.name});
+    }
+  }
+}
+
+/// What works on tables leaves beside them when it is killed.
+void look_beside(const std::string& file, std::vector<finding>& found) {
+  std::error_code error;
+  const auto path = path_of_utf8(file);
+  const auto folder = path.has_parent_path() ? path.parent_path() : std::filesystem::path(".");
+  for (std::filesystem::directory_iterator at(folder, error), end; !error && at != end; at.increment(error)) {
+    const std::string name = utf8_of_path(at->path().filename());
+    const bool is_copy = name.starts_with(".NEW") || (name.starts_with("NEW") && name.ends_with(".tmp"));
+    if (is_copy) found.push_back({fmt::format("beside it lies {}, of work that was cut off", name), false});
+  }
+}
+
+/// The bytes that Windows-1252 leaves free come as control characters of the same numbers.
+bool is_outside(const std::string& utf8) {
+  for (const char* const sign : {"\xC2\x81", "\xC2\x8D", "\xC2\x8F", "\xC2\x90", "\xC2\x9D"}) {
+    if (utf8.find(sign) != utf8.npos) return true;
+  }
+  return false;
+}
+
+class row_check {
+ public:
+  row_check(table_view& view, check_result& result) : view_(view), result_(result) {}
+
+  void run() {
+    progress bar("reading " + view_.file());
+    for (LONG row = 1; row <= result_.rows_in_file; ++row) {
+      try {
+        view_.go_to(row);
+        for (const field_view& field : view_.fields()) look_at(field, row);
+      } catch (const failure& error) {
+        result_.lost.push_back(row);
+        result_.findings.push_back({error.what(), true, row});
+      }
+      bar.at(static_cast<std::uint64_t>(row), static_cast<std::uint64_t>(result_.rows_in_file));
+    }
+  }
+
+ private:
+  void look_at(const field_view& field, LONG row) {
+    if (field.implicit) return;
+    if (!field.is_text) {
+      const double number = view_.number(field);
+      if (std::isfinite(number)) return;
+      const char* const what = std::isnan(number) ? "the number is no number" : "the number is infinite";
+      result_.findings.push_back({what, true, row, field.name});
+      return;
+    }
+    text_.clear();
+    view_.append_text(text_, field);
+    if (is_outside(text_))
+      result_.findings.push_back({"the text has bytes outside the code page", true, row, field.name});
+  }
+
+  table_view& view_;
+  check_result& result_;
+  std::string text_;
+};
+
+}  // namespace
+
+bool check_result::is_whole() const noexcept {
+  return std::none_of(findings.begin(), findings.end(), [](const finding& each) { return each.is_damage; });
+}
+
+std::vector<finding> check_header(const table_header& header) {
+  std::vector<finding> found;
+  if (header.is_cut) found.push_back({"the file ends within the header"});
+  check_counts(header, found);
+  check_size(header, found);
+  check_order(header.entries, found);
+  check_positions(header.entries, found);
+  check_names(header.entries, header.is_double, found);
+  return found;
+}
+
+check_result check_table(const std::string& file) {
+  check_result result;
+  try {
+    result.findings = check_header(read_table_header(file));
+  } catch (const not_a_table&) {
+    result.findings.push_back({"it has no table's mark"});
+    return result;
+  }
+  look_beside(file, result.findings);
+  try {
+    table_view view(file);
+    result.rows = view.rows();
+    result.rows_in_file = view.rows_in_file();
+    if (result.rows_in_file < result.rows) {
+      result.findings.push_back({fmt::format("the file ends behind row {}; its header promises {}",
+                                             result.rows_in_file, result.rows)});
+    }
+    row_check(view, result).run();
+  } catch (const failure& error) {
+    result.findings.push_back({fmt::format("it cannot be opened: {}", error.what())});
+  }
+  return result;
+}
+
+}  // namespace command

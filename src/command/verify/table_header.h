@@ -1,0 +1,38 @@
+// A table's header as its bytes have it. The library reads over much that is wrong there; whoever looks for
+// faults needs eyes of his own.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace command {
+
+/// One word of a field: seven words of the header.
+struct dictionary_entry {
+  std::string name;  ///< without blanks at its end, UTF-8
+  char type;         ///< A for text, N for a number, as it stands there
+  double position;   ///< of the word in a record, from 1; 0 for an implicit field
+  double ordinal;    ///< of the word in its field, from 1
+};
+
+struct table_header {
+  bool is_double = false;
+  std::uint64_t bytes = 0;     ///< of the file
+  double atoms = 0;            ///< dictionary entries
+  double pages = 0;            ///< of the file, header pages included
+  double records_in_last = 0;  ///< records in the last page
+  bool is_cut = false;         ///< the file ends within the header
+  std::vector<dictionary_entry> entries;
+
+  std::uint64_t page_bytes() const noexcept { return is_double ? 4096 : 2048; }
+  std::uint64_t header_pages() const noexcept;
+  /// Words of a record.
+  std::uint64_t record_words() const noexcept;
+};
+
+/// Throws `failure` where the file cannot be read, and `not_a_table` where it has no table's mark.
+table_header read_table_header(const std::string& file);
+struct not_a_table {};
+
+}  // namespace command

@@ -1,0 +1,135 @@
+// ovfile verify: whether tables are whole, and what can be saved of one that is not.
+#include <algorithm>
+#include <memory>
+
+#include "commands.h"
+#include "failure.h"
+#include "replacement.h"
+#include "text_output.h"
+#include "verify/salvage.h"
+#include "verify/table_check.h"
+#include "words.h"
+
+namespace command {
+namespace {
+
+constexpr const char* verify_help =
+    "Tells whether tables are whole: the header, its columns, the length of the file, every row. With "
+    "--salvage\n"
+    "what can be read of one is written to a new table. Exit status: 0 whole, 1 not, 2 failed.";
+
+struct verify_request {
+  std::vector<std::string> tables;
+  std::string target;
+  bool json = false;
+};
+
+/// So many of one kind are told; a table that was cut in its middle has thousands.
+constexpr std::size_t most_told = 50;
+
+/// Rows as ranges: "3, 10-20".
+std::string listed(const std::vector<LONG>& rows) {
+  std::vector<std::string> ranges;
+  for (std::size_t i = 0; i < rows.size();) {
+    std::size_t last = i;
+    while (last + 1 < rows.size() && rows[last + 1] == rows[last] + 1) ++last;
+    ranges.push_back(i == last ? std::to_string(rows[i]) : fmt::format("{}-{}", rows[i], rows[last]));
+    i = last + 1;
+  }
+  return joined(ranges, ", ");
+}
+
+std::string place_of(const finding& found) {
+  std::string place;
+  if (found.row != 0) place += fmt::format(", row {}", found.row);
+  if (!found.column.empty()) place += ", column " + found.column;
+  return place;
+}
+
+void append_words(std::string& out, const std::string& file, const check_result& result) {
+  out += fmt::format("{}: {}, {}\n", file, result.is_whole() ? "whole" : "not whole",
+                     counted(result.rows_in_file - static_cast<long long>(result.lost.size()), "row"));
+  for (std::size_t i = 0; i < result.findings.size() && i < most_told; ++i) {
+    const finding& found = result.findings[i];
+    out += fmt::format("  {}{}{}: {}\n", found.is_damage ? "" : "note: ", file, place_of(found), found.what);
+  }
+  if (result.findings.size() > most_told)
+    out += fmt::format("  and {} more\n", result.findings.size() - most_told);
+}
+
+void append_json(std::string& out, const std::string& file, const check_result& result) {
+  out += fmt::format("{{\"file\": {}, \"whole\": {}, \"rows\": {}, \"rows_in_file\": {}, \"findings\": [",
+                     json_text(file), result.is_whole(), result.rows, result.rows_in_file);
+  for (std::size_t i = 0; i < result.findings.size(); ++i) {
+    const finding& found = result.findings[i];
+    out += fmt::format("{}{{\"what\": {}, \"damage\": {}", i == 0 ? "" : ", ", json_text(found.what),
+                       found.is_damage);
+    if (found.row != 0) out += fmt::format(", \"row\": {}", found.row);
+    if (!found.column.empty()) out += ", \"column\": " + json_text(found.column);
+    out += '}';
+  }
+  out += "]}";
+}
+
+void report_lost(const std::string& file, const check_result& result, const std::string& target, LONG rows) {
+  std::vector<LONG> lost = result.lost;
+  std::string words = fmt::format("{} of {} went to {}", rows, counted(result.rows, "row"), target);
+  std::vector<std::string> missing;
+  if (!lost.empty()) missing.push_back(listed(lost));
+  if (result.rows_in_file < result.rows) {
+    missing.push_back(fmt::format("{}-{}", result.rows_in_file + 1, result.rows));
+  }
+  if (!missing.empty()) words += fmt::format("; of {} these are lost: {}", file, joined(missing, ", "));
+  say(words);
+}
+
+bool verify_all(const verify_request& request) {
+  text_output output(request.json ? meant_for::programs : meant_for::people);
+  bool all_whole = true;
+  if (request.json) output.text() += '[';
+  for (std::size_t i = 0; i < request.tables.size(); ++i) {
+    const std::string& file = request.tables[i];
+    const check_result result = check_table(file);
+    all_whole = all_whole && result.is_whole();
+    if (request.json) {
+      output.text() += i == 0 ? "" : ",\n ";
+      append_json(output.text(), file, result);
+    } else {
+      append_words(output.text(), file, result);
+    }
+    if (!request.target.empty())
+      report_lost(file, result, request.target, salvage(file, result, request.target));
+  }
+  if (request.json) output.text() += "]\n";
+  output.finish();
+  return all_whole;
+}
+
+void run_verify(const verify_request& request) {
+  if (!request.target.empty() && request.tables.size() > 1) throw wrong_usage("--salvage is for one table");
+  if (!request.target.empty() && same_file(request.tables.front(), request.target)) {
+    throw wrong_usage("the table and what is saved of it are one file: " + request.target);
+  }
+  bool all_whole = false;
+  try {
+    all_whole = verify_all(request);
+  } catch (const failure& error) {
+    throw no_comparison(error.what());
+  }
+  if (!all_whole) throw difference();
+}
+
+}  // namespace
+
+void define_verify(const verb& program) {
+  auto request = std::make_shared<verify_request>();
+  const verb this_verb =
+      program.add_verb("verify", "Tell whether tables are whole, and save what can be read");
+  this_verb.footer(verify_help);
+  this_verb.add_arguments("tables", request->tables, "table files").required();
+  this_verb.add_option("--salvage", request->target, "a new table for what can be read").type_name("TABLE");
+  this_verb.add_flag("--json", request->json, "as JSON");
+  this_verb.callback([request] { run_verify(*request); });
+}
+
+}  // namespace command

@@ -1,0 +1,139 @@
+#include <cstring>
+
+#include <nlohmann/json.hpp>
+
+#include "command/command_test.h"
+#include "support/shared_data.h"
+
+namespace {
+
+using names = std::vector<std::string>;
+
+class verify_test : public ovtest::command_test {
+ protected:
+  /// A table of 600 rows: a number and a text; two pages of 254 and one of 92.
+  void SetUp() override {
+    command_test::SetUp();
+    std::string csv = "A,B\n";
+    for (int i = 1; i <= 600; ++i) csv += std::to_string(i) + ",ab\n";
+    round_trip(csv);
+    table_ = read("t.ovt");
+  }
+
+  void put(std::size_t word, double number) {
+    std::memcpy(table_.data() + word * 8, &number, sizeof number);
+    write("t.ovt", table_);
+  }
+
+  void expect(int status, const std::string& words) const {
+    const ovtest::process_result end = run({"verify", "t.ovt"});
+    EXPECT_EQ(end.status, status) << end.error;
+    EXPECT_EQ(end.output, words);
+  }
+
+  std::string table_;
+};
+
+constexpr std::size_t first_record = 512;  // behind the header page, in words
+
+TEST_F(verify_test, a_whole_table_is_whole) { expect(0, "t.ovt: whole, 600 rows\n"); }
+
+TEST_F(verify_test, several_tables_are_told_one_by_one) {
+  round_trip("A\n1\n");
+  EXPECT_EQ(run_quietly({"verify", "t.ovt", "t.ovt"}), "t.ovt: whole, 1 row\nt.ovt: whole, 1 row\n");
+}
+
+TEST_F(verify_test, a_file_that_was_cut_off_lacks_rows) {
+  write("t.ovt", table_.substr(0, 3 * 4096));
+  expect(1,
+         "t.ovt: not whole, 508 rows\n"
+         "  t.ovt: the file ends behind row 508; its header promises 600\n");
+}
+
+TEST_F(verify_test, a_number_that_is_none_is_told_by_row) {
+  const std::uint64_t none = 0x7FF8000000000000;
+  std::memcpy(table_.data() + (first_record + 2 * 4) * 8, &none, 8);
+  write("t.ovt", table_);
+  expect(1,
+         "t.ovt: not whole, 600 rows\n"
+         "  t.ovt, row 5, column A: the number is no number\n");
+}
+
+TEST_F(verify_test, a_text_outside_the_code_page_is_told_by_row) {
+  table_[(first_record + 2 * 4 + 1) * 8] = '\x81';
+  write("t.ovt", table_);
+  expect(1,
+         "t.ovt: not whole, 600 rows\n"
+         "  t.ovt, row 5, column B: the text has bytes outside the code page\n");
+}
+
+TEST_F(verify_test, places_that_two_columns_share_are_told) {
+  put(28 + 7 + 3, 1);  // of the second column's word
+  expect(1,
+         "t.ovt: not whole, 0 rows\n"
+         "  t.ovt, column B: its place 1 is another column's too\n"
+         "  t.ovt: it cannot be opened: t.ovt: Not a valid orvexa table\n");
+}
+
+TEST_F(verify_test, the_order_of_words_is_looked_at) {
+  put(28 + 4, 3);
+  expect(0,
+         "t.ovt: whole, 600 rows\n"
+         "  note: t.ovt, column A: the header has word 3 of it where word 1 belongs\n");
+}
+
+TEST_F(verify_test, bytes_behind_the_last_page_are_no_harm) {
+  write("t.ovt", table_ + std::string(100, '\0'));
+  expect(0,
+         "t.ovt: whole, 600 rows\n"
+         "  note: t.ovt: 100 bytes follow the last page that the header counts\n");
+}
+
+TEST_F(verify_test, what_was_left_beside_it_is_told) {
+  write(".NEW0123456789.tmp", "x");
+  expect(0,
+         "t.ovt: whole, 600 rows\n"
+         "  note: t.ovt: beside it lies .NEW0123456789.tmp, of work that was cut off\n");
+}
+
+TEST_F(verify_test, what_is_no_table_is_not_whole) {
+  write("t.ovt", "text");
+  expect(1, "t.ovt: not whole, 0 rows\n  t.ovt: it has no table's mark\n");
+}
+
+TEST_F(verify_test, what_cannot_be_read_is_a_failure) {
+  const ovtest::process_result end = run({"verify", "missing.ovt"});
+  EXPECT_EQ(end.status, 2);
+  EXPECT_NE(end.error.find("missing.ovt"), end.error.npos);
+}
+
+TEST_F(verify_test, json_has_the_same) {
+  write("t.ovt", table_.substr(0, 3 * 4096));
+  const ovtest::process_result end = run({"verify", "t.ovt", "--json"});
+  EXPECT_EQ(end.status, 1);
+  const auto found = nlohmann::json::parse(end.output);
+  ASSERT_EQ(found.size(), 1U);
+  EXPECT_EQ(found[0]["file"], "t.ovt");
+  EXPECT_EQ(found[0]["whole"], false);
+  EXPECT_EQ(found[0]["rows"], 600);
+  EXPECT_EQ(found[0]["rows_in_file"], 508);
+  EXPECT_EQ(found[0]["findings"].size(), 1U);
+}
+
+TEST_F(verify_test, what_can_be_read_is_saved) {
+  const std::uint64_t none = 0x7FF8000000000000;
+  std::memcpy(table_.data() + (first_record + 2 * 4) * 8, &none, 8);
+  write("t.ovt", table_.substr(0, 3 * 4096));
+  const ovtest::process_result end = run({"verify", "t.ovt", "--salvage", "saved.ovt"});
+  EXPECT_EQ(end.status, 1);
+  EXPECT_EQ(end.error, "ovfile: 508 of 600 rows went to saved.ovt; of t.ovt these are lost: 509-600\n");
+  EXPECT_EQ(run_quietly({"verify", "saved.ovt"}), "saved.ovt: whole, 508 rows\n");
+  EXPECT_EQ(run_quietly({"head", "saved.ovt", "-n", "2", "--from", "4"}), "A  B\n4  ab\n   ab\n");
+}
+
+TEST_F(verify_test, a_table_is_not_saved_into_itself) {
+  expect_wrong_usage({"verify", "t.ovt", "--salvage", "./t.ovt"},
+                     "the table and what is saved of it are one file: ./t.ovt");
+}
+
+}  // namespace
