@@ -1,12 +1,14 @@
 #include "arguments.h"
 
 #include <CLI/CLI.hpp>
+#include <cctype>
 #include <charconv>
 #include <sstream>
 #include <system_error>
 #include <utility>
 
 #include "failure.h"
+#include "field_names.h"
 #include "words.h"
 
 namespace command {
@@ -26,6 +28,60 @@ CLI::Validator whole_number(number_range range) {
     return {};
   };
   return {problem, {}};
+}
+
+std::string unknown(const std::string& word, const std::string& what, const std::vector<std::string>& known) {
+  const std::vector<std::string> nearest = names_near(known, word);
+  return fmt::format("{} is no {}{}", word, what,
+                     nearest.empty() ? "" : fmt::format("; the nearest is {}", joined(nearest, " or ")));
+}
+
+std::vector<std::string> verbs_of(const CLI::App& program) {
+  std::vector<std::string> names;
+  for (const CLI::App* each : program.get_subcommands([](const CLI::App*) { return true; })) {
+    names.push_back(each->get_name());
+  }
+  return names;
+}
+
+const CLI::App* verb_named(const CLI::App& program, const std::string& name) {
+  const auto found =
+      program.get_subcommands([&name](const CLI::App* each) { return each->check_name(name); });
+  return found.empty() ? nullptr : found.front();
+}
+
+std::vector<std::string> options_of(const CLI::App& verb) {
+  std::vector<std::string> names;
+  for (const CLI::Option* each : verb.get_options([](const CLI::Option*) { return true; })) {
+    for (const std::string& name : each->get_lnames()) names.push_back("--" + name);
+  }
+  return names;
+}
+
+/// The first word behind the program's name that is no verb, and no option of the verb before it, with what
+/// is near it; empty where there is none.
+std::string unknown_word(const CLI::App& program, const std::vector<std::string>& words) {
+  const CLI::App* verb = &program;
+  for (std::size_t i = 1; i < words.size() && words[i] != "--"; ++i) {
+    const std::string name = words[i].substr(0, words[i].find('='));
+    if (name.size() > 1 && name.front() == '-') {
+      const CLI::Option* const found = verb->get_option_no_throw(name);
+      const bool is_number = std::isdigit(static_cast<unsigned char>(name[1])) != 0 || name[1] == '.';
+      if (found == nullptr && !is_number) {
+        const std::string of = verb == &program ? "option" : "option of " + verb->get_name();
+        return unknown(name, of, options_of(*verb));
+      }
+      const bool takes_next = found != nullptr && found->get_items_expected_max() > 0 && name == words[i];
+      i += takes_next ? 1 : 0;
+      continue;
+    }
+    const std::vector<std::string> verbs = verbs_of(*verb);
+    if (verbs.empty()) continue;
+    const CLI::App* const found = verb_named(*verb, name);
+    if (found == nullptr) return unknown(name, "command", verbs);
+    verb = found;
+  }
+  return {};
 }
 
 }  // namespace
@@ -154,7 +210,8 @@ std::string argument_parser::run(const std::vector<std::string>& arguments) cons
     std::ostringstream text;
     std::ostringstream complaint;
     if (program_->exit(stopped, text, complaint) == 0) return text.str();
-    throw wrong_usage(std::string(stopped.what()) + " (see --help)");
+    const std::string unknown = unknown_word(*program_, arguments);
+    throw wrong_usage((unknown.empty() ? stopped.what() : unknown) + " (see --help)");
   }
 }
 

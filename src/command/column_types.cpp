@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "decimal.h"
+#include "encoding.h"
 #include "words.h"
 
 namespace command {
@@ -62,29 +63,30 @@ void type_finder::look_at_text(std::size_t index, std::string_view text, std::ui
   utf8_facts facts;
   facts.characters = text.size();
   if (!is_ascii(text)) facts = look_at_utf8(text);
-  if (!facts.valid) valid_utf8_ = false;
-  column.longest_as_utf8 = std::max(column.longest_as_utf8, facts.characters);
-  column.longest_as_1252 = std::max(column.longest_as_1252, text.size());
+  if (!facts.valid) {
+    facts = {false, text.size(), 0};
+    first_1252_.note(line, index + 1, {});
+  }
+  if (facts.characters != text.size()) has_utf8_ = true;
+  column.longest = std::max(column.longest, facts.characters);
   if (!column.is_text) return;
   if (facts.foreign != 0) {
-    problem_as_utf8_.note(
-        line, index + 1,
-        fmt::format("the character U+{:04X} is not in Windows-1252, in which tables keep text",
-                    static_cast<std::uint32_t>(facts.foreign)));
+    problem_.note(line, index + 1,
+                  fmt::format("the character U+{:04X} is not in Windows-1252, in which tables keep text",
+                              static_cast<std::uint32_t>(facts.foreign)));
   }
   if (text.find('\0') != text.npos) problem_.note(line, index + 1, "a table cannot keep a NUL character");
-  if (column.forced_width == 0) return;
-  const auto too_long = [&](std::size_t length) {
-    return fmt::format("the text has {} characters, more than the {} of --text", length, column.forced_width);
-  };
-  if (facts.characters > column.forced_width)
-    problem_as_utf8_.note(line, index + 1, too_long(facts.characters));
-  if (text.size() > column.forced_width) problem_as_1252_.note(line, index + 1, too_long(text.size()));
+  if (column.forced_width != 0 && facts.characters > column.forced_width) {
+    problem_.note(line, index + 1,
+                  fmt::format("the text has {} characters, more than the {} of --text", facts.characters,
+                              column.forced_width));
+  }
 }
+
+cell_problem type_finder::mixed_encodings() const { return has_utf8_ ? first_1252_ : cell_problem(); }
 
 cell_problem type_finder::first_problem() const {
   cell_problem first = problem_;
-  first.note(valid_utf8_ ? problem_as_utf8_ : problem_as_1252_);
   for (const column_type& column : columns_) {
     if (!column.is_text) first.note(column.too_large);
   }
@@ -94,8 +96,7 @@ cell_problem type_finder::first_problem() const {
 std::size_t type_finder::width(std::size_t column) const noexcept {
   const column_type& type = columns_[column];
   if (type.forced_width != 0) return type.forced_width;
-  const std::size_t longest = valid_utf8_ ? type.longest_as_utf8 : type.longest_as_1252;
-  return (std::max<std::size_t>(longest, 1) + 3) / 4 * 4;
+  return (std::max<std::size_t>(type.longest, 1) + 3) / 4 * 4;
 }
 
 }  // namespace command

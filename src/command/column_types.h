@@ -7,8 +7,6 @@
 #include <string_view>
 #include <vector>
 
-#include "encoding.h"
-
 namespace command {
 
 /// A cell's text as a table keeps it: without the blanks and tabs at its end.
@@ -29,9 +27,8 @@ struct column_type {
   bool is_text = false;
   std::size_t forced_width = 0;  ///< in characters; 0: as wide as the longest value
   bool loses_digits = false;     ///< single precision cannot hold all digits of some number
-  std::size_t longest_as_utf8 = 0;
-  std::size_t longest_as_1252 = 0;
-  cell_problem too_large;  ///< for a float; counts only while the column is one of numbers
+  std::size_t longest = 0;       ///< of its texts, in characters
+  cell_problem too_large;        ///< for a float; counts only while the column is one of numbers
 };
 
 class type_finder {
@@ -44,8 +41,9 @@ class type_finder {
   void add_row(const std::vector<std::string_view>& cells, std::uint64_t line);
 
   /// After the last row, or as far as the rows seen so far tell.
-  encoding text_encoding() const noexcept { return valid_utf8_ ? encoding::utf8 : encoding::windows_1252; }
   cell_problem first_problem() const;
+  /// The first cell that is no UTF-8 where others are more than ASCII and are; line 0 where that is not so.
+  cell_problem mixed_encodings() const;
   const std::vector<column_type>& columns() const noexcept { return columns_; }
   /// Characters that a text column needs.
   std::size_t width(std::size_t column) const noexcept;
@@ -57,10 +55,9 @@ class type_finder {
 
   std::vector<column_type> columns_;
   bool single_;
-  bool valid_utf8_ = true;
-  cell_problem problem_;  ///< whatever the encoding
-  cell_problem problem_as_utf8_;
-  cell_problem problem_as_1252_;
+  bool has_utf8_ = false;    ///< beyond ASCII
+  cell_problem first_1252_;  ///< without words
+  cell_problem problem_;
 };
 
 }  // namespace command

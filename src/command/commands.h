@@ -7,7 +7,7 @@
 #define OVFILE_COMMANDS(one)                                                                               \
   one(import) one(info) one(head) one(export) one(stats) one(diff) one(sign) one(schema) one(new) one(set) \
       one(set_default) one(sort) one(delete_rows) one(truncate) one(alter) one(rename) one(add_implicit)   \
-          one(kinds) one(settings) one(setup) one(sql)
+          one(kinds) one(settings) one(setup) one(sql) one(verify)
 
 namespace command {
 

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "failure.h"
+#include "words.h"
 
 namespace command {
 namespace {
@@ -18,6 +19,31 @@ constexpr std::array<bool, 256> ends_cell = [] {
   table[','] = table['\n'] = table['\r'] = true;
   return table;
 }();
+
+/// What a file is that begins like one of those that are taken for a CSV by mistake; null: none of them.
+const char* other_kind(std::string_view start) noexcept {
+  using namespace std::string_view_literals;
+  static constexpr std::pair<std::string_view, const char*> known[] = {
+      {"PK\x03\x04"sv, "a ZIP archive (as the files of spreadsheets are)"},
+      {"PK\x05\x06"sv, "an empty ZIP archive"},
+      {"\xD0\xCF\x11\xE0"sv, "an old file of a spreadsheet"},
+      {"\x1F\x8B"sv, "compressed by gzip"},
+      {"\xFD"
+       "7zXZ\0"sv,
+       "compressed by xz"},
+      {"\x28\xB5\x2F\xFD"sv, "compressed by zstd"},
+      {"7z\xBC\xAF"sv, "a 7z archive"},
+      {"PAR1\x15"sv, "a Parquet file"},
+      {"ARROW1\0"sv, "an Arrow file"},
+      {"SQLite format 3\0"sv, "a database of SQLite"},
+      {"%PDF-"sv, "a PDF"},
+  };
+  for (const auto& [begin, what] : known) {
+    if (start.starts_with(begin)) return what;
+  }
+  const bool is_bzip2 = start.starts_with("BZh") && start.size() >= 10 && start.substr(4, 6) == "1AY&SY";
+  return is_bzip2 ? "compressed by bzip2" : nullptr;
+}
 
 /// Makes one quote of each two, in place; returns the new end.
 char* halve_quotes(char* from, const char* end) {
@@ -58,6 +84,8 @@ void csv_reader::skip_mark() {
   } else if (start.starts_with("\xFF\xFE") || start.starts_with("\xFE\xFF")) {
     throw failure(name_ + ", line 1, column 1: the file is UTF-16; save it as UTF-8");
   }
+  const char* const other = other_kind({buffer_.data(), end_});
+  if (other != nullptr) throw failure(fmt::format("{} is {}, not a CSV", name_, other));
 }
 
 void csv_reader::fill() {

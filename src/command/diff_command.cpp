@@ -45,6 +45,9 @@ bool differ(const diff_request& request, text_output& output) {
   if (request.key.empty()) {
     rows.compare_in_order();
   } else {
+    // What is known of each row takes memory.
+    before.require_whole_file();
+    after.require_whole_file();
     rows.compare_by_key(key_columns(before, after, columns, request.key));
   }
   return out.any();

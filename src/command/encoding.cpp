@@ -51,6 +51,10 @@ utf8_facts look_at_utf8(std::string_view text) {
   return facts;
 }
 
+encoding encoding_of(std::string_view text) {
+  return is_ascii(text) || look_at_utf8(text).valid ? encoding::utf8 : encoding::windows_1252;
+}
+
 void append_wide(ovfile::wide_string& out, std::string_view text, encoding from) {
   if (from == encoding::utf8) {
     ovfile::append_wide(out, text);

@@ -1,4 +1,5 @@
-// The two encodings a CSV may have: UTF-8, and Windows-1252 where it is no UTF-8.
+// The two encodings that a text from outside may have: UTF-8, and Windows-1252 where it is no UTF-8. Each
+// cell of a CSV is taken by itself: files that were put together from several have both.
 #pragma once
 
 #include <string>
@@ -24,6 +25,8 @@ struct utf8_facts {
   char32_t foreign = 0;  ///< the first character that cannot be stored; 0: there is none
 };
 utf8_facts look_at_utf8(std::string_view text);
+
+encoding encoding_of(std::string_view text);
 
 /// A text of either encoding as UTF-16, appended.
 void append_wide(ovfile::wide_string& out, std::string_view text, encoding from);

@@ -5,7 +5,6 @@
 #include "commands.h"
 #include "csv_text.h"
 #include "failure.h"
-#include "number_text.h"
 #include "parquet/parquet_export.h"
 #include "parquet/parquet_file.h"
 #include "progress.h"
@@ -33,12 +32,6 @@ struct export_request {
   std::vector<std::string> partition_by;
   sql_options database;
 };
-
-/// What stands in a CSV for an absent number.
-std::string written_absent(const std::string& word) {
-  if (word == "null") return {};
-  return word == "keep" ? number_text(absent_number) : word;
-}
 
 class csv_exporter {
  public:
@@ -89,12 +82,30 @@ class csv_exporter {
   std::string text_;
 };
 
+/// Names that promise what is not written.
+constexpr std::pair<const char*, const char*> other_formats[] = {
+    {".json", "JSON"},          {".ndjson", "JSON"},
+    {".geojson", "GeoJSON"},    {".xml", "XML"},
+    {".html", "HTML"},          {".xlsx", "a workbook"},
+    {".xls", "a workbook"},     {".ods", "a workbook"},
+    {".tsv", "tabs"},           {".gz", "compressed data"},
+    {".zip", "an archive"},     {".bz2", "compressed data"},
+    {".xz", "compressed data"}, {".zst", "compressed data"},
+    {".arrow", "Arrow"},        {".feather", "Feather"},
+    {".db", "a database"},      {".sqlite", "a database"},
+    {".duckdb", "a database"}};
+
 /// A table must not get lost under the text that is made of it. `table` may be a link's target.
 void check_target(const std::string& table, const std::string& csv) {
   if (csv == "-") return;
   if (same_file(table, csv)) {
     throw wrong_usage(fmt::format("the table and the {} are one file: {}",
                                   is_named_as_parquet(csv) ? "Parquet" : "CSV", csv));
+  }
+  for (const auto& [suffix, what] : other_formats) {
+    if (!ends_in(csv, suffix)) continue;
+    throw wrong_usage(
+        fmt::format("{}: export writes CSV and Parquet, not {}; nothing is written", csv, what));
   }
   if (is_named_as_table(csv)) {
     throw wrong_usage(csv + ": export does not write tables, and the name is a table's; nothing is written");

@@ -4,6 +4,7 @@
 #include <limits>
 #include <memory>
 
+#include "absent.h"
 #include "commands.h"
 #include "failure.h"
 #include "row_condition.h"
@@ -33,6 +34,7 @@ class row_printer {
   row_printer(const head_request& request, table_view& view)
       : request_(request),
         view_(view),
+        absent_(written_absent(request.options.absent)),
         condition_(make_condition(view, request.options.where)),
         fields_(view.choose(request.options.columns)),
         widths_(fields_.size()) {}
@@ -59,7 +61,7 @@ class row_printer {
       if (++passed < request_.from) continue;
       for (std::size_t i = 0; i < fields_.size(); ++i) {
         raw_.clear();
-        view_.append_cell(raw_, fields_[i], request_.options.absent);
+        view_.append_cell(raw_, fields_[i], absent_);
         take(raw_);
         cell(i, fields_[i].is_text);
       }
@@ -97,6 +99,7 @@ class row_printer {
 
   const head_request& request_;
   table_view& view_;
+  std::string absent_;
   std::optional<row_condition> condition_;
   std::vector<field_view> fields_;
   std::vector<std::size_t> widths_;

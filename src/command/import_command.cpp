@@ -41,7 +41,7 @@ void fill(table_writer& writer, csv_input& input, const import_plan& plan) {
   csv_reader reader(input, input.name());
   progress bar("writing");
   std::uint64_t rows = 0;
-  reader.next();  // the header
+  next_header(reader);
   while (reader.next()) {
     if (reader.is_blank() && plan.stored.size() > 1) continue;
     check_cell_count(reader, input.name(), plan.stored.size());

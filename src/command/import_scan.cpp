@@ -6,6 +6,7 @@
 
 #include "column_types.h"
 #include "csv_reader.h"
+#include "encoding.h"
 #include "failure.h"
 #include "field_names.h"
 #include "progress.h"
@@ -15,19 +16,32 @@
 namespace command {
 namespace {
 
-/// The header's cells as UTF-8. A header that is no UTF-8 is Windows-1252.
+/// The header's cells as UTF-8.
 std::vector<std::string> read_header(csv_reader& reader, const std::string& file) {
-  if (!reader.next())
+  if (!next_header(reader))
     throw failure(file + ", line 1, column 1: the file is empty; it needs a line of column names");
-  const auto& cells = reader.cells();
-  const bool utf8 =
-      std::all_of(cells.begin(), cells.end(), [](std::string_view cell) { return look_at_utf8(cell).valid; });
   std::vector<std::string> headers;
-  headers.reserve(cells.size());
-  for (const std::string_view cell : cells) {
-    headers.push_back(to_utf8(cell, utf8 ? encoding::utf8 : encoding::windows_1252));
-  }
+  headers.reserve(reader.cells().size());
+  for (const std::string_view cell : reader.cells()) headers.push_back(to_utf8(cell, encoding_of(cell)));
   return headers;
+}
+
+/// What is probably not what the user wanted.
+void note_oddities(import_plan& plan, const std::string& file, const std::vector<std::string>& headers,
+                   const cell_problem& mixed) {
+  if (mixed.line != 0) {
+    plan.notes.push_back(
+        fmt::format("warning: {} is not UTF-8 as other cells are; such cells are read as Windows-1252",
+                    csv_place(file, mixed.line, mixed.column)));
+  }
+  if (headers.size() != 1) return;
+  for (const auto& [sign, what] :
+       {std::pair(';', "semicolons"), std::pair('\t', "tabs"), std::pair('|', "bars")}) {
+    if (headers.front().find(sign) == std::string::npos) continue;
+    plan.notes.push_back(fmt::format(
+        "warning: {} has {} and no comma in its first line; all of it is one column", file, what));
+    return;
+  }
 }
 
 void refuse_doubled_names(const std::vector<planned_field>& implicits,
@@ -124,6 +138,13 @@ std::vector<planned_field> plan_implicits(const import_request& request, std::si
   return fields;
 }
 
+bool next_header(csv_reader& reader) {
+  while (reader.next()) {
+    if (!reader.is_blank()) return true;
+  }
+  return false;
+}
+
 void check_cell_count(const csv_reader& reader, const std::string& file, std::size_t columns) {
   const std::size_t cells = reader.cells().size();
   if (cells == columns) return;
@@ -153,13 +174,13 @@ import_plan scan_csv(csv_input& input, const import_request& request) {
   type_finder types(headers.size(), request.single);
   force_texts(types, request, headers, plan.stored);
   plan.rows = scan_rows(reader, input, types, headers);
-  plan.text_encoding = types.text_encoding();
   for (std::size_t i = 0; i < headers.size(); ++i) {
     plan.stored[i].is_text = types.columns()[i].is_text;
     if (plan.stored[i].is_text) plan.stored[i].width = types.width(i);
   }
   check_words(request.table, words_needed(plan), plan.single);
   if (plan.single) note_lost_digits(plan, types);
+  note_oddities(plan, input.name(), headers, types.mixed_encodings());
   return plan;
 }
 

@@ -64,7 +64,7 @@ void check_characters(std::string_view text, const std::string& file) {
 /// The name that the library reads in an element, which it looks for in the element's line alone and
 /// whose second quote it looks for one character late; empty where there is none.
 std::string name_in(std::string_view element) {
-  element = element.substr(0, element.find('\n'));
+  if (const std::size_t end = element.find('\n'); end < element.size()) element = element.substr(0, end);
   const std::size_t attribute = element.find("name");
   const std::size_t first = attribute == element.npos ? element.npos : element.find('"', attribute);
   const std::size_t second = first == element.npos ? element.npos : element.find('"', first + 2);

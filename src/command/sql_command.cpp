@@ -10,6 +10,7 @@
 #include "progress.h"
 #include "replacement.h"
 #include "sql/copy_target.h"
+#include "sql/number_texts.h"
 #include "sql/query_table.h"
 #include "sql/sql_database.h"
 #include "sql/sql_options.h"
@@ -68,6 +69,9 @@ void write_to_table(sql_database& database, const sql_request& request, const st
                                joined(own_column_names(shape.columns.size()), ", ")),
                    1);
   std::vector<std::string> notes;
+  if (auto note = note_number_texts(database, statement, "ovfile_rows", shape.columns)) {
+    notes.push_back(*std::move(note));
+  }
   query_table_request made = request.made;
   made.nan_is_absent = request.options.absent_value() == absent_value::nan;
   make_table(database, "ovfile_rows", shape.columns, request.output, made, notes);

@@ -6,6 +6,7 @@
 #include "column_types.h"
 #include "console.h"
 #include "decimal.h"
+#include "encoding.h"
 #include "failure.h"
 #include "words.h"
 
@@ -81,7 +82,7 @@ void table_writer::set_number(LONG column, std::string_view cell) {
 
 void table_writer::set_text(LONG column, std::string_view cell) {
   wide_.clear();
-  append_wide(wide_, cell, plan_.text_encoding);
+  append_wide(wide_, cell, encoding_of(cell));
   const ovfile::text value{ovfile::wide_view(wide_)};
   const HRESULT status = table_->SetColumnString(column, value.get());
   check(status);

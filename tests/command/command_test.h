@@ -83,6 +83,17 @@ class command_test : public testing::Test {
     return run_quietly({"export", "t.ovt"});
   }
 
+  /// Expects a failure of which the system has something to say, in words of its own, behind these.
+  void expect_failure_with_reason(std::vector<std::string> arguments, const std::string& words) const {
+    const process_result result = run(std::move(arguments));
+    const std::string beginning = "ovfile: " + words + ": ";
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.error.substr(0, beginning.size()), beginning);
+    EXPECT_GT(result.error.size(), beginning.size() + 1);
+    EXPECT_EQ(result.error.find('\n'), result.error.size() - 1);
+    EXPECT_EQ(result.output, "");
+  }
+
   const scratch_folder& folder() const { return folder_; }
 
  private:

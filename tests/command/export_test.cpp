@@ -128,4 +128,15 @@ TEST_F(export_test, a_csv_does_not_get_a_tables_name) {
   EXPECT_EQ(files(), (names{"in.csv", "t.ovt", "u.ovt"}));
 }
 
+TEST_F(export_test, a_name_does_not_promise_another_format) {
+  round_trip("A\n1\n");
+  for (const auto& [name, what] : {std::pair("x.json", "JSON"), std::pair("x.XLSX", "a workbook"),
+                                   std::pair("x.csv.gz", "compressed data"), std::pair("x.tsv", "tabs")}) {
+    expect_wrong_usage(
+        {"export", "t.ovt", name},
+        std::string(name) + ": export writes CSV and Parquet, not " + what + "; nothing is written");
+  }
+  EXPECT_EQ(files(), (names{"in.csv", "t.ovt"}));
+}
+
 }  // namespace

@@ -65,11 +65,11 @@ TEST(field_names, many_repeats_stay_within_the_length) {
 }
 
 TEST(field_names, many_equal_and_many_cut_names_take_no_time) {
-  const made_names equal = make(names(100'000, "GRADE"));
-  EXPECT_EQ(equal.fields.back(), "GR100000");
-  names cut(100'000);
+  const made_names equal = make(names(20'000, "GRADE"));
+  EXPECT_EQ(equal.fields.back(), "GR_20000");
+  names cut(20'000);
   for (std::size_t i = 0; i < cut.size(); ++i) cut[i] = "Estimate_" + std::to_string(i);
-  EXPECT_EQ(make(cut).fields.back(), "Es100000");
+  EXPECT_EQ(make(cut).fields.back(), "Est20000");
 }
 
 TEST(field_names, empty_names_are_made_up) {

@@ -68,4 +68,11 @@ TEST_F(head_test, columns_are_aligned_by_characters) {
   EXPECT_EQ(run_quietly({"head", "t.ovt"}), "A    B\n\xC3\xA4\xC3\xB6   1\nxyz  2\n");
 }
 
+TEST_F(head_test, absent_numbers_are_shown_as_export_writes_them) {
+  round_trip("A\n1\n\"\"\n");
+  EXPECT_EQ(run_quietly({"head", "t.ovt", "--absent", "keep"}), "     A\n     1\n-1e+30\n");
+  EXPECT_EQ(run_quietly({"head", "t.ovt", "--absent", "null"}), "A\n1\n \n");
+  EXPECT_EQ(run_quietly({"head", "t.ovt", "--absent", "-"}), "A\n1\n-\n");
+}
+
 }  // namespace

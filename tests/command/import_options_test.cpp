@@ -140,16 +140,16 @@ TEST_F(import_test, as_many_words_as_fit_are_taken) {
 }
 
 TEST_F(import_test, more_words_than_fit_are_refused) {
-  expect_no_table(wide_csv(65),
-                  "t.ovt: the table would need 65 words; a single-precision one holds 64 (a number takes "
-                  "one, a text one for "
-                  "every 4 characters)",
+  expect_no_table(wide_csv(65), "t.ovt: 65 columns are too many; a single-precision table holds at most 64",
                   {"--single"});
   expect_no_table(wide_csv(256),
-                  "t.ovt: the table would need 257 words; a double-precision one holds 256 (a number takes "
-                  "one, a text one "
-                  "for every 4 characters)",
+                  "t.ovt: 257 columns are too many; a double-precision table holds at most 256",
                   {"--implicit", "N=1"});
+  expect_no_table(
+      "A,B\n" + std::string(253, 'x') + ",1\n",
+      "t.ovt: the table would need 65 words; a single-precision one holds 64 (a number takes one, a text "
+      "one for every 4 characters)",
+      {"--single"});
   expect_no_table("A,B\n" + std::string(1021, 'x') + ",1\n",
                   "t.ovt: the table would need 257 words; a double-precision one holds 256 (a number takes "
                   "one, a text one "

@@ -12,6 +12,24 @@ TEST_F(import_test, a_character_outside_windows_1252_stops) {
       "in.csv, line 3, column 2 (B): the character U+03B1 is not in Windows-1252, in which tables keep text");
 }
 
+TEST_F(import_test, what_is_no_text_is_told_by_what_it_is) {
+  using namespace std::string_literals;
+  expect_no_table("PK\x03\x04 and more",
+                  "in.csv is a ZIP archive (as the files of spreadsheets are), not a CSV");
+  expect_no_table("\x1F\x8B\x08\0"s, "in.csv is compressed by gzip, not a CSV");
+  expect_no_table("BZh91AY&SY..", "in.csv is compressed by bzip2, not a CSV");
+  expect_no_table("PAR1\x15\x04", "in.csv is a Parquet file, not a CSV");
+  expect_no_table("SQLite format 3\0"s, "in.csv is a database of SQLite, not a CSV");
+  expect_no_table("\xD0\xCF\x11\xE0\xA1\xB1", "in.csv is an old file of a spreadsheet, not a CSV");
+}
+
+TEST_F(import_test, a_table_does_not_go_to_standard_output) {
+  write("in.csv", "A\n1\n");
+  expect_wrong_usage({"import", "in.csv", "-"},
+                     "-: this is not written to standard output; ./- is a file of that name");
+  EXPECT_EQ(files(), names{"in.csv"});
+}
+
 TEST_F(import_test, a_nul_character_stops) {
   expect_no_table(std::string("A,B\n1,x\0y\n", 10),
                   "in.csv, line 2, column 2 (B): a table cannot keep a NUL character");
@@ -51,9 +69,7 @@ TEST_F(import_test, a_file_that_is_not_there_is_named) {
 
 TEST_F(import_test, a_folder_that_is_not_there_is_no_place_for_a_table) {
   write("in.csv", "A\n1\n");
-  const ovtest::process_result result = run({"import", "in.csv", "none/t.ovt"});
-  EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.error, "ovfile: cannot create none/t.ovt: No such file or directory\n");
+  expect_failure_with_reason({"import", "in.csv", "none/t.ovt"}, "cannot create none/t.ovt");
   EXPECT_EQ(files(), names{"in.csv"});
 }
 

@@ -82,9 +82,36 @@ TEST_F(import_test, utf8_text_is_kept) {
 }
 
 TEST_F(import_test, what_is_no_utf8_is_windows_1252) {
-  EXPECT_EQ(round_trip("N\xF6,B\nM\xFCnze,1\n\x80\x80\x80\x80,2\nz\xC3\xBC,3\n"),
-            "N\xC3\xB6,B\nM\xC3\xBCnze,1\n\xE2\x82\xAC\xE2\x82\xAC\xE2\x82\xAC\xE2\x82\xAC,"
-            "2\nz\xC3\x83\xC2\xBC,3\n");
+  EXPECT_EQ(round_trip("N\xF6,B\nM\xFCnze,1\n\x80\x80\x80\x80,2\n"),
+            "N\xC3\xB6,B\nM\xC3\xBCnze,1\n\xE2\x82\xAC\xE2\x82\xAC\xE2\x82\xAC\xE2\x82\xAC,2\n");
+}
+
+TEST_F(import_test, a_cell_that_is_no_utf8_leaves_the_others_as_they_are) {
+  write("in.csv", "N,B\nM\xC3\xBCnze,1\nM\xFCnze,2\nz,3\n");
+  const ovtest::process_result end = run({"import", "in.csv", "t.ovt"});
+  EXPECT_EQ(end.status, 0);
+  EXPECT_EQ(
+      end.error,
+      "ovfile: warning: in.csv, line 3, column 1 is not UTF-8 as other cells are; such cells are read as "
+      "Windows-1252\n");
+  EXPECT_EQ(run_quietly({"export", "t.ovt"}), "N,B\nM\xC3\xBCnze,1\nM\xC3\xBCnze,2\nz,3\n");
+}
+
+TEST_F(import_test, lines_without_a_character_stand_before_the_names) {
+  EXPECT_EQ(round_trip("\n\r\nA,B\n1,x\n"), "A,B\n1,x\n");
+}
+
+TEST_F(import_test, other_signs_between_cells_are_told) {
+  for (const auto& [csv, what] : {std::pair("A;B\n1;2\n", "semicolons"), std::pair("A\tB\n1\t2\n", "tabs"),
+                                  std::pair("A|B\n1|2\n", "bars")}) {
+    write("in.csv", csv);
+    const ovtest::process_result end = run({"import", "in.csv", "t.ovt"});
+    EXPECT_EQ(end.status, 0);
+    EXPECT_NE(end.error.find("ovfile: warning: in.csv has " + std::string(what) +
+                             " and no comma in its first line; all of it is one column\n"),
+              end.error.npos)
+        << end.error;
+  }
 }
 
 TEST_F(import_test, a_table_that_was_there_is_replaced) {

@@ -143,8 +143,7 @@ TEST_F(new_template_test, a_failure_keeps_the_table_that_was_there) {
 }
 
 TEST_F(new_template_test, a_folder_that_is_not_there_is_no_place_for_a_table) {
-  expect_failure({"new", "none/t.ovt", "--template", "points"},
-                 "cannot create none/t.ovt: No such file or directory");
+  expect_failure_with_reason({"new", "none/t.ovt", "--template", "points"}, "cannot create none/t.ovt");
 }
 
 }  // namespace

@@ -95,8 +95,7 @@ TEST_F(parquet_export_test, a_folder_is_no_file_to_write) {
   make_table("A\n1\n");
   std::filesystem::create_directory(folder() / "out.parquet");
   expect_failure({"export", "t.ovt", "out.parquet"}, "cannot write out.parquet: it is not a regular file");
-  expect_failure({"export", "t.ovt", "none/out.parquet"},
-                 "cannot create none/out.parquet: No such file or directory");
+  expect_failure_with_reason({"export", "t.ovt", "none/out.parquet"}, "cannot create none/out.parquet");
 }
 
 TEST_F(parquet_export_test, a_table_without_columns_cannot_go_out) {

@@ -8,7 +8,7 @@ using program_test = ovtest::command_test;
 constexpr const char* commands[] = {"import",      "info",     "head",  "export", "stats",        "diff",
                                     "sign",        "schema",   "new",   "set",    "default",      "sort",
                                     "delete-rows", "truncate", "alter", "rename", "add-implicit", "kinds",
-                                    "settings",    "sql",      "setup"};
+                                    "settings",    "sql",      "setup", "verify"};
 
 TEST_F(program_test, help_names_every_command) {
   const std::string help = run_quietly({"--help"});
@@ -48,6 +48,18 @@ TEST_F(program_test, wrong_usage_is_status_2) {
     EXPECT_EQ(result.error.find('\n'), result.error.size() - 1) << result.error;
   }
   EXPECT_EQ(files(), std::vector<std::string>{});
+}
+
+TEST_F(program_test, what_is_misspelt_is_told_with_what_is_near) {
+  round_trip("A\n1\n");
+  expect_wrong_usage({"heed", "t.ovt"}, "heed is no command; the nearest is head (see --help)");
+  expect_wrong_usage({"xyzzy"}, "xyzzy is no command (see --help)");
+  expect_wrong_usage({"head", "t.ovt", "--rws", "3"},
+                     "--rws is no option of head; the nearest is --rows (see --help)");
+  expect_wrong_usage({"head", "t.ovt", "--colunms=A"},
+                     "--colunms is no option of head; the nearest is --columns (see --help)");
+  expect_wrong_usage({"head", "t.ovt", "-q", "3"}, "-q is no option of head (see --help)");
+  expect_wrong_usage({"--verion"}, "--verion is no option; the nearest is --version (see --help)");
 }
 
 }  // namespace

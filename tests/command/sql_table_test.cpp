@@ -204,6 +204,28 @@ TEST_F(sql_table_test, a_csv_can_be_made_of_itself) {
   EXPECT_EQ(files(), ovtest::names{"a.csv"});
 }
 
+TEST_F(sql_table_test, numbers_that_a_union_of_csv_files_makes_text_are_told) {
+  write("a.csv", "BHID,CU,NI\nA,1.5,7\n");
+  write("b.csv", "BHID,CU,NI\nB,,\n");
+  const std::string both = "select * from 'a.csv' union all by name select * from 'b.csv'";
+  const auto result = run({"sql", both, "--output", "u.ovt"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(
+      result.error,
+      "ovfile: the columns CU, NI are text, though each value reads as a number: cast(CU as double) makes "
+      "numbers\n");
+  EXPECT_EQ(fields(), (names{"BHID:text:4", "CU:text:4", "NI:text:4"}));
+}
+
+TEST_F(sql_table_test, texts_are_taken_for_texts_where_one_is_no_number) {
+  write("a.csv", "BHID,CU\nA,<1\nB,2\n");
+  EXPECT_EQ(made("from 'a.csv'"), "BHID,CU\nA,<1\nB,2\n");
+  write("b.csv", "BHID,CU\nA,\n");
+  EXPECT_EQ(made("from 'b.csv'"), "BHID,CU\nA,\n");
+  make_table("t.ovt", "ID,CU\nX1,1\n");
+  EXPECT_EQ(made("select substr(ID, 2) as ID from 't.ovt'"), "ID\n1\n");
+}
+
 TEST_F(sql_table_test, a_million_rows_come_back_equal) {
   const std::string rows =
       "select i as I, i % 7 as M, 'text ' || (i % 1000) as T, "

@@ -6,6 +6,7 @@
 #include "duckdb/duckdb_library.h"
 #include "failure.h"
 #include "private_folder.h"
+#include "sql/piped_input.h"
 #include "sql/read_ovt.h"
 #include "sql/scan_failure.h"
 #include "sql/sql_failure.h"
@@ -132,7 +133,8 @@ void sql_database::show(const std::string& title) { body_->watch->show(title); }
 row_count& sql_database::rows() noexcept { return body_->rows; }
 
 std::string sql_database::settled(const std::string& statement) {
-  if (!body_->is_several(statement)) return statement;
+  const bool is_read_once = names_a_pipe(statement) && begins_as_query(statement);
+  if (!is_read_once && !body_->is_several(statement)) return statement;
   execute("create temp table ovfile_settled as (\n" + statement + "\n)", 1);
   return "from ovfile_settled";
 }
@@ -158,7 +160,8 @@ sql_result sql_database::run(const std::string& statement, std::size_t own_lines
   duckdb::status status = duckdb::status::done;
   body_->rows.start_again();
   body_->scans.forget();
-  if (body_->is_several(statement)) {
+  // What reads a pipe would read it when it is prepared, and find nothing left when it runs.
+  if (body_->is_several(statement) || names_a_pipe(statement)) {
     throw_if_interrupted();
     status = library.query(body_->connection, statement.c_str(), &result);
   } else {

@@ -52,8 +52,9 @@ class sql_database {
   /// them while it runs.
   row_count& rows() noexcept;
 
-  /// A statement that gives the same rows and that the calls below take. There are such of which the library
-  /// makes several, PIVOT for one, which first has to find the names of its columns: their rows are made now.
+  /// A statement that gives the same rows and that the calls below take, several times. There are such of
+  /// which the library makes several, PIVOT for one, which first has to find the names of its columns, and
+  /// such that read a pipe: their rows are made now.
   std::string settled(const std::string& statement);
   /// Looks at one statement without running it.
   sql_shape shape_of(const std::string& statement);
