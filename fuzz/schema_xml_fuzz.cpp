@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "base/text.h"
 #include "ovfile/smart.h"
-#include "platform/text.h"
 #include "require.h"
 
 namespace {
