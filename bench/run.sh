@@ -9,7 +9,7 @@ programs=${1:-$root/build/release}/bin
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
 status=0
-for name in opening memory walk append filter ranges sort sign stream; do
+for name in opening memory walk append scattered filter ranges sort sign stream; do
   program=$programs/bench_$name
   if [ ! -x "$program" ]; then
     echo "bench: $program is not there; build the preset \`release\` first" >&2

@@ -84,9 +84,10 @@ def files_left(folders):
     return [str(path) for folder in folders if folder.is_dir() for path in folder.rglob("*")]
 
 
-def tests(preset, chosen=None, *, with_duckdb=True):
+def tests(preset, chosen=None, *, with_duckdb=True, soak=3):
     """A step in which every test of a built preset counts by itself, and one check more: that nothing is left in the
-    folders for temporary files. `chosen` is a regular expression of ctest's names."""
+    folders for temporary files. `chosen` is a regular expression of ctest's names; `soak` is for how many seconds
+    programs work on one table at once."""
 
     def work(report):
         if not (BUILD / preset / "CTestTestfile.cmake").exists():
@@ -98,8 +99,9 @@ def tests(preset, chosen=None, *, with_duckdb=True):
         # Some tests wait for the disk or the clock.
         words = ["ctest", "--preset", preset, "-j", str(report.processors + 1),
                  "--output-junit", str(results / "all.xml")]
-        status = report.run(words + (["-R", chosen] if chosen else []), log_of(report.name), FAILED_START,
-                            {"TMPDIR": str(temporary), **(duckdb(preset) if with_duckdb else {})})
+        environment = {"TMPDIR": str(temporary), **(duckdb(preset) if with_duckdb else {}),
+                       "OVFILE_SOAK_SECONDS": os.environ.get("OVFILE_SOAK_SECONDS", str(soak))}
+        status = report.run(words + (["-R", chosen] if chosen else []), log_of(report.name), FAILED_START, environment)
         passed, failed, lines = summarize(read_ctest(results), status)
         left = files_left(temporary_folders(preset))
         if left:
@@ -172,7 +174,7 @@ def all_steps():
         Step("release-build", build("release")),
         Step("asan-build", build("asan")),
         Step("windows-x64-build", build("windows-x64")),
-        Step("release-tests", tests("release"), after=("release-build",)),
+        Step("release-tests", tests("release", soak=30), after=("release-build",)),
         Step("lint", lint),
         Step("asan-tests", tests("asan"), after=("asan-build", "release-build")),
         Step("windows-x64-tests", tests("windows-x64"), after=("windows-x64-build",)),
