@@ -81,9 +81,15 @@ LONG table_view::rows_in_file() const {
   constexpr long long page_words = 512;
   const OvTableFacts found = facts();
   const long long page_bytes = page_words * found.wordBytes;
-  // The last page may end with its rows, which the library counts in words.
-  const long long least = (found.pages - 1) * page_bytes + found.recordWords * found.recordsInLastPage;
-  if (rows_ == 0 || found.fileBytes >= least) return rows_;
+  const long long record_bytes = found.recordWords * found.wordBytes;
+  // The last page may end with its rows.
+  const long long of_last_page = found.fileBytes - (found.pages - 1) * page_bytes;
+  if (rows_ == 0 || of_last_page >= record_bytes * found.recordsInLastPage) return rows_;
+  // Of a shorter one the library reads what is there, the rest as zeros, from as many bytes on as its rows
+  // have words.
+  if (of_last_page >= found.recordWords * found.recordsInLastPage) {
+    return static_cast<LONG>(rows_ - found.recordsInLastPage + of_last_page / record_bytes);
+  }
   const long long pages = std::max(found.fileBytes / page_bytes - found.headerPages, 0LL);
   return static_cast<LONG>(std::min<long long>(rows_, pages * found.recordsPerPage));
 }

@@ -50,6 +50,50 @@ TEST_F(verify_test, a_file_that_was_cut_off_lacks_rows) {
          "  t.ovt: the file ends behind row 508; its header promises 600\n");
 }
 
+TEST_F(verify_test, a_file_that_was_cut_within_its_last_page_lacks_rows) {
+  write("t.ovt", table_.substr(0, 3 * 4096 + 50 * 16 + 15));
+  expect(1,
+         "t.ovt: not whole, 558 rows\n"
+         "  t.ovt: the file ends behind row 558; its header promises 600\n");
+  EXPECT_EQ(run({"verify", "t.ovt", "--salvage", "saved.ovt"}).status, 1);
+  EXPECT_EQ(run_quietly({"verify", "saved.ovt"}), "saved.ovt: whole, 558 rows\n");
+  expect_failure({"sort", "t.ovt", "--by", "A", "--descending"},
+                 "t.ovt: the file ends behind row 558; its header promises 600");
+}
+
+TEST_F(verify_test, a_last_page_that_ends_with_its_rows_is_whole) {
+  write("t.ovt", table_.substr(0, 3 * 4096 + 92 * 16));
+  expect(0, "t.ovt: whole, 600 rows\n");
+}
+
+TEST_F(verify_test, many_faults_of_a_kind_are_counted) {
+  const std::uint64_t none = 0x7FF8000000000000;
+  for (std::size_t row = 0; row < 200; ++row)
+    std::memcpy(table_.data() + (first_record + 2 * row) * 8, &none, 8);
+  write("t.ovt", table_);
+  const ovtest::process_result end = run({"verify", "t.ovt"});
+  EXPECT_EQ(end.status, 1);
+  EXPECT_EQ(std::count(end.output.begin(), end.output.end(), '\n'), 52);
+  EXPECT_TRUE(end.output.ends_with("\n  and 150 more of rows\n")) << end.output;
+}
+
+TEST_F(verify_test, a_header_that_counts_no_pages_is_told) {
+  put(26, 0);
+  const ovtest::process_result end = run({"verify", "t.ovt"});
+  EXPECT_NE(end.output.find("12288 bytes follow the last page that the header counts"), end.output.npos)
+      << end.output;
+}
+
+TEST_F(verify_test, a_table_that_cannot_be_read_hides_no_others) {
+  write("t.ovt", table_.substr(0, 3 * 4096));
+  const ovtest::process_result end = run({"verify", "t.ovt", "missing.ovt", "t.ovt"});
+  EXPECT_EQ(end.status, 2);
+  EXPECT_NE(end.error.find("missing.ovt"), end.error.npos);
+  const std::string cut = "t.ovt: not whole, 508 rows\n";
+  EXPECT_TRUE(end.output.starts_with(cut));
+  EXPECT_NE(end.output.find(cut, 1), end.output.npos) << end.output;
+}
+
 TEST_F(verify_test, a_number_that_is_none_is_told_by_row) {
   const std::uint64_t none = 0x7FF8000000000000;
   std::memcpy(table_.data() + (first_record + 2 * 4) * 8, &none, 8);

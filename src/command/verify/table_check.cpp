@@ -29,8 +29,9 @@ void check_counts(const table_header& header, std::vector<finding>& found) {
 }
 
 void check_size(const table_header& header, std::vector<finding>& found) {
-  if (!is_whole_number(header.pages) || header.pages == 0) return;
-  const double counted = header.pages * static_cast<double>(header.page_bytes());
+  if (!is_whole_number(header.pages)) return;
+  const double pages = std::max(header.pages, static_cast<double>(header.header_pages()));
+  const double counted = pages * static_cast<double>(header.page_bytes());
   const double beyond = static_cast<double>(header.bytes) - counted;
   if (beyond <= 0) return;
   found.push_back({fmt::format("{:.0f} bytes follow the last page that the header counts", beyond), false});
@@ -78,7 +79,7 @@ void check_names(const std::vector<dictionary_entry>& entries, bool is_double, s
     if (!names.insert(entry.name).second)
       found.push_back({"another column has its name", false, 0, entry.name});
     if (entry.type != 'A' && entry.type != 'N') {
-      found.push_back({"its type is neither that of texts nor that of numbers", false, 0, entry.name});
+      found.push_back({"its type is neither that of texts nor that of numbers", true, 0, entry.name});
     }
   }
 }
@@ -115,31 +116,45 @@ class row_check {
         for (const field_view& field : view_.fields()) look_at(field, row);
       } catch (const failure& error) {
         result_.lost.push_back(row);
-        result_.findings.push_back({error.what(), true, row});
+        report(unreadable_, {error.what(), true, row});
       }
       bar.at(static_cast<std::uint64_t>(row), static_cast<std::uint64_t>(result_.rows_in_file));
     }
   }
 
  private:
+  /// A table that was cut or written over has as many as it has values.
+  static constexpr int most_of_a_kind = 50;
+
+  void report(int& told, finding found) {
+    if (told++ < most_of_a_kind) {
+      result_.findings.push_back(std::move(found));
+    } else {
+      ++result_.more;
+      told = most_of_a_kind;
+    }
+  }
   void look_at(const field_view& field, LONG row) {
     if (field.implicit) return;
     if (!field.is_text) {
       const double number = view_.number(field);
       if (std::isfinite(number)) return;
       const char* const what = std::isnan(number) ? "the number is no number" : "the number is infinite";
-      result_.findings.push_back({what, true, row, field.name});
+      report(no_number_, {what, true, row, field.name});
       return;
     }
     text_.clear();
     view_.append_text(text_, field);
     if (is_outside(text_))
-      result_.findings.push_back({"the text has bytes outside the code page", true, row, field.name});
+      report(outside_, {"the text has bytes outside the code page", true, row, field.name});
   }
 
   table_view& view_;
   check_result& result_;
   std::string text_;
+  int unreadable_ = 0;
+  int no_number_ = 0;
+  int outside_ = 0;
 };
 
 }  // namespace

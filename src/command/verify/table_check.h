@@ -17,10 +17,11 @@ struct finding {
 };
 
 struct check_result {
-  std::vector<finding> findings;
-  LONG rows = 0;           ///< that the header promises
-  LONG rows_in_file = 0;   ///< as far as the file reaches
-  std::vector<LONG> lost;  ///< of these the rows that cannot be read
+  std::vector<finding> findings;  ///< of rows the first ones of each kind
+  long long more = 0;             ///< further ones of rows
+  LONG rows = 0;                  ///< that the header promises
+  LONG rows_in_file = 0;          ///< as far as the file reaches
+  std::vector<LONG> lost;         ///< of these the rows that cannot be read
 
   bool is_whole() const noexcept;
 };

@@ -24,9 +24,6 @@ struct verify_request {
   bool json = false;
 };
 
-/// So many of one kind are told; a table that was cut in its middle has thousands.
-constexpr std::size_t most_told = 50;
-
 /// Rows as ranges: "3, 10-20".
 std::string listed(const std::vector<LONG>& rows) {
   std::vector<std::string> ranges;
@@ -49,12 +46,10 @@ std::string place_of(const finding& found) {
 void append_words(std::string& out, const std::string& file, const check_result& result) {
   out += fmt::format("{}: {}, {}\n", file, result.is_whole() ? "whole" : "not whole",
                      counted(result.rows_in_file - static_cast<long long>(result.lost.size()), "row"));
-  for (std::size_t i = 0; i < result.findings.size() && i < most_told; ++i) {
-    const finding& found = result.findings[i];
+  for (const finding& found : result.findings) {
     out += fmt::format("  {}{}{}: {}\n", found.is_damage ? "" : "note: ", file, place_of(found), found.what);
   }
-  if (result.findings.size() > most_told)
-    out += fmt::format("  and {} more\n", result.findings.size() - most_told);
+  if (result.more > 0) out += fmt::format("  and {} more of rows\n", result.more);
 }
 
 void append_json(std::string& out, const std::string& file, const check_result& result) {
@@ -68,7 +63,20 @@ void append_json(std::string& out, const std::string& file, const check_result& 
     if (!found.column.empty()) out += ", \"column\": " + json_text(found.column);
     out += '}';
   }
-  out += "]}";
+  out += fmt::format("], \"more\": {}}}", result.more);
+}
+
+/// What is known of a table that could not be read at all as well. Returns whether it could.
+bool look_at(const std::string& file, check_result& result) {
+  try {
+    result = check_table(file);
+    return true;
+  } catch (const failure& error) {
+    result = check_result();
+    result.findings.push_back({error.what()});
+    say(error.what());
+    return false;
+  }
 }
 
 void report_lost(const std::string& file, const check_result& result, const std::string& target, LONG rows) {
@@ -83,26 +91,30 @@ void report_lost(const std::string& file, const check_result& result, const std:
   say(words);
 }
 
-bool verify_all(const verify_request& request) {
+enum class verdict { whole, not_whole, unread };
+
+verdict verify_all(const verify_request& request) {
   text_output output(request.json ? meant_for::programs : meant_for::people);
-  bool all_whole = true;
+  verdict all = verdict::whole;
+  check_result result;
   if (request.json) output.text() += '[';
   for (std::size_t i = 0; i < request.tables.size(); ++i) {
     const std::string& file = request.tables[i];
-    const check_result result = check_table(file);
-    all_whole = all_whole && result.is_whole();
+    const bool is_read = look_at(file, result);
+    all = std::max(all, !is_read ? verdict::unread : result.is_whole() ? verdict::whole : verdict::not_whole);
     if (request.json) {
       output.text() += i == 0 ? "" : ",\n ";
       append_json(output.text(), file, result);
     } else {
       append_words(output.text(), file, result);
     }
-    if (!request.target.empty())
-      report_lost(file, result, request.target, salvage(file, result, request.target));
   }
   if (request.json) output.text() += "]\n";
   output.finish();
-  return all_whole;
+  if (request.target.empty() || all == verdict::unread) return all;
+  const std::string& file = request.tables.front();
+  report_lost(file, result, request.target, salvage(file, result, request.target));
+  return all;
 }
 
 void run_verify(const verify_request& request) {
@@ -110,13 +122,14 @@ void run_verify(const verify_request& request) {
   if (!request.target.empty() && same_file(request.tables.front(), request.target)) {
     throw wrong_usage("the table and what is saved of it are one file: " + request.target);
   }
-  bool all_whole = false;
+  verdict all = verdict::whole;
   try {
-    all_whole = verify_all(request);
+    all = verify_all(request);
   } catch (const failure& error) {
     throw no_comparison(error.what());
   }
-  if (!all_whole) throw difference();
+  if (all == verdict::unread) throw no_comparison("not all tables could be read");
+  if (all == verdict::not_whole) throw difference();
 }
 
 }  // namespace
