@@ -80,14 +80,9 @@ def _has_none(failure: OSError) -> bool:
 
 
 def _mode_under(before: os.stat_result, made: os.stat_result, others_too: bool) -> int:
-    """A program that runs with its owner's or group's rights shall not run with another's."""
-    mode = stat.S_IMODE(before.st_mode)
-    if made.st_uid != before.st_uid:
-        mode &= ~stat.S_ISUID
-    if made.st_gid != before.st_gid:
-        both = mode >> 3 & mode & stat.S_IRWXO
-        mode = mode & ~(stat.S_ISGID | _OTHERS) | both << 3 | both
-    return mode if others_too else mode & ~_OTHERS
+    """Nobody runs the file with its owner's or group's rights; where the group is another one, it and others get none."""
+    mode = stat.S_IMODE(before.st_mode) & ~(stat.S_ISUID | stat.S_ISGID)
+    return mode if others_too and made.st_gid == before.st_gid else mode & ~_OTHERS
 
 
 def _set_mode(new: int, mode: int) -> None:

@@ -9,7 +9,7 @@
 namespace command {
 
 std::string temporary_folder() {
-  const char* const set = std::getenv("TMPDIR");
+  const char* const set = ::secure_getenv("TMPDIR");
   return set != nullptr && *set != '\0' ? set : "/tmp";
 }
 

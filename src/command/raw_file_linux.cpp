@@ -37,7 +37,7 @@ raw_file raw_file::make_new(const std::string& name, bool secret, bool& taken) {
 }
 
 raw_file raw_file::make_scratch() {
-  const char* folder = std::getenv("TMPDIR");
+  const char* folder = ::secure_getenv("TMPDIR");
   std::string name = std::string(folder != nullptr && *folder != '\0' ? folder : "/tmp") + "/ovfile-XXXXXX";
   const int handle = ::mkostemp(name.data(), O_CLOEXEC);
   if (handle < 0) throw failure("cannot create a temporary file " + name + ": " + last_reason());

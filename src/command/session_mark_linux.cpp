@@ -16,7 +16,7 @@ namespace {
 constexpr const char* mark_name = "MaxFieldNameLength";
 
 std::string setting(const char* name) {
-  const char* const value = std::getenv(name);
+  const char* const value = ::secure_getenv(name);
   return value == nullptr ? "" : value;
 }
 

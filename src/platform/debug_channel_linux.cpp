@@ -6,7 +6,7 @@
 
 namespace ovf {
 
-bool is_system_debug_output_on() noexcept { return std::getenv("OVFILE_DEBUG") != nullptr; }
+bool is_system_debug_output_on() noexcept { return ::secure_getenv("OVFILE_DEBUG") != nullptr; }
 
 void write_system_debug_output(wide_view message) {
   if (!is_system_debug_output_on()) return;

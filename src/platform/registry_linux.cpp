@@ -69,7 +69,9 @@ bool write_all(int file, std::string_view bytes) {
 enum class writers { anybody, trusted };
 
 bool is_trusted(const struct stat& facts) noexcept {
-  return (facts.st_uid == geteuid() || facts.st_uid == 0) && (facts.st_mode & S_IWOTH) == 0;
+  const bool group_may_write = (facts.st_mode & S_IWGRP) != 0 && facts.st_gid != getegid();
+  return (facts.st_uid == geteuid() || facts.st_uid == 0) && (facts.st_mode & S_IWOTH) == 0 &&
+         !group_may_write;
 }
 
 /// Reads everything; nothing when there is no regular file that can be read, or its writers are not those.
