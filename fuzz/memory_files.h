@@ -45,6 +45,10 @@ class memory_file final : public ovf::file {
     position_ = static_cast<std::uint64_t>(target);
     return true;
   }
+  bool stamp(ovf::file_stamp& found) noexcept override {
+    found = {};
+    return true;
+  }
   bool position(std::uint64_t& bytes) noexcept override {
     bytes = position_;
     return true;
@@ -128,7 +132,7 @@ class memory_files final : public ovf::file_system {
     return true;
   }
   bool replace_open(std::unique_ptr<ovf::file>& own, std::unique_ptr<ovf::file>& copy, ovf::wide_view from,
-                    ovf::wide_view to) noexcept override {
+                    ovf::wide_view to, const ovf::file_stamp*) noexcept override {
     if (!replace(from, to)) return false;
     copy = nullptr;
     own = open(to, ovf::open_mode::edit);

@@ -17,6 +17,18 @@ enum class seek_origin { begin, current, end };
 /// Where the lock that stands for the right to make a file longer lies, far behind all bytes of a file.
 inline constexpr std::int64_t growth_lock_position = std::int64_t{1} << 62;
 
+/// What tells whether a file was written to, or another one stands under its name.
+struct file_stamp {
+  std::uint64_t volume = 0;
+  std::uint64_t number = 0;  ///< of the file on its volume
+  std::uint64_t bytes = 0;
+  std::int64_t written = 0;  ///< when the last time, in the system's own count
+  bool operator==(const file_stamp&) const = default;
+  bool is_of_same_file(const file_stamp& other) const noexcept {
+    return volume == other.volume && number == other.number;
+  }
+};
+
 /// An open regular file with a position of its own. Closes itself; closing never fails visibly, since
 /// nothing is buffered here.
 class file {
@@ -24,6 +36,7 @@ class file {
   virtual ~file() = default;
 
   virtual bool size(std::uint64_t& bytes) noexcept = 0;
+  virtual bool stamp(file_stamp& found) noexcept = 0;
   virtual bool seek(std::int64_t distance, seek_origin origin) noexcept = 0;
   /// Where the file is read or written next.
   virtual bool position(std::uint64_t& bytes) noexcept = 0;
@@ -55,15 +68,6 @@ enum class open_mode {
 
 enum class file_kind { missing, regular, other };
 
-/// What tells whether a file was written to, or another one stands under its name.
-struct file_stamp {
-  std::uint64_t volume = 0;
-  std::uint64_t number = 0;  ///< of the file on its volume
-  std::uint64_t bytes = 0;
-  std::int64_t written = 0;  ///< when the last time, in the system's own count
-  bool operator==(const file_stamp&) const = default;
-};
-
 class file_system {
  public:
   virtual ~file_system() = default;
@@ -81,11 +85,12 @@ class file_system {
   /// when one has, and `copy` may be closed then.
   virtual bool name_first(std::unique_ptr<file>& copy, wide_view from, wide_view to) noexcept = 0;
   /// Puts a copy in the place of a file in one step: `copy` has `from` open and `own` has `to` open. Refused
-  /// while anybody else has `to` open, and when the name leads to another file by now: nobody opens it
-  /// between the look and the step. Then `own` stays as it was, `copy` may be closed. Else `own` has the new
-  /// file open afterwards, and counts as its user.
+  /// while anybody else has `to` open, and, as `is_other_file`, when the name leads to another file by now or
+  /// the file is not as `expected` (null: whatever it is): nobody opens it between the look and the step.
+  /// Then `own` stays as it was, `copy` may be closed. Else `own` has the new file open afterwards, and
+  /// counts as its user.
   virtual bool replace_open(std::unique_ptr<file>& own, std::unique_ptr<file>& copy, wide_view from,
-                            wide_view to) noexcept = 0;
+                            wide_view to, const file_stamp* expected) noexcept = 0;
   /// A name by which an open file can be opened once more, whatever somebody puts under its own meanwhile;
   /// empty where the system has none.
   virtual wide second_name(file& opened) noexcept = 0;
@@ -113,7 +118,8 @@ file_system* use_files(file_system* other) noexcept;
 bool already_exists(std::uint32_t code) noexcept;
 /// Whether the code says that there is no such file.
 bool is_missing(std::uint32_t code) noexcept;
-/// Whether the code says that the name leads to another file than the one that is open.
+/// Whether the code says that the name leads to another file than the one that is open, or that the file is
+/// not as it was expected to be.
 bool is_other_file(std::uint32_t code) noexcept;
 /// Whether the code says that somebody has the file open.
 bool is_in_use(std::uint32_t code) noexcept;

@@ -17,6 +17,12 @@ namespace ovf {
 /// A file name for the system; false, with ENOENT, for a text that no file can be named by.
 bool system_name(wide_view name, std::string& converted);
 
+inline file_stamp stamp_of(const struct stat& facts) noexcept {
+  constexpr std::int64_t nanoseconds = 1'000'000'000;
+  return {facts.st_dev, facts.st_ino, static_cast<std::uint64_t>(facts.st_size),
+          facts.st_mtim.tv_sec * nanoseconds + facts.st_mtim.tv_nsec};
+}
+
 /// An open file. While it is open it holds a shared lock, by which others see that it is in use.
 class descriptor_file final : public file {
  public:
@@ -36,6 +42,13 @@ class descriptor_file final : public file {
     struct stat facts;
     if (::fstat(descriptor_, &facts) != 0) return false;
     bytes = static_cast<std::uint64_t>(facts.st_size);
+    return true;
+  }
+
+  bool stamp(file_stamp& found) noexcept override {
+    struct stat facts;
+    if (::fstat(descriptor_, &facts) != 0) return false;
+    found = stamp_of(facts);
     return true;
   }
 
@@ -123,7 +136,7 @@ class descriptor_file final : public file {
 bool resolve_file(wide_view name, wide& path) noexcept;
 bool carry_file_rights(int from, int to) noexcept;
 bool name_file_first(wide_view from, wide_view to) noexcept;
-bool replace_open_file(std::unique_ptr<file>& own, std::unique_ptr<file>& copy, wide_view from,
-                       wide_view to) noexcept;
+bool replace_open_file(std::unique_ptr<file>& own, std::unique_ptr<file>& copy, wide_view from, wide_view to,
+                       const file_stamp* expected) noexcept;
 
 }  // namespace ovf

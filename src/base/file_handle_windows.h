@@ -24,6 +24,17 @@ class handle_file final : public file {
     return true;
   }
 
+  bool stamp(file_stamp& found) noexcept override {
+    BY_HANDLE_FILE_INFORMATION facts;
+    if (GetFileInformationByHandle(handle_, &facts) == 0) return false;
+    const auto whole = [](DWORD high, DWORD low) { return std::uint64_t{high} << 32 | low; };
+    found = {facts.dwVolumeSerialNumber, whole(facts.nFileIndexHigh, facts.nFileIndexLow),
+             whole(facts.nFileSizeHigh, facts.nFileSizeLow),
+             static_cast<std::int64_t>(
+                 whole(facts.ftLastWriteTime.dwHighDateTime, facts.ftLastWriteTime.dwLowDateTime))};
+    return true;
+  }
+
   bool seek(std::int64_t distance, seek_origin origin) noexcept override {
     LARGE_INTEGER target;
     target.QuadPart = distance;
@@ -87,7 +98,7 @@ class handle_file final : public file {
 bool resolve_file(wide_view name, wide& path) noexcept;
 bool carry_file_rights(HANDLE from, HANDLE to) noexcept;
 bool name_file_first(wide_view from, wide_view to) noexcept;
-bool replace_open_file(std::unique_ptr<file>& own, std::unique_ptr<file>& copy, wide_view from,
-                       wide_view to) noexcept;
+bool replace_open_file(std::unique_ptr<file>& own, std::unique_ptr<file>& copy, wide_view from, wide_view to,
+                       const file_stamp* expected) noexcept;
 
 }  // namespace ovf

@@ -16,7 +16,7 @@ int flags_of(open_mode mode) noexcept {
     case open_mode::read:
       return O_RDONLY;
     case open_mode::look:
-      return O_RDONLY | O_NOFOLLOW;
+      return O_RDWR | O_NOFOLLOW;
     case open_mode::edit:
     case open_mode::truncate:
       return O_RDWR;
@@ -80,15 +80,25 @@ bool empty(int descriptor, descriptor_file& opened) noexcept {
   return true;
 }
 
+/// As the mode says. What is looked at is opened for writing too where that may be, since some network file
+/// systems lock nothing else exclusively; nothing is written to it.
+int open_descriptor(const std::string& path, open_mode mode) noexcept {
+  const bool own_alone = mode == open_mode::scratch || mode == open_mode::make_copy;
+  // No advice on the order of access: segments are long, and walks from row to row want the read-ahead.
+  // Without O_NONBLOCK a pipe under the file's name would hold the caller up.
+  const int flags = flags_of(mode) | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+  const int descriptor = ::open(path.c_str(), flags, own_alone ? mode_t{0600} : mode_t{0666});
+  if (descriptor >= 0 || mode != open_mode::look) return descriptor;
+  const int read_alone = ::open(path.c_str(), (flags & ~O_ACCMODE) | O_RDONLY);
+  return read_alone >= 0 || errno != EACCES ? read_alone
+                                            : ::open(path.c_str(), (flags & ~O_ACCMODE) | O_WRONLY);
+}
+
 /// Null with ESTALE when somebody put another file in the place of the opened one before it was locked;
 /// `may_be_stale` takes what there is.
 std::unique_ptr<file> open_once(const std::string& path, open_mode mode, bool may_be_stale) {
-  const bool own_alone = mode == open_mode::scratch || mode == open_mode::make_copy;
   auto opened = std::make_unique<descriptor_file>();
-  // No advice on the order of access: segments are long, and walks from row to row want the read-ahead.
-  // Without O_NONBLOCK a pipe under the file's name would hold the caller up.
-  const int descriptor = ::open(path.c_str(), flags_of(mode) | O_CLOEXEC | O_NONBLOCK | O_NOCTTY,
-                                own_alone ? mode_t{0600} : mode_t{0666});
+  const int descriptor = open_descriptor(path, mode);
   if (descriptor < 0) return nullptr;
   opened->take(descriptor);
   const bool usable = prepare(descriptor, *opened, mode) &&
@@ -127,12 +137,10 @@ class linux_files final : public file_system {
   }
 
   bool stamp(wide_view name, file_stamp& found) noexcept override try {
-    constexpr std::int64_t nanoseconds = 1'000'000'000;
     std::string path;
     struct stat facts;
     if (!system_name(name, path) || ::stat(path.c_str(), &facts) != 0) return false;
-    found = {facts.st_dev, facts.st_ino, static_cast<std::uint64_t>(facts.st_size),
-             facts.st_mtim.tv_sec * nanoseconds + facts.st_mtim.tv_nsec};
+    found = stamp_of(facts);
     return true;
   } catch (...) {
     errno = ENOMEM;
@@ -154,9 +162,9 @@ class linux_files final : public file_system {
     return false;
   }
 
-  bool replace_open(std::unique_ptr<file>& own, std::unique_ptr<file>& copy, wide_view from,
-                    wide_view to) noexcept override {
-    return replace_open_file(own, copy, from, to);
+  bool replace_open(std::unique_ptr<file>& own, std::unique_ptr<file>& copy, wide_view from, wide_view to,
+                    const file_stamp* expected) noexcept override {
+    return replace_open_file(own, copy, from, to, expected);
   }
 
   bool resolve(wide_view name, wide& path) noexcept override { return resolve_file(name, path); }
@@ -196,7 +204,7 @@ class linux_files final : public file_system {
   }
 
   wide temporary_folder() override {
-    const char* chosen = std::getenv("TMPDIR");
+    const char* chosen = ::secure_getenv("TMPDIR");
     wide folder = wide_from_utf8(chosen != nullptr && *chosen != 0 ? chosen : "/tmp");
     if (folder.back() != u'/') folder += u'/';
     return kind(folder) == file_kind::other ? folder : wide();

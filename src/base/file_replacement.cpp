@@ -78,7 +78,7 @@ bool file_replacement::make(wide_view folder, open_mode mode) {
   copy_ = files().open(name, mode);
   if (copy_ == nullptr) return false;
   copy_name_ = std::move(name);
-  return true;
+  return copy_->stamp(made_);
 }
 
 bool file_replacement::make_elsewhere() {
@@ -111,10 +111,27 @@ bool file_replacement::bring_beside() {
   return copy_from(*elsewhere.opened, 0, *copy_);
 }
 
+bool file_replacement::open_copy() {
+  constexpr system_code not_there = 2;  // on every system
+  file_stamp found;
+  copy_ = files().open(copy_name_, open_mode::edit);
+  if (copy_ == nullptr) return false;
+  if (copy_->stamp(found) && found.is_of_same_file(made_)) return true;
+  copy_.reset();
+  set_last_system_error(not_there);
+  return false;
+}
+
 bool file_replacement::take_rights() {
   old_ = files().open(target_, open_mode::look);
-  if (old_ != nullptr) return files().carry_rights(*old_, *copy_);
-  return takes_any_ && is_missing(last_system_error());
+  if (old_ == nullptr) return takes_any_ && is_missing(last_system_error());
+  // Another file under the name is somebody's who would get the content of this one with its rights.
+  if (file_stamp now; !takes_any_) {
+    if (!old_->stamp(now)) return false;
+    was_changed_ = now != before_;
+    if (was_changed_) return false;
+  }
+  return files().carry_rights(*old_, *copy_);
 }
 
 bool file_replacement::is_as_expected() {
@@ -127,8 +144,7 @@ bool file_replacement::is_as_expected() {
 
 bool file_replacement::settle() noexcept try {
   if (settled_) return true;
-  if (copy_ == nullptr) copy_ = files().open(copy_name_, open_mode::edit);
-  if (copy_ == nullptr || (!beside_ && !bring_beside())) return false;
+  if ((copy_ == nullptr && !open_copy()) || (!beside_ && !bring_beside())) return false;
   if (!take_rights() || !copy_->sync()) return false;
   settled_ = takes_any_ || is_as_expected();
   return settled_;
@@ -139,7 +155,7 @@ bool file_replacement::settle() noexcept try {
 bool file_replacement::commit(std::unique_ptr<file>& own) noexcept {
   if (!settle()) return false;
   old_.reset();
-  if (!files().replace_open(own, copy_, copy_name_, target_)) return false;
+  if (!files().replace_open(own, copy_, copy_name_, target_, expected())) return refused();
   finish();
   return true;
 }
@@ -152,15 +168,23 @@ bool file_replacement::commit() noexcept {
     }
     const system_code reason = last_system_error();
     const bool is_another = is_other_file(reason) || (old_ == nullptr && already_exists(reason));
-    if (!takes_any_ || !is_another || tries == most_tries) return false;
+    if (!takes_any_ || !is_another || tries == most_tries) return refused();
     settled_ = false;
   }
   return false;
 }
 
 bool file_replacement::replace_or_name() {
-  if (old_ != nullptr) return files().replace_open(old_, copy_, copy_name_, target_);
+  if (old_ != nullptr) return files().replace_open(old_, copy_, copy_name_, target_, expected());
   return files().name_first(copy_, copy_name_, target_);
+}
+
+bool file_replacement::refused() noexcept {
+  const system_code reason = last_system_error();
+  was_changed_ = !takes_any_ && is_other_file(reason);
+  old_.reset();  // others would see that it is in use
+  set_last_system_error(reason);
+  return false;
 }
 
 void file_replacement::finish() noexcept {

@@ -57,12 +57,17 @@ class file_replacement {
  private:
   bool make(wide_view folder, open_mode mode);
   bool make_elsewhere();
+  /// Opens the copy again that somebody wrote by its name; another file under it is refused.
+  bool open_copy();
   /// Copies a copy that could not be made beside the file there: only on one volume is it one step.
   bool bring_beside();
   /// Gives the copy the rights of what it replaces.
   bool take_rights();
   bool is_as_expected();
   bool replace_or_name();
+  const file_stamp* expected() const noexcept { return takes_any_ ? nullptr : &*before_; }
+  /// False, and what is known of the reason is noted.
+  bool refused() noexcept;
   void finish() noexcept;
   void discard() noexcept;
 
@@ -70,6 +75,7 @@ class file_replacement {
   wide copy_name_;
   wide writer_name_;
   std::unique_ptr<file> copy_;
+  file_stamp made_;            ///< the copy as it was made
   std::unique_ptr<file> old_;  ///< what the copy has its rights of
   std::optional<file_stamp> before_;
   bool beside_ = false;

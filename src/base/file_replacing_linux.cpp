@@ -8,11 +8,13 @@ namespace {
 
 /// Puts one name in another's place while nobody else has the file behind it open. The lock is held until the
 /// other file has the name: who opened the old one meanwhile waits for it, and finds that its name is
-/// another's.
+/// another's. Who opened, changed and closed it before has his changes in it: `expected` tells.
 bool rename_over(const descriptor_file& copy, descriptor_file& old, const std::string& from,
-                 const std::string& to) noexcept {
+                 const std::string& to, const file_stamp* expected) noexcept {
   if (old.lock(LOCK_EX)) {
-    if (!old.stands_at(to) || !copy.is_named(from)) {
+    file_stamp now;
+    const bool is_as_expected = expected == nullptr || (old.stamp(now) && now == *expected);
+    if (!is_as_expected || !old.stands_at(to) || !copy.is_named(from)) {
       errno = ESTALE;
     } else if (std::rename(from.c_str(), to.c_str()) == 0) {
       return true;
@@ -27,13 +29,13 @@ bool rename_over(const descriptor_file& copy, descriptor_file& old, const std::s
 
 }  // namespace
 
-bool replace_open_file(std::unique_ptr<file>& own, std::unique_ptr<file>& copy, wide_view from,
-                       wide_view to) noexcept try {
+bool replace_open_file(std::unique_ptr<file>& own, std::unique_ptr<file>& copy, wide_view from, wide_view to,
+                       const file_stamp* expected) noexcept try {
   std::string old_path;
   std::string new_path;
   if (!system_name(from, old_path) || !system_name(to, new_path)) return false;
   auto& made = static_cast<descriptor_file&>(*copy);
-  if (!rename_over(made, static_cast<descriptor_file&>(*own), old_path, new_path)) return false;
+  if (!rename_over(made, static_cast<descriptor_file&>(*own), old_path, new_path, expected)) return false;
   (void)made.lock(LOCK_SH);
   own = std::move(copy);
   return true;

@@ -48,11 +48,18 @@ bool carry_access_list(const wide& from, const wide& to) {
 
 }  // namespace
 
-bool replace_open_file(std::unique_ptr<file>& own, std::unique_ptr<file>& copy, wide_view from,
-                       wide_view to) noexcept try {
+bool replace_open_file(std::unique_ptr<file>& own, std::unique_ptr<file>& copy, wide_view from, wide_view to,
+                       const file_stamp* expected) noexcept try {
   wide old_path;
   wide new_path;
   if (!system_name(from, old_path) || !system_name(to, new_path)) return false;
+  // The time of the last write may be noted when the file is closed, as its caller has done by now.
+  file_stamp now;
+  if (expected != nullptr &&
+      (!own->stamp(now) || !now.is_of_same_file(*expected) || now.bytes != expected->bytes)) {
+    SetLastError(ERROR_FILE_INVALID);
+    return false;
+  }
   // Open files cannot be moved or replaced. A file that cannot be opened again fails at its next use.
   auto again = std::make_unique<handle_file>(INVALID_HANDLE_VALUE);
   copy.reset();

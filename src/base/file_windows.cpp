@@ -76,15 +76,7 @@ class windows_files final : public file_system {
     const HANDLE handle =
         CreateFileW(path.c_str(), FILE_READ_ATTRIBUTES, with_everybody, nullptr, OPEN_EXISTING, 0, nullptr);
     if (handle == INVALID_HANDLE_VALUE) return false;
-    const handle_file owned(handle);
-    BY_HANDLE_FILE_INFORMATION facts;
-    if (GetFileInformationByHandle(handle, &facts) == 0) return false;
-    const auto whole = [](DWORD high, DWORD low) { return std::uint64_t{high} << 32 | low; };
-    found = {facts.dwVolumeSerialNumber, whole(facts.nFileIndexHigh, facts.nFileIndexLow),
-             whole(facts.nFileSizeHigh, facts.nFileSizeLow),
-             static_cast<std::int64_t>(
-                 whole(facts.ftLastWriteTime.dwHighDateTime, facts.ftLastWriteTime.dwLowDateTime))};
-    return true;
+    return handle_file(handle).stamp(found);
   } catch (...) {
     SetLastError(ERROR_NOT_ENOUGH_MEMORY);
     return false;
@@ -113,9 +105,9 @@ class windows_files final : public file_system {
     return false;
   }
 
-  bool replace_open(std::unique_ptr<file>& own, std::unique_ptr<file>& copy, wide_view from,
-                    wide_view to) noexcept override {
-    return replace_open_file(own, copy, from, to);
+  bool replace_open(std::unique_ptr<file>& own, std::unique_ptr<file>& copy, wide_view from, wide_view to,
+                    const file_stamp* expected) noexcept override {
+    return replace_open_file(own, copy, from, to, expected);
   }
 
   bool resolve(wide_view name, wide& path) noexcept override { return resolve_file(name, path); }
@@ -169,7 +161,7 @@ bool is_missing(std::uint32_t code) noexcept {
 }
 
 // An open file keeps its name here.
-bool is_other_file(std::uint32_t) noexcept { return false; }
+bool is_other_file(std::uint32_t code) noexcept { return code == ERROR_FILE_INVALID; }
 
 bool is_in_use(std::uint32_t code) noexcept {
   return code == ERROR_SHARING_VIOLATION || code == ERROR_LOCK_VIOLATION;

@@ -65,23 +65,24 @@ void table_replacement::make_copy(const table_definition& definition, bool keep_
   copy_ = create_table(file_.writer_name(), made);
 }
 
+wide table_replacement::refusal() const {
+  return file_.was_changed() ? wide(changed_meanwhile) : system_message(last_system_error());
+}
+
 void table_replacement::commit() {
   copy_->flush();
   copy_.reset();
-  if (!file_.settle()) {
-    throw not_replaced{path_,
-                       file_.was_changed() ? wide(changed_meanwhile) : system_message(last_system_error())};
-  }
+  if (!file_.settle()) throw not_replaced{path_, refusal()};
   const auto schema = core_.schema;
   core_.release_table();
   const bool is_placed = file_.commit();
-  const wide refusal = is_placed ? wide() : system_message(last_system_error());
+  const wide why = is_placed ? wide() : refusal();
   const std::optional<wide> failure = reopen();
   if (failure && is_placed) throw not_reopened{path_, *failure};
-  if (failure) throw not_restored{{path_, refusal}, *failure};
+  if (failure) throw not_restored{{path_, why}, *failure};
   if (!is_placed) {
     core_.schema = schema;
-    throw not_replaced{path_, refusal};
+    throw not_replaced{path_, why};
   }
   cursor_.give_up();
 }

@@ -62,6 +62,8 @@ class table_replacement {
   void make_copy(const table_definition& definition, bool keep_description);
   /// What keeps the file under the table's name from being opened; nothing when it is open again.
   std::optional<wide> reopen();
+  /// Why the copy was not let into the file's place.
+  wide refusal() const;
 
   table_core& core_;
   kept_cursor cursor_;

@@ -11,6 +11,7 @@
 #include "base/file_replacement.h"
 #include "support/failing_files.h"
 #include "support/file_bytes.h"
+#include "support/forgetful_files.h"
 #include "support/scratch_folder.h"
 
 namespace {
@@ -172,6 +173,67 @@ TEST_F(LinuxReplacement, WhoOpensTheFileInTheLastMomentKeepsIt) {
     EXPECT_NE(held, nullptr);
     EXPECT_EQ(ovtest::read_bytes(path_).size(), 3U);
   }
+}
+
+/// Somebody who opens, changes and closes it in that moment: what he was told is in the file has to stay
+/// there.
+TEST_F(LinuxReplacement, WhatIsChangedInTheLastMomentStays) {
+  for (const bool is_open : {false, true}) {
+    ovtest::write_bytes(path_, {'o', 'l', 'd'});
+    auto own = is_open ? ovf::files().open(ovtest::wide_path(path_), ovf::open_mode::edit) : nullptr;
+    ovtest::failing_files watched;
+    watched.decide = [&](ovtest::call kind, const ovf::wide&) {
+      if (kind == ovtest::call::replace) ovtest::write_bytes(path_, {'n', 'e', 'w', '!'});
+      return ovtest::fate::works;
+    };
+    ovf::file_replacement made(ovtest::wide_path(path_));
+    ASSERT_TRUE(made.begin());
+    EXPECT_FALSE(is_open ? made.commit(own) : made.commit());
+    EXPECT_TRUE(made.was_changed());
+    EXPECT_EQ(ovtest::read_bytes(path_), (ovtest::bytes{'n', 'e', 'w', '!'}));
+  }
+}
+
+/// Its rights would let him read what the copy holds.
+TEST_F(LinuxReplacement, NoRightsAreTakenOfAFileThatSomebodyPutsInTheTargetsPlace) {
+  ASSERT_EQ(::chmod(path_.c_str(), 0600), 0);
+  ovtest::failing_files watched;
+  watched.decide = [&](ovtest::call kind, const ovf::wide& name) {
+    if (kind == ovtest::call::open && name == ovtest::wide_path(path_)) {
+      std::filesystem::rename(path_, path_.string() + ".away");
+      ovtest::write_bytes(path_, {'o', 'l', 'd'});
+      ::chmod(path_.c_str(), 0666);
+    }
+    return ovtest::fate::works;
+  };
+  ovf::file_replacement made(ovtest::wide_path(path_));
+  ASSERT_TRUE(made.begin());
+  EXPECT_FALSE(made.settle());
+  EXPECT_TRUE(made.was_changed());
+  EXPECT_EQ(watched.count(ovtest::call::rights), 0);
+}
+
+/// Where the system has no second name for an open file, it is opened again by its own.
+TEST_F(LinuxReplacement, ALinkInTheCopysPlaceIsNotTakenForIt) {
+  const auto secret = path_.string() + ".secret";
+  ovtest::write_bytes(secret, {'s'});
+  ASSERT_EQ(::chmod(secret.c_str(), 0600), 0);
+  ovtest::forgetful_files disk({ovtest::wide_path(path_)});
+  ovf::file_replacement made(ovtest::wide_path(path_));
+  ASSERT_TRUE(made.begin());
+  const std::string copy = ovf::utf8_from_wide(made.writer_name());
+  std::filesystem::remove(copy);
+  std::filesystem::create_symlink(secret, copy);
+  EXPECT_FALSE(made.commit());
+  struct stat facts {};
+  ASSERT_EQ(::stat(secret.c_str(), &facts), 0);
+  EXPECT_EQ(facts.st_mode & 07777, 0600U);
+  EXPECT_EQ(ovtest::read_bytes(path_).size(), 3U);
+}
+
+TEST_F(LinuxReplacement, AFileThatMayNotBeReadIsReplaced) {
+  ASSERT_EQ(::chmod(path_.c_str(), 0200), 0);
+  EXPECT_TRUE(replaced(path_));
 }
 
 TEST_F(LinuxReplacement, WhatUsersNotedCarriesOver) {

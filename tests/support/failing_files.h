@@ -94,9 +94,9 @@ class failing_files final : public ovf::file_system {
     return shared_->ask(call::replace, to) == fate::works && ovf::system_files().replace(from, to);
   }
   bool replace_open(std::unique_ptr<ovf::file>& own, std::unique_ptr<ovf::file>& copy, ovf::wide_view from,
-                    ovf::wide_view to) noexcept override {
+                    ovf::wide_view to, const ovf::file_stamp* expected) noexcept override {
     if (shared_->ask(call::replace, to) != fate::works) return false;
-    return ovf::system_files().replace_open(real_of(own), real_of(copy), from, to);
+    return ovf::system_files().replace_open(real_of(own), real_of(copy), from, to, expected);
   }
   bool resolve(ovf::wide_view name, ovf::wide& path) noexcept override {
     return shared_->ask(call::resolve, name) == fate::works && ovf::system_files().resolve(name, path);
@@ -136,6 +136,7 @@ class failing_files final : public ovf::file_system {
       return owner_->ask(call::seek, name_) == fate::works && real_->seek(distance, origin);
     }
     bool position(std::uint64_t& bytes) noexcept override { return real_->position(bytes); }
+    bool stamp(ovf::file_stamp& found) noexcept override { return real_->stamp(found); }
     bool read(std::span<std::byte> bytes, std::size_t& done) noexcept override {
       done = 0;
       const fate how = owner_->ask(call::read, name_);

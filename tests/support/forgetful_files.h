@@ -92,9 +92,9 @@ class forgetful_files final : public ovf::file_system {
     return true;
   }
   bool replace_open(std::unique_ptr<ovf::file>& own, std::unique_ptr<ovf::file>& copy, ovf::wide_view from,
-                    ovf::wide_view to) noexcept override {
+                    ovf::wide_view to, const ovf::file_stamp* expected) noexcept override {
     if (!disk_->goes_on()) return false;
-    if (!ovf::system_files().replace_open(real_of(own), real_of(copy), from, to)) return false;
+    if (!ovf::system_files().replace_open(real_of(own), real_of(copy), from, to, expected)) return false;
     moved(from, to);
     if (auto* opened = dynamic_cast<watched*>(own.get())) opened->rename(ovf::wide(to));
     return true;
@@ -133,6 +133,7 @@ class forgetful_files final : public ovf::file_system {
       return real_->seek(distance, origin);
     }
     bool position(std::uint64_t& bytes) noexcept override { return real_->position(bytes); }
+    bool stamp(ovf::file_stamp& found) noexcept override { return real_->stamp(found); }
     bool read(std::span<std::byte> into, std::size_t& done) noexcept override {
       return real_->read(into, done);
     }
