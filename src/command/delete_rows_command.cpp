@@ -43,10 +43,12 @@ void run_delete_rows(const deletion_request& request) {
   table_view view(request.table, table_access::change);
   const row_choice doomed =
       request.where ? rows_that_pass(view, request.where) : listed_rows(view, request.rows);
+  // Made before: for want of memory for its words what was done would pass for a failure.
+  const message done(fmt::format("{} of {} deleted", doomed.count(), counted(view.rows(), "row")));
   if (doomed.count() > 0) {
     keep_rows(view, all_but(doomed, view));
   }
-  say(fmt::format("{} of {} deleted", doomed.count(), counted(view.rows(), "row")));
+  done.say();
 }
 
 }  // namespace

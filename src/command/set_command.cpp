@@ -86,8 +86,10 @@ void run_set(const set_request& request) {
   values.reserve(wanted.size());
   for (const implicit_field& assignment : wanted) values.push_back(plan(view, assignment));
   const row_choice rows = rows_that_pass(view, request.where);
+  // Made before: for want of memory for its words what was done would pass for a failure.
+  const message done(fmt::format("{} of {} set", rows.count(), counted(view.rows(), "row")));
   change(view, values, rows);
-  say(fmt::format("{} of {} set", rows.count(), counted(view.rows(), "row")));
+  done.say();
 }
 
 }  // namespace

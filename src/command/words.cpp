@@ -6,19 +6,23 @@
 
 namespace command {
 
-void say(std::string_view words, std::string_view lines) {
-  std::string line = "ovfile: ";
+message::message(std::string_view words, std::string_view lines) : text_("ovfile: ") {
   // One message is one line, whatever the library's text looks like.
   std::string text(words);
   for (char& c : text) {
     if (c == '\n' || c == '\r') c = ' ';
   }
-  append_shown(line, text);
-  line.push_back('\n');
-  line += shown_lines(lines);
-  std::fwrite(line.data(), 1, line.size(), stderr);
+  append_shown(text_, text);
+  text_.push_back('\n');
+  text_ += shown_lines(lines);
+}
+
+void message::say() const noexcept {
+  std::fwrite(text_.data(), 1, text_.size(), stderr);
   std::fflush(stderr);
 }
+
+void say(std::string_view words, std::string_view lines) { message(words, lines).say(); }
 
 std::string counted(long long count, std::string_view thing) {
   return fmt::format("{} {}{}", count, thing, count == 1 ? "" : "s");

@@ -11,6 +11,17 @@
 namespace command {
 
 /// A line on standard error that begins with the program's name, and `lines` below it, which end with LF.
+class message {
+ public:
+  explicit message(std::string_view words, std::string_view lines = {});
+  /// Needs no memory.
+  void say() const noexcept;
+
+ private:
+  std::string text_;
+};
+
+/// Makes one and says it.
 void say(std::string_view words, std::string_view lines = {});
 
 /// "1 row", "2 rows".

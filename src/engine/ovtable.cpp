@@ -59,6 +59,13 @@ void basic_ovtable<Precision>::locate(std::uint64_t row) {
 }
 
 template <class Precision>
+bool basic_ovtable<Precision>::readAgain() {
+  const bool is_known = rows_.read_again();
+  restore_record();
+  return is_known;
+}
+
+template <class Precision>
 void basic_ovtable<Precision>::take(row_place place) noexcept {
   record_ = place.record;
   rows_left_in_page_ = place.rows_behind;

@@ -75,6 +75,7 @@ class basic_ovtable final : public table {
   void commitRows() override;
   void giveUpRows() noexcept override { rows_.give_up_rows(); }
   table_version version() const noexcept override { return rows_.version(); }
+  bool readAgain() override;
 
  protected:
   void locate(std::uint64_t row) override;

@@ -218,6 +218,13 @@ void row_store<Precision>::flush() {
 }
 
 template <class Precision>
+bool row_store<Precision>::read_again() {
+  flush();
+  records_.forget();
+  return header_.state_in_file() != header_state::changed;
+}
+
+template <class Precision>
 void row_store<Precision>::sync() {
   if (read_only_) return;
   records_.flush();

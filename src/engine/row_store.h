@@ -94,6 +94,8 @@ class row_store {
     ++version_.changes;
   }
   void flush_records() { records_.flush(); }
+  /// Writes what was changed and forgets what was read. False when others have changed the header.
+  bool read_again();
   /// Rows first: the header never promises rows that are not in the file.
   void flush();
   /// The same, with the rows on the disk before the header is written, and the header when it returns.

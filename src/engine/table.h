@@ -150,6 +150,10 @@ class table {
   /// Makes the file what it was, but for bytes that no count includes. Does nothing when nothing was begun.
   virtual void giveUpRows() noexcept = 0;
   virtual table_version version() const noexcept = 0;
+  /// Forgets what was read of the rows, so that what others have changed in the file is seen; changes are
+  /// written first. The cursor stays. False when others have changed the header too: then there may be rows
+  /// that this object does not know.
+  virtual bool readAgain() = 0;
 
   /// The place of a stored number of the current row, native byte order, for callers in a hurry; null
   /// when the long road has to be taken (text, implicit, other byte order, no row, bad index).

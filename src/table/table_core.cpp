@@ -5,6 +5,15 @@
 #include "table/schema_transfer.h"
 
 namespace ovf {
+namespace {
+
+std::optional<file_stamp> stamp_of(const wide& name) {
+  file_stamp now;
+  return files().stamp(name, now) ? std::optional(now) : std::nullopt;
+}
+
+}  // namespace
+
 opening table_core::open(wide_view file_name, LONG read_only_choice, HRESULT& filled) {
   if (files().kind(file_name) == file_kind::missing) return opening::missing;
   // What the held table has not written yet might be in the very file that is opened now.
@@ -12,14 +21,16 @@ opening table_core::open(wide_view file_name, LONG read_only_choice, HRESULT& fi
   name = file_name;
   read_only = read_only_choice;
   std::unique_ptr<table> found;
-  const opening outcome = open_target(found);
-  if (outcome == opening::opened) filled = hold(std::move(found));
+  std::optional<file_stamp> before;
+  const opening outcome = open_target(found, before);
+  if (outcome == opening::opened) filled = hold(std::move(found), before);
   return outcome;
 }
 
-opening table_core::open_target(std::unique_ptr<table>& found) {
-  const auto open_one = [this](std::unique_ptr<table>& one) {
+opening table_core::open_target(std::unique_ptr<table>& found, std::optional<file_stamp>& before) {
+  const auto open_one = [&](std::unique_ptr<table>& one) {
     if (files().kind(name) != file_kind::regular) return opening::not_a_table;
+    before = stamp_of(name);
     one = open_table(name, read_only != 0);
     return opening::opened;
   };
@@ -36,16 +47,18 @@ opening table_core::open_target(std::unique_ptr<table>& found) {
   return open_one(found);
 }
 
-void table_core::note_stamp() {
-  file_stamp now;
-  stamp_ = files().stamp(path_, now) ? std::optional(now) : std::nullopt;
+void table_core::note_stamp(const std::optional<file_stamp>& now) {
+  stamp_ = now;
   stamped_ = table_->version();
 }
 
 std::optional<file_stamp> table_core::stamp() {
   if (!stamp_ || opened().version() != stamped_) {
     opened().flush();
-    note_stamp();
+    note_stamp(stamp_of(path_));
+    // What others have changed before that moment is read from here on; rows of theirs are not, and no later
+    // look at the file would tell of them.
+    if (!opened().readAgain()) stamp_ = file_stamp{};
   }
   return stamp_;
 }
@@ -56,12 +69,12 @@ bool table_core::was_changed_elsewhere() const {
   return files().stamp(path_, now) && now != stamp_;
 }
 
-HRESULT table_core::hold(std::unique_ptr<table> found) {
+HRESULT table_core::hold(std::unique_ptr<table> found, const std::optional<file_stamp>& before) {
   ovfile::pointer<IOvSchema> filled = new_schema();
   const HRESULT status = fill_schema(*filled.get(), *found);
   path_ = absolute_path(found->getFileName());
   table_ = std::move(found);
-  note_stamp();
+  note_stamp(before);
   schema = std::move(filled);
   at_end = false;
   at_beginning = false;
@@ -113,7 +126,8 @@ void table_core::release_table() {
 
 void table_core::reopen(const wide& path) {
   if (files().kind(path) != file_kind::regular) throw not_open();
-  const HRESULT filled = hold(open_table(path, read_only != 0));
+  const std::optional<file_stamp> before = stamp_of(path);
+  const HRESULT filled = hold(open_table(path, read_only != 0), before);
   if (FAILED(filled)) throw com_error(filled);
   try {
     first_row();

@@ -78,15 +78,17 @@ class table_core {
   ovfile::pointer<IOvProgress> progress;
 
  private:
-  opening open_target(std::unique_ptr<table>& found);
-  HRESULT hold(std::unique_ptr<table> found);
+  /// `before` is what the file was like before anything of it was read: what others change while it is opened
+  /// makes another one of it.
+  opening open_target(std::unique_ptr<table>& found, std::optional<file_stamp>& before);
+  HRESULT hold(std::unique_ptr<table> found, const std::optional<file_stamp>& before);
   /// Whether the name leads to the open table's file.
   bool is_held_file(wide_view other) const;
   /// Brings the schema of a new table up to what the file says; its read-only latch stays as it was.
   void refill(IOvSchema& definition) const;
 
-  /// Notes what the file is like.
-  void note_stamp();
+  /// Notes what the file is like where the object knows all of it.
+  void note_stamp(const std::optional<file_stamp>& now);
 
   std::unique_ptr<table> table_;
   std::optional<file_stamp> stamp_;

@@ -35,6 +35,30 @@ class ChangedMeanwhile : public ovtest::EditedTable {
     EXPECT_EQ(left_behind(), std::set<std::string>{"table.ovt"});
   }
 
+  /// Two rows, of which some edits leave the last one behind.
+  void append_elsewhere() {
+    const auto other = ovfile::create_table();
+    ASSERT_EQ(other->Open(ovtest::text_of(path()).get(), 0), S_OK);
+    for (const double value : {777, 778}) {
+      ASSERT_EQ(other->AddRow(), S_OK);
+      ASSERT_EQ(other->SetColumnDouble(2, value), S_OK);
+    }
+    ASSERT_EQ(other->Close(), S_OK);
+  }
+  /// Whether a row of the open table has it; the columns may have changed places.
+  bool holds(double value) {
+    LONG rows = 0;
+    EXPECT_EQ(table_->GetRowCount(&rows), S_OK);
+    for (LONG row = 1; row <= rows; ++row) {
+      EXPECT_EQ(table_->GetRowAt(row), S_OK);
+      for (const LONG column : {1, 2}) {
+        double found = 0;
+        if (table_->GetColumnAsDouble(column, &found) == S_OK && found == value) return true;
+      }
+    }
+    return false;
+  }
+
   /// What it sorts is the file as it is then.
   static bool reads_anew() { return GetParam().name == "Sort"; }
   void expect_in_new_file(double value) {
@@ -73,6 +97,35 @@ TEST_P(ChangedMeanwhile, AFileThatWasChangedSinceItWasOpenedIsNotReplaced) {
   change_elsewhere();
   if (reads_anew()) return expect_in_new_file(777);
   expect_refused();
+}
+
+/// At every call by which the file is opened, while nobody can have seen it change yet.
+TEST_P(ChangedMeanwhile, RowsThatComeWhileTheFileIsOpenedStay) {
+  if (GetParam().name == "Rebuild") GTEST_SKIP() << "which rows stay is the caller's to say";
+  for (int n = 1;; ++n) {
+    ASSERT_LT(n, 100);
+    SCOPED_TRACE("call " + std::to_string(n));
+    ovtest::write_bytes(path(), old_);
+    ovtest::failing_files watched;
+    int calls = 0;
+    bool is_appending = false;
+    watched.decide = [&](ovtest::call, const ovf::wide&) {
+      if (!is_appending && ++calls == n) {
+        is_appending = true;
+        append_elsewhere();
+        is_appending = false;
+      }
+      return ovtest::fate::works;
+    };
+    ASSERT_EQ(GetParam().by_record_set ? open_set() : open(), S_OK);
+    watched.fail_nothing();
+    if (calls < n) break;
+    run();
+    close();
+    ASSERT_EQ(open(), S_OK);
+    EXPECT_TRUE(holds(777));
+    close();
+  }
 }
 
 TEST_P(ChangedMeanwhile, AnotherFileUnderTheNameIsNotReplaced) {
