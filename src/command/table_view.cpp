@@ -81,13 +81,14 @@ LONG table_view::rows_in_file() const {
   constexpr long long page_words = 512;
   const OvTableFacts found = facts();
   const long long page_bytes = page_words * found.wordBytes;
-  const long long record_bytes = found.recordWords * found.wordBytes;
+  const long long record_words = found.recordWords;
+  const long long record_bytes = record_words * found.wordBytes;
   // The last page may end with its rows.
   const long long of_last_page = found.fileBytes - (found.pages - 1) * page_bytes;
   if (rows_ == 0 || of_last_page >= record_bytes * found.recordsInLastPage) return rows_;
   // Of a shorter one the library reads what is there, the rest as zeros, from as many bytes on as its rows
   // have words.
-  if (of_last_page >= found.recordWords * found.recordsInLastPage) {
+  if (of_last_page >= record_words * found.recordsInLastPage) {
     return static_cast<LONG>(rows_ - found.recordsInLastPage + of_last_page / record_bytes);
   }
   const long long pages = std::max(found.fileBytes / page_bytes - found.headerPages, 0LL);
