@@ -20,7 +20,7 @@ std::size_t csv_input::read(char* bytes, std::size_t count) {
 
 void csv_input::start_again() {
   from_copy_ = copy_.has_value();
-  (from_copy_ ? *copy_ : file_).rewind();
+  (from_copy_ ? *copy_ : file_).go_to(0);
 }
 
 }  // namespace command

@@ -64,10 +64,8 @@ void run_diff(const diff_request& request) {
     found = true;  // nothing is written of tables that are equal
   } catch (const wrong_usage&) {
     throw;
-  } catch (const std::bad_alloc&) {
-    throw no_comparison("there is not enough memory");
   } catch (const std::exception& error) {
-    throw no_comparison(error.what());
+    throw no_comparison(words_of(error));
   }
   if (found) throw difference();
 }

@@ -2,6 +2,7 @@
 // and are one line; main prints them.
 #pragma once
 
+#include <exception>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -37,5 +38,8 @@ struct broken_pipe {};
 
 /// A signal (or its like) asked the program to stop; what it made so far is to be removed.
 struct interrupted {};
+
+/// What went wrong, whoever threw it.
+std::string words_of(const std::exception& error);
 
 }  // namespace command

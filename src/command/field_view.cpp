@@ -1,6 +1,7 @@
 #include "field_view.h"
 
 #include <algorithm>
+#include <new>
 
 #include "failure.h"
 #include "table_limits.h"
@@ -36,7 +37,13 @@ ovfile::wide_view without_end_blanks(ovfile::wide_view text) noexcept {
 }
 
 void check_call(const std::string& file, HRESULT status) {
-  if (FAILED(status)) throw failure(file + ": " + ovfile::error::take(status).what());
+  if (FAILED(status)) throw failure(file + ": " + taken_words(status));
+}
+
+std::string taken_words(HRESULT status) {
+  std::string words = ovfile::error::take(status).what();
+  if (status == E_OUTOFMEMORY) throw std::bad_alloc();
+  return words;
 }
 
 std::vector<field_view> read_fields(IOvSchema& schema, const std::string& file) {

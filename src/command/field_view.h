@@ -26,6 +26,8 @@ ovfile::wide_view without_end_blanks(ovfile::wide_view text) noexcept;
 /// Throws `failure` with `file` and what the thread's error information says when the status is a failed
 /// one.
 void check_call(const std::string& file, HRESULT status);
+/// Why a call failed. Throws `std::bad_alloc` where there was not enough memory.
+std::string taken_words(HRESULT status);
 
 /// All fields in their order. Throws `failure` with `file`.
 std::vector<field_view> read_fields(IOvSchema& schema, const std::string& file);

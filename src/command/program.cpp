@@ -1,7 +1,6 @@
 #include "program.h"
 
 #include <exception>
-#include <new>
 
 #include "commands.h"
 #include "failure.h"
@@ -52,10 +51,8 @@ int run_program(const std::vector<std::string>& arguments) {
     return usage_status;
   } catch (const marked_failure& error) {
     say(error.what(), error.lines);
-  } catch (const std::bad_alloc&) {
-    say("there is not enough memory");
   } catch (const std::exception& error) {
-    say(error.what());
+    say(words_of(error));
   }
   return failure_status;
 }

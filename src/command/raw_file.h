@@ -41,7 +41,8 @@ class raw_file {
 
   /// Whether it can be read a second time, and its size then.
   bool is_regular(std::uint64_t& bytes) const noexcept;
-  void rewind();
+  /// The next byte that is read is the one at this position.
+  void go_to(std::uint64_t position);
 
  private:
   raw_file(int handle, std::string name) : handle_(handle), name_(std::move(name)) {}

@@ -117,8 +117,9 @@ bool raw_file::is_regular(std::uint64_t& bytes) const noexcept {
   return true;
 }
 
-void raw_file::rewind() {
-  if (_lseeki64(handle_, 0, SEEK_SET) != 0) throw failure("cannot read " + name_ + ": " + last_reason());
+void raw_file::go_to(std::uint64_t position) {
+  if (_lseeki64(handle_, static_cast<__int64>(position), SEEK_SET) < 0)
+    throw failure("cannot read " + name_ + ": " + last_reason());
 }
 
 void sync_file(const std::string& name, const std::string& shown) {

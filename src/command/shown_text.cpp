@@ -16,7 +16,9 @@ std::size_t append(std::string& out, std::string_view utf8, Kept is_kept) {
   bool valid = true;
   while (!utf8.empty()) {
     const std::string_view before = utf8;
-    const std::uint32_t c = ovfile::take_utf8(utf8, valid);
+    std::uint32_t c = ovfile::take_utf8(utf8, valid);
+    // A file's name may be no UTF-8, and some terminals take the bytes of C1 by themselves.
+    if (!valid) c = static_cast<unsigned char>(before.front());
     const bool replaced = is_control(c) && !is_kept(c);
     out += replaced ? "." : before.substr(0, before.size() - utf8.size());
     ++length;

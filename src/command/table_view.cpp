@@ -39,7 +39,7 @@ void table_view::open(table_access access) {
   const HRESULT status =
       table_->Open(ovfile::text(std::string_view(file_)).get(), access == table_access::read ? 1 : 0);
   if (SUCCEEDED(status)) return;
-  const std::string words = ovfile::error::take(status).what();
+  const std::string words = taken_words(status);
   // What these say of the system's reason is in several lines, or nothing.
   if (words.starts_with("cannot open file") || words.starts_with("Failed to open table")) {
     refuse_unopenable_file(file_, access == table_access::change);
@@ -49,7 +49,7 @@ void table_view::open(table_access access) {
 
 void table_view::check_copied(HRESULT status) const {
   if (SUCCEEDED(status)) return;
-  const std::string words = ovfile::error::take(status).what();
+  const std::string words = taken_words(status);
   if (words.find("cannot create file") != words.npos || words.find("cannot replace") != words.npos) {
     table_->Close();  // else it is ourselves who have it open
     refuse_unreplaceable_file(file_);
@@ -107,7 +107,7 @@ std::string table_view::description() const {
 
 void table_view::fail_at(const field_view* field, HRESULT status) const {
   throw failure(fmt::format("{}, row {}{}{}: {}", file_, row_, field == nullptr ? "" : ", column ",
-                            field == nullptr ? "" : field->name, ovfile::error::take(status).what()));
+                            field == nullptr ? "" : field->name, taken_words(status)));
 }
 
 std::vector<field_view> table_view::choose(const std::vector<std::string>& names) const {

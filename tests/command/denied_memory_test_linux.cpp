@@ -87,14 +87,17 @@ TEST_P(denied_memory_test, all_is_done_or_nothing) {
 
 INSTANTIATE_TEST_SUITE_P(
     commands, denied_memory_test,
-    testing::Values(work{"set", {"set", "t.ovt", "AU=9", "--where", "HOLE = 'DDH3' OR AU > 5"}},
-                    work{"delete_rows", {"delete-rows", "t.ovt", "--where", "HOLE = 'DDH3'"}},
-                    work{"sort", {"sort", "t.ovt", "--by", "HOLE"}},
-                    work{"rename", {"rename", "t.ovt", "AU", "GOLD"}},
-                    work{"truncate", {"truncate", "t.ovt", "--rows", "100"}},
-                    work{"export", {"export", "t.ovt", "out.csv", "--where", "AU > 5"}},
-                    work{"import", {"import", "in.csv", "t.ovt"}},
-                    work{"diff", {"diff", "t.ovt", "u.ovt", "--key", "HOLE,FROM"}}),
+    testing::Values(
+        work{"set", {"set", "t.ovt", "AU=9", "--where", "HOLE = 'DDH3' OR AU > 5"}},
+        work{"delete_rows", {"delete-rows", "t.ovt", "--where", "HOLE = 'DDH3'"}},
+        work{"sort", {"sort", "t.ovt", "--by", "HOLE"}}, work{"rename", {"rename", "t.ovt", "AU", "GOLD"}},
+        work{"truncate", {"truncate", "t.ovt", "--rows", "100"}},
+        work{"export", {"export", "t.ovt", "out.csv", "--where", "AU > 5"}},
+        work{"import", {"import", "in.csv", "t.ovt"}}, work{"alter", {"alter", "t.ovt", "--add", "CU=1"}},
+        work{"add_implicit", {"add-implicit", "t.ovt", "SG=2.7"}},
+        work{"default", {"default", "t.ovt", "AU=1"}}, work{"new", {"new", "t.ovt", "--template", "points"}},
+        work{"verify", {"verify", "t.ovt"}}, work{"salvage", {"verify", "u.ovt", "--salvage", "t.ovt"}},
+        work{"diff", {"diff", "t.ovt", "u.ovt", "--key", "HOLE,FROM"}}),
     [](const auto& each) { return each.param.name; });
 
 }  // namespace

@@ -75,7 +75,7 @@ TEST(sha512, of_a_file_begins_where_the_file_stands) {
   bool taken = false;
   command::raw_file file = command::raw_file::make_new((folder / "f").string(), false, taken);
   file.write("xxabc");
-  file.rewind();
+  file.go_to(0);
   char two[2];
   ASSERT_EQ(file.read(two, 2), 2u);
   EXPECT_EQ(

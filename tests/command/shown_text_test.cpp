@@ -20,6 +20,12 @@ TEST(shown_text, lines_keep_tabs_and_line_feeds) {
   EXPECT_EQ(command::shown_lines("\xC2\xA0\xC3\xA9"), "\xC2\xA0\xC3\xA9");
 }
 
+TEST(shown_text, bytes_that_are_no_utf8_are_no_control_characters_either) {
+  EXPECT_EQ(command::shown_lines("a\x9B"
+                                 "2J\xE9z\xC2"),
+            "a.2J\xE9z\xC2");
+}
+
 class terminal_test : public ovtest::command_test {
  protected:
   /// A table whose description, default and value would clear a screen.

@@ -61,6 +61,44 @@ TEST_F(verify_test, a_file_that_was_cut_within_its_last_page_lacks_rows) {
                  "t.ovt: the file ends behind row 558; its header promises 600");
 }
 
+TEST_F(verify_test, rows_of_a_page_in_which_the_file_ends_are_read) {
+  for (const std::size_t cut : {4096 + 50 * 16 + 15, 2 * 4096 + 16, 2 * 4096 + 253 * 16 + 8}) {
+    SCOPED_TRACE(cut);
+    write("t.ovt", table_.substr(0, cut));
+    const std::string rows = std::to_string((cut / 4096 - 1) * 254 + cut % 4096 / 16);
+    expect(1, "t.ovt: not whole, " + rows + " rows\n  t.ovt: the file ends behind row " + rows +
+                  "; its header promises 600\n");
+    const ovtest::process_result end = run({"verify", "t.ovt", "--salvage", "saved.ovt"});
+    EXPECT_EQ(end.error, "ovfile: " + rows + " of 600 rows went to saved.ovt; of t.ovt these are lost: " +
+                             std::to_string(std::stoi(rows) + 1) + "-600\n");
+    EXPECT_EQ(run_quietly({"verify", "saved.ovt"}), "saved.ovt: whole, " + rows + " rows\n");
+    EXPECT_EQ(run_quietly({"head", "saved.ovt", "-n", "1", "--from", rows}),
+              std::string(rows.size() - 1, ' ') + "A  B\n" + rows + "  ab\n");
+  }
+}
+
+TEST_F(verify_test, faults_in_a_page_in_which_the_file_ends_are_told_by_row) {
+  const std::uint64_t none = 0x7FF8000000000000;
+  std::memcpy(table_.data() + 2 * 4096 + 4 * 16, &none, 8);
+  write("t.ovt", table_.substr(0, 2 * 4096 + 10 * 16));
+  expect(1,
+         "t.ovt: not whole, 264 rows\n"
+         "  t.ovt: the file ends behind row 264; its header promises 600\n"
+         "  t.ovt, row 259, column A: the number is no number\n");
+}
+
+TEST_F(verify_test, a_page_in_which_a_file_of_single_precision_ends_is_read) {
+  std::string csv = "A,B\n";
+  for (int i = 1; i <= 600; ++i) csv += std::to_string(i) + ",ab\n";
+  write("in.csv", csv);
+  run_quietly({"import", "in.csv", "t.ovt", "--single"});
+  const std::string table = read("t.ovt");  // pages of 254 records of 8 bytes
+  write("t.ovt", table.substr(0, 2048 + 100 * 8 + 3));
+  EXPECT_EQ(run({"verify", "t.ovt", "--salvage", "saved.ovt"}).status, 1);
+  EXPECT_EQ(run_quietly({"verify", "saved.ovt"}), "saved.ovt: whole, 100 rows\n");
+  EXPECT_EQ(run_quietly({"head", "saved.ovt", "-n", "1", "--from", "100"}), "  A  B\n100  ab\n");
+}
+
 TEST_F(verify_test, a_last_page_that_ends_with_its_rows_is_whole) {
   write("t.ovt", table_.substr(0, 3 * 4096 + 92 * 16));
   expect(0, "t.ovt: whole, 600 rows\n");

@@ -127,7 +127,7 @@ raw_file package_registry::get(const std::string& address, std::uint64_t bytes) 
     throw failure(fmt::format("cannot get {}: {}", shown_address(address),
                               reason.empty() ? fmt::format("curl ended with {}", end.status) : reason));
   }
-  file.rewind();
+  file.go_to(0);
   return file;
 }
 

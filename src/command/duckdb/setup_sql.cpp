@@ -69,7 +69,7 @@ bool is_there(const wanted_library& wanted) {
 void check_integrity(raw_file& package, const std::string& source, const wanted_library& wanted,
                      const std::string& expected) {
   const std::string found = integrity_of(package);
-  package.rewind();
+  package.go_to(0);
   if (found == expected) return;
   throw failure(fmt::format("{} is not {} {}: its digest is {}, not {}", source, duckdb_package.name,
                             wanted.version, found, expected));

@@ -3,14 +3,17 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
+#include <optional>
 #include <set>
-#include <system_error>
+#include <string_view>
 
 #include "failure.h"
 #include "field_names.h"
+#include "folder_names.h"
 #include "progress.h"
 #include "table_limits.h"
 #include "utf8_path.h"
+#include "verify/readable_rows.h"
 #include "words.h"
 
 namespace command {
@@ -86,11 +89,8 @@ void check_names(const std::vector<dictionary_entry>& entries, bool is_double, s
 
 /// What works on tables leaves beside them when it is killed.
 void look_beside(const std::string& file, std::vector<finding>& found) {
-  std::error_code error;
-  const auto path = path_of_utf8(file);
-  const auto folder = path.has_parent_path() ? path.parent_path() : std::filesystem::path(".");
-  for (std::filesystem::directory_iterator at(folder, error), end; !error && at != end; at.increment(error)) {
-    const std::string name = utf8_of_path(at->path().filename());
+  const std::filesystem::path folder = path_of_utf8(file).parent_path();
+  for (const std::string& name : names_in_folder(folder.empty() ? "." : utf8_of_path(folder))) {
     const bool is_copy = name.starts_with(".NEW") || (name.starts_with("NEW") && name.ends_with(".tmp"));
     if (is_copy) found.push_back({fmt::format("beside it lies {}, of work that was cut off", name), false});
   }
@@ -106,14 +106,14 @@ bool is_outside(const std::string& utf8) {
 
 class row_check {
  public:
-  row_check(table_view& view, check_result& result) : view_(view), result_(result) {}
+  row_check(readable_rows& rows, check_result& result) : rows_(rows), result_(result) {}
 
   void run() {
-    progress bar("reading " + view_.file());
+    progress bar("reading " + rows_.table().file());
     for (LONG row = 1; row <= result_.rows_in_file; ++row) {
       try {
-        view_.go_to(row);
-        for (const field_view& field : view_.fields()) look_at(field, row);
+        const table_view& table = rows_.at(row);
+        for (const field_view& field : table.fields()) look_at(table, field, row);
       } catch (const failure& error) {
         result_.lost.push_back(row);
         report(unreadable_, {error.what(), true, row});
@@ -134,28 +134,40 @@ class row_check {
       told = most_of_a_kind;
     }
   }
-  void look_at(const field_view& field, LONG row) {
+  void look_at(const table_view& table, const field_view& field, LONG row) {
     if (field.implicit) return;
     if (!field.is_text) {
-      const double number = view_.number(field);
+      const double number = table.number(field);
       if (std::isfinite(number)) return;
       const char* const what = std::isnan(number) ? "the number is no number" : "the number is infinite";
       report(no_number_, {what, true, row, field.name});
       return;
     }
     text_.clear();
-    view_.append_text(text_, field);
+    table.append_text(text_, field);
     if (is_outside(text_))
       report(outside_, {"the text has bytes outside the code page", true, row, field.name});
   }
 
-  table_view& view_;
+  readable_rows& rows_;
   check_result& result_;
   std::string text_;
   int unreadable_ = 0;
   int no_number_ = 0;
   int outside_ = 0;
 };
+
+/// None, and what is wrong, where the library takes it for no table. Whatever else hinders it is no fault of
+/// the table: that is thrown.
+std::optional<readable_rows> opened(const std::string& file, std::vector<finding>& found) {
+  try {
+    return std::optional<readable_rows>(std::in_place, file);
+  } catch (const failure& error) {
+    if (std::string_view(error.what()).find("Not a valid") == std::string_view::npos) throw;
+    found.push_back({fmt::format("it cannot be opened: {}", error.what())});
+    return {};
+  }
+}
 
 }  // namespace
 
@@ -183,18 +195,15 @@ check_result check_table(const std::string& file) {
     return result;
   }
   look_beside(file, result.findings);
-  try {
-    table_view view(file);
-    result.rows = view.rows();
-    result.rows_in_file = view.rows_in_file();
-    if (result.rows_in_file < result.rows) {
-      result.findings.push_back({fmt::format("the file ends behind row {}; its header promises {}",
-                                             result.rows_in_file, result.rows)});
-    }
-    row_check(view, result).run();
-  } catch (const failure& error) {
-    result.findings.push_back({fmt::format("it cannot be opened: {}", error.what())});
+  std::optional<readable_rows> rows = opened(file, result.findings);
+  if (!rows) return result;
+  result.rows = rows->table().rows();
+  result.rows_in_file = rows->count();
+  if (result.rows_in_file < result.rows) {
+    result.findings.push_back({fmt::format("the file ends behind row {}; its header promises {}",
+                                           result.rows_in_file, result.rows)});
   }
+  row_check(*rows, result).run();
   return result;
 }
 

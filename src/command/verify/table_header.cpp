@@ -19,14 +19,18 @@ constexpr std::size_t page_words = 512;
 constexpr std::size_t mark_word = 24;
 constexpr std::size_t atoms_word = 25;
 constexpr std::size_t most_atoms = 256;
+constexpr double single_mark = 987654;
+constexpr double double_mark = 456789;
 
 /// Which byte of four a number's bytes come from, for each order of bytes that tables have.
 constexpr std::size_t byte_orders[][4] = {{0, 1, 2, 3}, {1, 0, 3, 2}, {3, 2, 1, 0}, {2, 3, 0, 1}};
 
-class word_reader {
+class header_words {
  public:
-  word_reader(std::string bytes, bool is_double) : bytes_(std::move(bytes)), word_(is_double ? 8 : 4) {}
+  header_words(std::string bytes, bool is_double) : bytes_(std::move(bytes)), word_(is_double ? 8 : 4) {}
 
+  bool is_double() const noexcept { return word_ == 8; }
+  const std::string& bytes() const noexcept { return bytes_; }
   /// Whether the file has the word.
   bool has(std::size_t word) const noexcept { return (place_of(word) + 1) * word_ <= bytes_.size(); }
   const char* at(std::size_t word) const noexcept { return bytes_.data() + place_of(word) * word_; }
@@ -36,6 +40,13 @@ class word_reader {
     for (std::size_t i = 0; i < word_; ++i) ordered[i] = at(word)[i / 4 * 4 + byte_orders[order_][i % 4]];
     if (word_ == 8) return read<double>(ordered);
     return static_cast<double>(read<float>(ordered));
+  }
+  void put_number(std::size_t word, double number) noexcept {
+    char plain[8] = {};
+    const auto small = static_cast<float>(number);
+    std::memcpy(plain, word_ == 8 ? static_cast<const void*>(&number) : &small, word_);
+    char* const there = bytes_.data() + place_of(word) * word_;
+    for (std::size_t i = 0; i < word_; ++i) there[i / 4 * 4 + byte_orders[order_][i % 4]] = plain[i];
   }
 
   /// Takes the order of bytes in which the mark reads as it must; false where there is none.
@@ -64,20 +75,30 @@ class word_reader {
   std::size_t order_ = 0;
 };
 
-/// As far as a header can reach.
-std::string first_bytes(const std::string& file, std::uint64_t& size) {
-  raw_file opened = raw_file::open(file);
-  if (!opened.is_regular(size)) throw not_a_table();
-  constexpr std::size_t most = 4 * page_words * 8;
-  std::string bytes(static_cast<std::size_t>(std::min<std::uint64_t>(size, most)), '\0');
+/// Up to `count` bytes from `position` on, fewer where the file ends.
+std::string bytes_at(raw_file& file, std::uint64_t position, std::size_t count) {
+  std::string bytes(count, '\0');
+  file.go_to(position);
   std::size_t done = 0;
-  while (done < bytes.size()) {
-    const std::size_t now = opened.read(bytes.data() + done, bytes.size() - done);
+  while (done < count) {
+    const std::size_t now = file.read(bytes.data() + done, count - done);
     if (now == 0) break;
     done += now;
   }
   bytes.resize(done);
   return bytes;
+}
+
+/// As far as a header can reach, with the precision and the order of bytes that its mark tells.
+header_words words_of(raw_file& file, std::uint64_t& size) {
+  if (!file.is_regular(size)) throw not_a_table();
+  constexpr std::size_t most = 4 * page_words * 8;
+  const std::string bytes = bytes_at(file, 0, static_cast<std::size_t>(std::min<std::uint64_t>(size, most)));
+  header_words words(bytes, false);
+  if (words.find_order(single_mark)) return words;
+  words = header_words(bytes, true);
+  if (!words.find_order(double_mark)) throw not_a_table();
+  return words;
 }
 
 std::string name_of(const char* entry, bool is_double) {
@@ -105,16 +126,10 @@ std::uint64_t table_header::record_words() const noexcept {
 }
 
 table_header read_table_header(const std::string& file) {
-  constexpr double single_mark = 987654;
-  constexpr double double_mark = 456789;
   table_header header;
-  const std::string bytes = first_bytes(file, header.bytes);
-  word_reader words(bytes, false);
-  if (!words.find_order(single_mark)) {
-    header.is_double = true;
-    words = word_reader(bytes, true);
-    if (!words.find_order(double_mark)) throw not_a_table();
-  }
+  raw_file opened = raw_file::open(file);
+  const header_words words = words_of(opened, header.bytes);
+  header.is_double = words.is_double();
   header.is_cut = !words.has(atoms_word + 2);
   if (header.is_cut) return header;
   header.atoms = words.number(atoms_word);
@@ -132,6 +147,21 @@ table_header read_table_header(const std::string& file) {
                               words.number(word + 3), words.number(word + 4)});
   }
   return header;
+}
+
+std::string table_of_page(const std::string& file, std::uint64_t page, std::uint64_t records) {
+  const table_header header = read_table_header(file);
+  raw_file opened = raw_file::open(file);
+  std::uint64_t size = 0;
+  header_words words = words_of(opened, size);
+  words.put_number(atoms_word + 1, static_cast<double>(header.header_pages() + 1));
+  words.put_number(atoms_word + 2, static_cast<double>(records));
+  const std::uint64_t page_bytes = header.page_bytes();
+  std::string table = words.bytes();
+  table.resize(static_cast<std::size_t>(header.header_pages() * page_bytes));
+  table += bytes_at(opened, page * page_bytes, static_cast<std::size_t>(page_bytes));
+  table.resize(static_cast<std::size_t>((header.header_pages() + 1) * page_bytes));
+  return table;
 }
 
 }  // namespace command

@@ -31,8 +31,13 @@ struct table_header {
   std::uint64_t record_words() const noexcept;
 };
 
+struct not_a_table {};
+
 /// Throws `failure` where the file cannot be read, and `not_a_table` where it has no table's mark.
 table_header read_table_header(const std::string& file);
-struct not_a_table {};
+
+/// The bytes of a table that has the file's columns and, as its only rows, the first `records` of one page,
+/// as far as the file reaches. Throws like `read_table_header`.
+std::string table_of_page(const std::string& file, std::uint64_t page, std::uint64_t records);
 
 }  // namespace command

@@ -125,8 +125,8 @@ void run_verify(const verify_request& request) {
   verdict all = verdict::whole;
   try {
     all = verify_all(request);
-  } catch (const failure& error) {
-    throw no_comparison(error.what());
+  } catch (const std::exception& error) {
+    throw no_comparison(words_of(error));
   }
   if (all == verdict::unread) throw no_comparison("not all tables could be read");
   if (all == verdict::not_whole) throw difference();
