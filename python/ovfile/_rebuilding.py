@@ -6,6 +6,8 @@ import contextlib
 import ctypes
 import errno
 import os
+import pathlib
+import tempfile
 from ctypes import POINTER, c_int32
 from typing import Any, Iterator, Optional, Sequence
 
@@ -26,8 +28,9 @@ from ._replacement import (
     OPEN_ELSEWHERE,
     Replacement,
     Stamp,
-    copy_file,
+    copy_beginning,
     replacement,
+    stamp_apart,
     stamp_of,
 )
 from ._schema import Column, Schema, make_object, read_schema
@@ -36,6 +39,8 @@ from ._writing import append_stream, closing
 _LONGS = POINTER(c_int32)
 _TO_CHANGE, _TO_READ = 0, 1
 _SHARING_VIOLATION = 32
+# Of 256 columns' words in double precision.
+_MOST_HEADER_BYTES = 4 * 4096
 
 
 def rebuild(
@@ -107,26 +112,33 @@ def add_implicit_column(table: Interface, schema: Schema, column: Column, value:
 def write_with_column(table: Interface, schema: Schema, column: Column, source: Source) -> None:
     """The table with one column more and its values, in a new file that takes the place of its own.
 
-    The new file begins as a copy, so that what a header holds besides columns stays. The rows come out of the
-    file as it stands, and what somebody else writes to it meanwhile is not lost: then it stays as it is.
+    The new file begins with the table's own header, so that what that holds besides columns stays. The rows come
+    out of the file as it stands, and what somebody else writes to it meanwhile is not lost: then it stays as it is.
     """
     path, rows = table.out_text("get_Name"), table.out_long("GetRowCount")
     table.call("FlushChanges")
     with held_signals() as signals, replacement(path) as new:
-        before = stamp_of(path)
+        before = stamp_apart(path)
         with closing(_opened(path, _TO_READ)) as old:
             _require_same(old, schema, rows)
-            copy_file(path, new.beside, signals.check)
-            with closing(_opened(new.own_name(), _TO_CHANGE)) as made:
-                add_default = [*range(1, len(schema) + 1), 0]
-                rebuild(made, wider(schema, column), add_default, np.empty(0, np.int64))
-                with stoppable(made, signals):
-                    producer = _merged(old, schema, source, rows)
-                    append_stream(made, producer.stream(), producer)
+            new.fill(_without_rows(path, schema, column))
+            with closing(_opened(new.beside, _TO_CHANGE)) as made, stoppable(made, signals):
+                producer = _merged(old, schema, source, rows)
+                append_stream(made, producer.stream(), producer)
         signals.check()
         if stamp_of(path) != before:
             raise Error(CHANGED_ELSEWHERE)
         _put_in_place(table, path, new, before)
+
+
+def _without_rows(path: str, schema: Schema, column: Column) -> bytes:
+    """A table of the same header and one column more, made where nobody else can reach it."""
+    with tempfile.TemporaryDirectory(prefix="ovfile-") as folder:
+        name = os.path.join(folder, "header.ovt")
+        copy_beginning(path, name, _MOST_HEADER_BYTES)
+        with closing(_opened(name, _TO_CHANGE)) as table:
+            rebuild(table, wider(schema, column), [*range(1, len(schema) + 1), 0], np.empty(0, np.int64))
+        return pathlib.Path(name).read_bytes()
 
 
 def _opened(path: str, mode: int) -> Interface:

@@ -6,7 +6,7 @@ import contextlib
 import os
 import secrets
 import stat
-from typing import Callable, Iterator, NamedTuple, Optional, Tuple
+from typing import Iterator, NamedTuple, Optional, Tuple
 
 from ._errors import Error
 from ._file_rights import carry_rights
@@ -21,11 +21,10 @@ CHANGED_ELSEWHERE = "the table was changed elsewhere meanwhile; nothing was writ
 
 # What a table's header says of its rows stands within so many bytes.
 _HEADER_BYTES = 4096
-_PORTION = 1 << 22
 _MOST_TRIES = 5
 # A pipe under the file's name would hold us up.
 _TO_LOOK = os.O_RDONLY | getattr(os, "O_NONBLOCK", 0) | getattr(os, "O_BINARY", 0)
-_TO_MAKE = os.O_RDWR | os.O_CREAT | os.O_EXCL
+_TO_MAKE = os.O_RDWR | os.O_CREAT | os.O_EXCL | getattr(os, "O_BINARY", 0)
 _TO_CHANGE = os.O_RDWR | getattr(os, "O_NOFOLLOW", 0) | getattr(os, "O_BINARY", 0)
 
 
@@ -50,6 +49,19 @@ def stamp_of(path: str) -> Stamp:
         raise Error(f"the file cannot be read: {failure.strerror}") from None
 
 
+def stamp_apart(path: str) -> Stamp:
+    """The stamp from which on every write bears another time: systems note it in steps of milliseconds."""
+    with contextlib.suppress(OSError):
+        handle = os.open(path, _TO_LOOK)
+        try:
+            facts = os.fstat(handle)
+            moved = facts.st_mtime_ns + 1 + secrets.randbelow(999_999)
+            os.utime(handle if os.utime in os.supports_fd else path, ns=(facts.st_atime_ns, moved))
+        finally:
+            os.close(handle)
+    return stamp_of(path)
+
+
 def _stamp_of(handle: int) -> Stamp:
     facts = os.fstat(handle)
     os.lseek(handle, 0, os.SEEK_SET)
@@ -69,13 +81,11 @@ def require_file(path: str) -> None:
         raise Error("it is not a regular file")
 
 
-def copy_file(source: str, target: str, check: Callable[[], None]) -> None:
-    """Copies into a file that is there. `check` is asked now and then, and raises where it is to end."""
+def copy_beginning(source: str, target: str, count: int) -> None:
+    """Copies the first `count` bytes, or all that there are, to a new file."""
     try:
-        with open(source, "rb") as old, open(target, "rb+") as new:
-            for portion in iter(lambda: old.read(_PORTION), b""):
-                check()
-                new.write(portion)
+        with open(source, "rb") as old, open(target, "xb") as new:
+            new.write(old.read(count))
     except OSError as failure:
         raise Error(f"the file cannot be copied: {failure.strerror}") from None
 
@@ -111,12 +121,13 @@ class Replacement:
         name = f"/proc/self/fd/{self._handle}"
         if fcntl is not None and os.path.exists(name):
             return name
-        return self.own_name()  # an open file is not written by others there
-
-    def own_name(self) -> str:
-        """Its name, for those who replace it in turn."""
-        self.close()
+        self.close()  # an open file is not written by others there
         return self._name
+
+    def fill(self, content: bytes) -> None:
+        """What the file begins with, before others open it."""
+        with _as_errors(), os.fdopen(os.dup(self._handle), "wb") as file:
+            file.write(content)
 
     def _open_again(self) -> None:
         self._handle = os.open(self._name, _TO_CHANGE)

@@ -25,12 +25,13 @@ template <class... Values>
 }
 
 std::vector<std::uint32_t> rows_of(table_core& core, const rebuild_request& request) {
-  std::vector<std::uint32_t> all = all_rows(core);
-  if (request.row_of == nullptr) return all;
+  if (request.row_of == nullptr) return all_rows(core);
   if (request.rows < 0) fail(bad_count, static_cast<long long>(request.rows));
-  std::vector<bool> named(all.size() + 1);
   std::vector<std::uint32_t> rows;
-  rows.reserve(std::min(all.size(), static_cast<std::size_t>(request.rows)));
+  if (request.rows == 0) return rows;  // of a file that has lost its rows too
+  const std::size_t count = all_rows(core).size();
+  std::vector<bool> named(count + 1);
+  rows.reserve(std::min(count, static_cast<std::size_t>(request.rows)));
   for (LONG i = 0; i < request.rows; ++i) {
     const LONG row = request.row_of[i];
     if (row < 1 || static_cast<std::size_t>(row) >= named.size()) fail(bad_row, static_cast<long long>(row));

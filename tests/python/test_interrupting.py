@@ -51,11 +51,11 @@ PLACES = {
     "letting go": (_arrow_export, "_forget"),
     "next batch": (_arrow_export, "_producer"),
     "progress": (_interruption._Listener, "_progress"),
-    "copying": (_rebuilding, "copy_file"),
+    "copying": (_rebuilding, "_without_rows"),
     "taking the place": (_replacement.Replacement, "take_place"),
     "sync": (os, "fsync"),
     "making": (_writing, "create_file"),
-    "removing": (os, "unlink"),
+    "removing": (_replacement, "_remove"),
 }
 data = {"A": np.arange(float(rows)), "T": np.array(["a", "b"] * (rows // 2), object)}
 source = ovfile.open(sys.argv[6])

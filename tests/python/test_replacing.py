@@ -51,7 +51,7 @@ def before(function, work):
 
 MOMENTS = {
     "as it begins": (_rebuilding, "held_signals"),
-    "as it is copied": (_rebuilding, "copy_file"),
+    "as its header is copied": (_rebuilding, "_without_rows"),
     "while rows are written": (_rebuilding, "append_stream"),
     "at the end": (_rebuilding, "_put_in_place"),
     "as the place is taken": (_replacement.Replacement, "take_place"),
@@ -78,6 +78,25 @@ def test_a_table_that_others_change_gets_no_column(path, monkeypatch, moment, sc
     with ovfile.open(path) as table:
         assert (len(table), table.columns, table["A"][-1]) == (rows, ["A"], {4: -7.0, 3: 5.0}[rows])
     assert os.listdir(path.parent) == [path.name]
+
+
+def test_a_change_at_the_time_of_the_last_write_is_seen(path, monkeypatch):
+    """Where the clock stands still, as it does for some milliseconds on many systems."""
+    ovfile.write({"A": [1.0, 2.0]}, path)
+    moment = os.stat(path).st_mtime_ns
+
+    def change():
+        with open(path, "r+b") as file:
+            file.seek(4096)
+            file.write(struct.pack("<d", 77.0))
+        os.utime(path, ns=(moment, moment))
+
+    monkeypatch.setattr(_rebuilding, "append_stream", before(_rebuilding.append_stream, change))
+    with ovfile.open(path, "r+") as table:
+        with pytest.raises(ovfile.Error, match="changed elsewhere meanwhile"):
+            table.add_column("B", [4.0, 5.0])
+    with ovfile.open(path) as table:
+        assert table["A"].tolist() == [77, 2]
 
 
 def test_a_table_that_was_changed_before(path):
@@ -496,3 +515,38 @@ def test_a_link_under_the_new_files_name_leads_nowhere(path, monkeypatch):
     assert stat.S_IMODE(victim.stat().st_mode) == 0o600
     with ovfile.open(path) as table:
         assert table["A"].tolist() == [1]
+
+
+@linux
+def test_a_column_goes_to_no_table_that_a_link_leads_to(path, monkeypatch):
+    """Put there by somebody who may change the folder, whenever the new file is opened."""
+    victim = path.parent / "victim.ovt"
+    ovfile.write({"A": [7, 8]}, victim)
+    untouched = victim.read_bytes()
+    ovfile.write({"A": [1, 2]}, path)
+
+    def swap():
+        for made in [name for name in os.listdir(path.parent) if name.startswith(".NEW")]:
+            if not os.path.islink(path.parent / made):
+                os.rename(path.parent / made, path.parent / "taken")
+                os.symlink(victim, path.parent / made)
+
+    monkeypatch.setattr(_rebuilding, "_opened", before(_rebuilding._opened, swap))
+    with ovfile.open(path, "r+") as table:
+        with pytest.raises(ovfile.Error, match="somebody put another one in its place"):
+            table.add_column("B", [5, 6])
+    assert victim.read_bytes() == untouched
+    with ovfile.open(path) as table:
+        assert [column.name for column in table.schema] == ["A"]
+
+
+def test_a_column_comes_to_a_table_of_several_header_pages(path):
+    """What the header holds beside its columns stays."""
+    names = [f"C{i:03}" for i in range(200)]
+    ovfile.write({name: np.arange(300.0) + i for i, name in enumerate(names)}, path)
+    with ovfile.open(path, "r+") as table:
+        table.add_column("T", ["ab"] * 300)
+    with ovfile.open(path) as table:
+        assert [column.name for column in table.schema] == [*names, "T"]
+        assert all((table[name] == np.arange(300.0) + i).all() for i, name in enumerate(names))
+        assert set(table["T"]) == {"ab"}
