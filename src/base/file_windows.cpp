@@ -82,6 +82,30 @@ class windows_files final : public file_system {
     return false;
   }
 
+  bool set_write_apart(wide_view name) noexcept override try {
+    constexpr DWORD with_everybody = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    wide path;
+    if (!system_name(name, path)) return false;
+    const handle_file opened(CreateFileW(path.c_str(), FILE_READ_ATTRIBUTES | FILE_WRITE_ATTRIBUTES,
+                                         with_everybody, nullptr, OPEN_EXISTING, 0, nullptr));
+    FILETIME written{};
+    LARGE_INTEGER chance{};
+    if (opened.handle() == INVALID_HANDLE_VALUE ||
+        !GetFileTime(opened.handle(), nullptr, nullptr, &written) || !QueryPerformanceCounter(&chance)) {
+      return false;
+    }
+    constexpr DWORD step = 9'999;  // of 100 nanoseconds
+    ULARGE_INTEGER time{};
+    time.LowPart = written.dwLowDateTime;
+    time.HighPart = written.dwHighDateTime;
+    time.QuadPart += 1 + chance.LowPart % step;
+    const FILETIME moved{time.LowPart, time.HighPart};
+    return SetFileTime(opened.handle(), nullptr, nullptr, &moved) != 0;
+  } catch (...) {
+    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+    return false;
+  }
+
   bool remove(wide_view name) noexcept override {
     // Without memory of its own: what is left to do when memory has run out needs none.
     constexpr std::size_t longest_path = 32767;

@@ -11,6 +11,7 @@ namespace {
 
 constexpr wide_view cut_failed =
     OLESTR("OvFile Error: onSetRowCount failed to set the end of the file. (%x: %s)");
+constexpr wide_view header_lost = OLESTR("OvFile Error: the header cannot be read again. (%x: %s)");
 constexpr wide_view sync_failed = OLESTR("OvFile Error: the disk did not take what was written. (%x: %s)");
 
 }  // namespace
@@ -221,7 +222,9 @@ template <class Precision>
 bool row_store<Precision>::read_again() {
   flush();
   records_.forget();
-  return header_.state_in_file() != header_state::changed;
+  const header_state found = header_.state_in_file();
+  if (found == header_state::unreadable) fail_with_system_error(header_lost);
+  return found == header_state::known;
 }
 
 template <class Precision>

@@ -152,7 +152,7 @@ class table {
   virtual table_version version() const noexcept = 0;
   /// Forgets what was read of the rows, so that what others have changed in the file is seen; changes are
   /// written first. The cursor stays. False when others have changed the header too: then there may be rows
-  /// that this object does not know.
+  /// that this object does not know. Throws when the header cannot be read.
   virtual bool readAgain() = 0;
 
   /// The place of a stored number of the current row, native byte order, for callers in a hurry; null

@@ -49,17 +49,22 @@ opening table_core::open_target(std::unique_ptr<table>& found, std::optional<fil
 
 void table_core::note_stamp(const std::optional<file_stamp>& now) {
   stamp_ = now;
+  is_apart_ = false;
   stamped_ = table_->version();
 }
 
 std::optional<file_stamp> table_core::stamp() {
-  if (!stamp_ || opened().version() != stamped_) {
-    opened().flush();
-    note_stamp(stamp_of(path_));
-    // What others have changed before that moment is read from here on; rows of theirs are not, and no later
-    // look at the file would tell of them.
-    if (!opened().readAgain()) stamp_ = file_stamp{};
-  }
+  const bool is_own = opened().version() != stamped_;
+  if (stamp_ && !is_own && (is_apart_ || stamp_of(path_) != stamp_)) return stamp_;
+  opened().flush();
+  const bool is_apart = files().set_write_apart(path_);
+  const std::optional<file_stamp> before = stamp_;
+  note_stamp(stamp_of(path_));
+  // What others have changed before that moment is read from here on; rows of theirs are not, nor is another
+  // file that stands under the name by now, and no later look would tell of them.
+  const bool is_other = before && stamp_ && !stamp_->is_of_same_file(*before);
+  if (is_other || !opened().readAgain()) stamp_ = file_stamp{};
+  is_apart_ = is_apart;
   return stamp_;
 }
 
@@ -92,7 +97,7 @@ void table_core::create(ovfile::pointer<IOvSchema> definition) {
   }
   table_ = create_table(name, made);
   path_ = absolute_path(name);
-  stamp_.reset();
+  note_stamp(stamp_of(path_));
   refill(*schema.get());
 }
 

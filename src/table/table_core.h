@@ -44,8 +44,9 @@ class table_core {
   /// The open table; throws not_open when there is none.
   table& opened() const;
   struct not_open {};
-  /// What the open table's file was like when this object knew all of it: when it was opened, or where the
-  /// object has changed it since, now. Writes what is still in memory. Nothing when the system does not tell.
+  /// What the open table's file is like while this object knows all of it: now, or when it was opened, where
+  /// others have changed it since. Every later write makes it another. Writes what is still in memory.
+  /// Nothing when the system does not tell.
   std::optional<file_stamp> stamp();
   /// Whether the open table's file is not what it was when it was opened, while this object has changed
   /// nothing. False where it has, or the system did not tell: then the engine's own check is all there is.
@@ -93,6 +94,7 @@ class table_core {
   std::unique_ptr<table> table_;
   std::optional<file_stamp> stamp_;
   std::optional<table_version> stamped_;  ///< what the table's version was then
+  bool is_apart_ = false;                 ///< no later write bears the stamp's time
   wide path_;
 };
 

@@ -169,4 +169,21 @@ TEST(Paths, ADriveMakesAPathAbsolute) {
               ovf::absolute_path(OLESTR("a.ovt")).front() == OLESTR('/'));
 }
 
+TEST_F(Files, AWriteThatIsSetApartBearsATimeOfItsOwn) {
+  make("table", "x");
+  ovf::file_stamp before;
+  ovf::file_stamp once;
+  ovf::file_stamp twice;
+  ASSERT_TRUE(files_.stamp(name("table"), before));
+  ASSERT_TRUE(files_.set_write_apart(name("table")));
+  ASSERT_TRUE(files_.stamp(name("table"), once));
+  ASSERT_TRUE(files_.set_write_apart(name("table")));
+  ASSERT_TRUE(files_.stamp(name("table"), twice));
+  EXPECT_TRUE(before.is_of_same_file(once));
+  EXPECT_GT(once.written, before.written);
+  EXPECT_GT(twice.written, once.written);
+  EXPECT_EQ(content("table"), "x");
+  EXPECT_FALSE(files_.set_write_apart(name("missing")));
+}
+
 }  // namespace

@@ -87,6 +87,9 @@ class failing_files final : public ovf::file_system {
   bool stamp(ovf::wide_view name, ovf::file_stamp& found) noexcept override {
     return shared_->ask(call::stamp, name) == fate::works && ovf::system_files().stamp(name, found);
   }
+  bool set_write_apart(ovf::wide_view name) noexcept override {
+    return ovf::system_files().set_write_apart(name);
+  }
   bool remove(ovf::wide_view name) noexcept override {
     return shared_->ask(call::remove, name) == fate::works && ovf::system_files().remove(name);
   }

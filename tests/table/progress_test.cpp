@@ -200,7 +200,7 @@ TEST_P(LongCalls, ThatFailForAnotherReasonAreNotStopped) {
   open_anew();
   ASSERT_EQ(hear(&sink_), S_OK);
   // Behind the first ones, by which some calls open the file again.
-  disk.fail_nth(ovtest::call::read, GetParam().name.starts_with("Sort") ? 8 : 1);
+  disk.fail_nth(ovtest::call::read, GetParam().name.starts_with("Sort") ? 9 : 1);
   SetErrorInfo(0, nullptr);
   EXPECT_EQ(run(), E_FAIL);
   EXPECT_NE(ovtest::reported(), GetParam().stopped);
