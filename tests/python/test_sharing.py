@@ -1,9 +1,13 @@
 """One table and several threads; a table and a process that was forked off."""
 
+import contextlib
 import gc
+import itertools
 import os
+import random
 import sys
 import threading
+import time
 import traceback
 
 import numpy as np
@@ -17,6 +21,11 @@ ELSEWHERE = "the table was opened in another process; open it here"
 
 def in_a_child(work):
     """Whether `work` went well in a process that is forked off, which then ends as programs do."""
+    return ended_well(started(work))
+
+
+def started(work):
+    """The number of a process that is forked off for `work`."""
     child = os.fork()
     if child == 0:
         status = 1
@@ -27,6 +36,10 @@ def in_a_child(work):
             traceback.print_exc()
         finally:
             os._exit(status)
+    return child
+
+
+def ended_well(child):
     return os.waitstatus_to_exitcode(os.waitpid(child, 0)[1]) == 0
 
 
@@ -228,3 +241,61 @@ def test_a_failure_leaves_the_table_to_other_threads(assays):
             with pytest.raises(ovfile.Error, match="for reading"):
                 table.append({})
         assert together(lambda: len(table)) == []
+
+
+# What several processes do to one table at once.
+
+
+def append_until(path, end, first, journal):
+    """Appends rows until the time is over, and notes each that was accepted."""
+    number = first
+    while time.monotonic() < end:
+        try:
+            with ovfile.open(path, "r+") as table:
+                table.append({"ID": [number, number + 1]})
+        except ovfile.Error:
+            continue  # it is being replaced
+        with open(journal, "a") as noted:
+            noted.write(f"{number}\n{number + 1}\n")
+        number += 2
+        time.sleep(random.uniform(0, 0.03))
+
+
+def make_anew_until(path, end, journal):
+    """Makes the table anew, each time in another way."""
+    for step in itertools.count():
+        if time.monotonic() > end:
+            return
+        with contextlib.suppress(ovfile.Error):
+            with ovfile.open(path, "r+") as table:
+                if step % 3 == 0:
+                    table.sort("ID", ascending=step % 2 == 0)
+                elif "V" in table.columns:
+                    table.sort("V")
+                else:
+                    table.add_column("V", np.arange(len(table)))
+            with open(journal, "a") as noted:
+                noted.write(f"{step}\n")
+
+
+@forks
+def test_no_accepted_row_is_lost_while_others_make_the_table_anew(tmp_path):
+    """OVFILE_SOAK_SECONDS says for how long."""
+    path = tmp_path / "table.ovt"
+    ovfile.write({"ID": [0.0]}, path)
+    end = time.monotonic() + float(os.environ.get("OVFILE_SOAK_SECONDS", 3))
+    journals = [tmp_path / name for name in ("first", "second", "anew")]
+    works = [
+        lambda: append_until(path, end, 1_000_000, journals[0]),
+        lambda: append_until(path, end, 2_000_000, journals[1]),
+        lambda: make_anew_until(path, end, journals[2]),
+    ]
+    assert all([ended_well(child) for child in [started(work) for work in works]])
+    accepted = [float(line) for name in journals[:2] for line in name.read_text().split()]
+    with ovfile.open(path) as table:
+        found = table["ID"].tolist()
+    assert len(set(found)) == len(found)
+    assert set(accepted) <= set(found)
+    assert len(accepted) > 20
+    assert len(journals[2].read_text().split()) > 2
+    assert sorted(os.listdir(tmp_path)) == sorted(["table.ovt", "first", "second", "anew"])
