@@ -17,13 +17,13 @@ constexpr wide_view changed_meanwhile =
 template <class Precision>
 void row_store<Precision>::note_file() noexcept {
   file_stamp now;
-  noted_ = files().stamp(path_, now) ? std::optional(now) : std::nullopt;
+  noted_ = file_->stamp(now) ? std::optional(now) : std::nullopt;
 }
 
 template <class Precision>
 void row_store<Precision>::remember_header() noexcept {
   try {
-    header_.get(format::pages_word);
+    header_.remember(counts_.header_pages);
   } catch (...) {
     // Whoever needs it reads it then.
   }

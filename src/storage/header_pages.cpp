@@ -43,30 +43,40 @@ void header_pages<Precision>::flush() {
   if (!map_.dirty()) return;
   if (before_write_) before_write_();
   map_.flush();
-  if (map_.segment() == 0) note_first_page();
+  note_page();
 }
 
 template <class Precision>
 void header_pages<Precision>::turn_to(file& target) noexcept {
   file_ = &target;
-  first_page_.reset();
+  known_.fill(std::nullopt);
   map_.turn_to(target);
 }
 
 template <class Precision>
-void header_pages<Precision>::note_first_page() noexcept {
-  std::memcpy(first_page_.emplace().data(), map_.data(), sizeof(page_bytes));
+void header_pages<Precision>::note_page() noexcept {
+  const std::uint64_t index = map_.segment();
+  if (index < known_.size()) std::memcpy(known_[index].emplace().data(), map_.data(), sizeof(page_bytes));
+}
+
+template <class Precision>
+void header_pages<Precision>::remember(std::uint64_t pages) {
+  for (std::uint64_t index = pages; index-- > 0;) page(index);
 }
 
 template <class Precision>
 header_state header_pages<Precision>::state_in_file() noexcept {
-  if (!first_page_) return header_state::known;
-  page_bytes now{};
-  std::size_t done = 0;
-  if (!file_->seek(0, seek_origin::begin) || !file_->read(now, done) || done != now.size()) {
-    return header_state::unreadable;
+  for (std::size_t index = 0; index < known_.size(); ++index) {
+    if (!known_[index]) continue;
+    page_bytes now{};
+    std::size_t done = 0;
+    const auto position = static_cast<std::int64_t>(index * now.size());
+    if (!file_->seek(position, seek_origin::begin) || !file_->read(now, done) || done != now.size()) {
+      return header_state::unreadable;
+    }
+    if (now != *known_[index]) return header_state::changed;
   }
-  return now == *first_page_ ? header_state::known : header_state::changed;
+  return header_state::known;
 }
 
 template <class Precision>
@@ -75,7 +85,7 @@ std::byte* header_pages<Precision>::page(std::uint64_t index) {
     flush();
     map_.load(index, {Precision::page_bytes, Precision::page_bytes}, Precision::page_bytes, 0);
     // The first reading counts: a later one may find what others have written since.
-    if (index == 0 && !first_page_) note_first_page();
+    if (index < known_.size() && !known_[index]) note_page();
   }
   return map_.data();
 }

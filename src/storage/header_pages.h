@@ -24,8 +24,7 @@ class header_pages {
   header_pages(file& target, bool may_write, byte_order order)
       : order_(order), file_(&target), map_(&target, may_write) {}
 
-  /// Runs before a header page is written: the header must never promise rows that are not in the file. A
-  /// second map that is flushed behind this one would have it the other way round.
+  /// Runs before a header page is written: the header must never promise rows that are not in the file.
   void before_write(std::function<void()> action) { before_write_ = std::move(action); }
 
   /// A word of the file header (page 0), in native order.
@@ -47,8 +46,9 @@ class header_pages {
   void forget() noexcept { map_.forget(); }
   /// Goes on with another open file, which nothing was read from yet.
   void turn_to(file& target) noexcept;
-  /// Compares the file's first page, which has the counts of pages and rows, with what was last read or
-  /// written here.
+  /// Reads the pages that are not known yet: `state_in_file` looks at those that are.
+  void remember(std::uint64_t pages);
+  /// Compares the pages in the file with what was last read or written of them here.
   header_state state_in_file() noexcept;
   byte_order order() const noexcept { return order_; }
 
@@ -56,11 +56,12 @@ class header_pages {
   using page_bytes = std::array<std::byte, Precision::page_bytes>;
 
   std::byte* page(std::uint64_t index);
-  void note_first_page() noexcept;
+  void note_page() noexcept;
 
   byte_order order_;
   file* file_;
-  std::optional<page_bytes> first_page_;  ///< as the file has it
+  std::array<std::optional<page_bytes>, format::header_pages(Precision::max_atoms)>
+      known_;  ///< as the file has them
   std::function<void()> before_write_;
   fileSegmentMap<Precision::page_bytes> map_;
 };

@@ -61,7 +61,8 @@ class fileSegmentMap {
   bool ends_early() const noexcept { return valid_ && held_ < required_; }
   file* target() const noexcept { return file_; }
 
-  /// A second map that is flushed when this one is released.
+  /// A second map that is flushed when this one is released. Rows go to the file before the header that
+  /// counts them by `header_pages::before_write` instead.
   fileSegmentMap* next = nullptr;
 
  private:
