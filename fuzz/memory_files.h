@@ -121,7 +121,7 @@ class memory_files final : public ovf::file_system {
     found = {};  // nobody else knows these files
     return true;
   }
-  bool set_write_apart(ovf::wide_view) noexcept override { return true; }
+  void wait_past(const ovf::file_stamp&) noexcept override {}
   bool remove(ovf::wide_view name) noexcept override {
     return files_.erase(ovf::wide(name)) != 0 || fail(not_there);
   }

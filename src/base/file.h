@@ -78,9 +78,10 @@ class file_system {
   virtual file_kind kind(wide_view name) noexcept = 0;
   /// Of the file that the name leads to, links followed.
   virtual bool stamp(wide_view name, file_stamp& found) noexcept = 0;
-  /// Moves the time of a file's last write on by chance, by less than the steps of some milliseconds in which
-  /// systems note it: from then on every write bears another time. False where the rights forbid it.
-  virtual bool set_write_apart(wide_view name) noexcept = 0;
+  /// Waits until every further write bears another time than the stamp's: systems note the moment in steps of
+  /// some milliseconds, in which several writes may fall. A time to come, as by another machine's clock, is
+  /// not waited for.
+  virtual void wait_past(const file_stamp& stamp) noexcept = 0;
   virtual bool remove(wide_view name) noexcept = 0;
   /// Puts `from` in the place of `to` in one step.
   virtual bool replace(wide_view from, wide_view to) noexcept = 0;

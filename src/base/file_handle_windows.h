@@ -9,6 +9,11 @@ namespace ovf {
 /// A name without inner zeros, ended by one; false, with ERROR_INVALID_NAME, for one that no file has.
 bool system_name(wide_view name, wide& converted);
 
+/// A time as `file_stamp` counts it.
+inline std::int64_t count_of(const FILETIME& time) noexcept {
+  return static_cast<std::int64_t>(std::uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime);
+}
+
 /// An open file.
 class handle_file final : public file {
  public:
@@ -29,9 +34,7 @@ class handle_file final : public file {
     if (GetFileInformationByHandle(handle_, &facts) == 0) return false;
     const auto whole = [](DWORD high, DWORD low) { return std::uint64_t{high} << 32 | low; };
     found = {facts.dwVolumeSerialNumber, whole(facts.nFileIndexHigh, facts.nFileIndexLow),
-             whole(facts.nFileSizeHigh, facts.nFileSizeLow),
-             static_cast<std::int64_t>(
-                 whole(facts.ftLastWriteTime.dwHighDateTime, facts.ftLastWriteTime.dwLowDateTime))};
+             whole(facts.nFileSizeHigh, facts.nFileSizeLow), count_of(facts.ftLastWriteTime)};
     return true;
   }
 

@@ -1,13 +1,12 @@
 #include <fcntl.h>
-#include <sys/random.h>
 #include <sys/stat.h>
 
 #include <algorithm>
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 
-#include "base/descriptor_linux.h"
 #include "base/file_descriptor_linux.h"
 #include "base/system_error.h"
 
@@ -150,25 +149,16 @@ class linux_files final : public file_system {
     return false;
   }
 
-  bool set_write_apart(wide_view name) noexcept override try {
-    std::string path;
-    if (!system_name(name, path)) return false;
-    // By the open file: who may change the folder leads us to no time of another one.
-    const descriptor opened(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-    struct stat facts;
-    if (!opened || ::fstat(opened.get(), &facts) != 0) return false;
-    std::uint32_t chance = 0;
-    if (::getrandom(&chance, sizeof chance, 0) != sizeof chance) return false;
-    constexpr std::uint32_t most = 999'999;
-    constexpr long second = 1'000'000'000;
-    struct timespec times[] = {{0, UTIME_OMIT}, facts.st_mtim};
-    times[1].tv_nsec += 1 + static_cast<long>(chance % most);
-    times[1].tv_sec += times[1].tv_nsec / second;
-    times[1].tv_nsec %= second;
-    return ::futimens(opened.get(), times) == 0;
-  } catch (...) {
-    errno = ENOMEM;
-    return false;
+  void wait_past(const file_stamp& stamp) noexcept override {
+    constexpr std::int64_t second = 1'000'000'000;
+    constexpr struct timespec pause = {0, 1'000'000};
+    for (;;) {
+      struct timespec now;  // as files are given it
+      if (::clock_gettime(CLOCK_REALTIME_COARSE, &now) != 0) return;
+      const std::int64_t ahead = stamp.written - (now.tv_sec * second + now.tv_nsec);
+      if (ahead < 0 || ahead > second) return;
+      ::nanosleep(&pause, nullptr);
+    }
   }
 
   bool remove(wide_view name) noexcept override {

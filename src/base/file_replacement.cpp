@@ -51,6 +51,7 @@ bool file_replacement::begin() noexcept try {
   if (file_stamp now; !before_) {
     if (!files().stamp(target_, now)) return false;
     before_ = now;
+    files().wait_past(now);
   }
   beside_ = make(folder_of(target_), open_mode::make_copy);
   return beside_ || make_elsewhere();

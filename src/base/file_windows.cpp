@@ -82,28 +82,15 @@ class windows_files final : public file_system {
     return false;
   }
 
-  bool set_write_apart(wide_view name) noexcept override try {
-    constexpr DWORD with_everybody = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-    wide path;
-    if (!system_name(name, path)) return false;
-    const handle_file opened(CreateFileW(path.c_str(), FILE_READ_ATTRIBUTES | FILE_WRITE_ATTRIBUTES,
-                                         with_everybody, nullptr, OPEN_EXISTING, 0, nullptr));
-    FILETIME written{};
-    LARGE_INTEGER chance{};
-    if (opened.handle() == INVALID_HANDLE_VALUE ||
-        !GetFileTime(opened.handle(), nullptr, nullptr, &written) || !QueryPerformanceCounter(&chance)) {
-      return false;
+  void wait_past(const file_stamp& stamp) noexcept override {
+    constexpr std::int64_t second = 10'000'000;
+    for (;;) {
+      FILETIME now{};  // as files are given it
+      GetSystemTimeAsFileTime(&now);
+      const std::int64_t ahead = stamp.written - count_of(now);
+      if (ahead < 0 || ahead > second) return;
+      Sleep(1);
     }
-    constexpr DWORD step = 9'999;  // of 100 nanoseconds
-    ULARGE_INTEGER time{};
-    time.LowPart = written.dwLowDateTime;
-    time.HighPart = written.dwHighDateTime;
-    time.QuadPart += 1 + chance.LowPart % step;
-    const FILETIME moved{time.LowPart, time.HighPart};
-    return SetFileTime(opened.handle(), nullptr, nullptr, &moved) != 0;
-  } catch (...) {
-    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-    return false;
   }
 
   bool remove(wide_view name) noexcept override {

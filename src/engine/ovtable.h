@@ -75,6 +75,7 @@ class basic_ovtable final : public table {
   void commitRows() override;
   void giveUpRows() noexcept override { rows_.give_up_rows(); }
   table_version version() const noexcept override { return rows_.version(); }
+  bool stamp(file_stamp& found) noexcept override { return rows_.stamp(found); }
   bool readAgain() override;
 
  protected:

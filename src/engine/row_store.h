@@ -82,6 +82,8 @@ class row_store {
   /// Which part of the file is in memory: located records are where they were as long as it stays.
   std::uint64_t held_segment() const noexcept { return records_.segment(); }
   table_version version() const noexcept { return version_; }
+  /// Of the open file itself, whatever stands under its name.
+  bool stamp(file_stamp& found) noexcept { return file_->stamp(found); }
 
   /// A record in memory was changed. It alone is written: others may have changed its neighbours meanwhile.
   void mark_changed(const std::byte* record) noexcept {

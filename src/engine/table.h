@@ -9,6 +9,7 @@
 #include <exception>
 #include <vector>
 
+#include "base/file.h"
 #include "engine/field.h"
 #include "engine/row_blocks.h"
 #include "ovfile/exception.h"
@@ -150,6 +151,8 @@ class table {
   /// Makes the file what it was, but for bytes that no count includes. Does nothing when nothing was begun.
   virtual void giveUpRows() noexcept = 0;
   virtual table_version version() const noexcept = 0;
+  /// Of the open file itself, whatever stands under its name. False when the system does not tell.
+  virtual bool stamp(file_stamp& found) noexcept = 0;
   /// Forgets what was read of the rows, so that what others have changed in the file is seen; changes are
   /// written first. The cursor stays. False when others have changed the header too: then there may be rows
   /// that this object does not know. Throws when the header cannot be read.

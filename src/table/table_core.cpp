@@ -49,22 +49,23 @@ opening table_core::open_target(std::unique_ptr<table>& found, std::optional<fil
 
 void table_core::note_stamp(const std::optional<file_stamp>& now) {
   stamp_ = now;
-  is_apart_ = false;
   stamped_ = table_->version();
+  is_past_ = false;
+  // Who may change the folder can put another file under the name for the moment in which it is opened.
+  file_stamp own;
+  if (stamp_ && !(table_->stamp(own) && own.is_of_same_file(*stamp_))) stamp_ = file_stamp{};
 }
 
 std::optional<file_stamp> table_core::stamp() {
   const bool is_own = opened().version() != stamped_;
-  if (stamp_ && !is_own && (is_apart_ || stamp_of(path_) != stamp_)) return stamp_;
+  if (stamp_ && !is_own && (is_past_ || stamp_of(path_) != stamp_)) return stamp_;
   opened().flush();
-  const bool is_apart = files().set_write_apart(path_);
-  const std::optional<file_stamp> before = stamp_;
   note_stamp(stamp_of(path_));
-  // What others have changed before that moment is read from here on; rows of theirs are not, nor is another
-  // file that stands under the name by now, and no later look would tell of them.
-  const bool is_other = before && stamp_ && !stamp_->is_of_same_file(*before);
-  if (is_other || !opened().readAgain()) stamp_ = file_stamp{};
-  is_apart_ = is_apart;
+  if (stamp_) files().wait_past(*stamp_);
+  // What others have changed before that moment is read from here on; rows of theirs are not, and no later
+  // look at the file would tell of them.
+  if (!opened().readAgain()) stamp_ = file_stamp{};
+  is_past_ = true;
   return stamp_;
 }
 

@@ -94,7 +94,7 @@ class table_core {
   std::unique_ptr<table> table_;
   std::optional<file_stamp> stamp_;
   std::optional<table_version> stamped_;  ///< what the table's version was then
-  bool is_apart_ = false;                 ///< no later write bears the stamp's time
+  bool is_past_ = false;                  ///< no later write bears the stamp's time
   wide path_;
 };
 

@@ -22,7 +22,21 @@ namespace ovtest {
 /// The code that failing calls leave: input/output error on Linux, access denied on Windows.
 inline constexpr ovf::system_code failing_code = 5;
 
-enum class call { open, size, seek, read, write, set_end, sync, remove, replace, resolve, rights, stamp };
+enum class call {
+  open,
+  size,
+  seek,
+  read,
+  write,
+  set_end,
+  sync,
+  remove,
+  replace,
+  resolve,
+  rights,
+  stamp,
+  wait
+};
 
 /// What becomes of one call.
 enum class fate {
@@ -87,8 +101,9 @@ class failing_files final : public ovf::file_system {
   bool stamp(ovf::wide_view name, ovf::file_stamp& found) noexcept override {
     return shared_->ask(call::stamp, name) == fate::works && ovf::system_files().stamp(name, found);
   }
-  bool set_write_apart(ovf::wide_view name) noexcept override {
-    return ovf::system_files().set_write_apart(name);
+  void wait_past(const ovf::file_stamp& stamp) noexcept override {
+    (void)shared_->ask(call::wait, {});
+    ovf::system_files().wait_past(stamp);
   }
   bool remove(ovf::wide_view name) noexcept override {
     return shared_->ask(call::remove, name) == fate::works && ovf::system_files().remove(name);

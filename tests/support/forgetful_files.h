@@ -83,9 +83,7 @@ class forgetful_files final : public ovf::file_system {
   bool stamp(ovf::wide_view name, ovf::file_stamp& found) noexcept override {
     return ovf::system_files().stamp(name, found);
   }
-  bool set_write_apart(ovf::wide_view name) noexcept override {
-    return ovf::system_files().set_write_apart(name);
-  }
+  void wait_past(const ovf::file_stamp& stamp) noexcept override { ovf::system_files().wait_past(stamp); }
   bool remove(ovf::wide_view name) noexcept override {
     return disk_->goes_on() && ovf::system_files().remove(name);
   }
