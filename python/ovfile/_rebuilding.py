@@ -7,7 +7,6 @@ import ctypes
 import errno
 import os
 import pathlib
-import tempfile
 from ctypes import POINTER, c_int32
 from typing import Any, Iterator, Optional, Sequence
 
@@ -26,12 +25,13 @@ from ._reading import Span, open_stream
 from ._replacement import (
     CHANGED_ELSEWHERE,
     OPEN_ELSEWHERE,
+    HeldFile,
     Replacement,
     Stamp,
-    copy_beginning,
+    private_folder,
     replacement,
-    stamp_apart,
     stamp_of,
+    write_file,
 )
 from ._schema import Column, Schema, make_object, read_schema
 from ._writing import append_stream, closing
@@ -117,11 +117,11 @@ def write_with_column(table: Interface, schema: Schema, column: Column, source: 
     """
     path, rows = table.out_text("get_Name"), table.out_long("GetRowCount")
     table.call("FlushChanges")
-    with held_signals() as signals, replacement(path) as new:
-        before = stamp_apart(path)
-        with closing(_opened(path, _TO_READ)) as old:
+    with held_signals() as signals, replacement(path) as new, contextlib.closing(HeldFile(path)) as file:
+        before = file.stamp()
+        with closing(_opened(file.name, _TO_READ)) as old:
             _require_same(old, schema, rows)
-            new.fill(_without_rows(path, schema, column))
+            new.fill(_without_rows(file, schema, column))
             with closing(_opened(new.beside, _TO_CHANGE)) as made, stoppable(made, signals):
                 producer = _merged(old, schema, source, rows)
                 append_stream(made, producer.stream(), producer)
@@ -131,11 +131,11 @@ def write_with_column(table: Interface, schema: Schema, column: Column, source: 
         _put_in_place(table, path, new, before)
 
 
-def _without_rows(path: str, schema: Schema, column: Column) -> bytes:
+def _without_rows(file: HeldFile, schema: Schema, column: Column) -> bytes:
     """A table of the same header and one column more, made where nobody else can reach it."""
-    with tempfile.TemporaryDirectory(prefix="ovfile-") as folder:
+    with private_folder() as folder:
         name = os.path.join(folder, "header.ovt")
-        copy_beginning(path, name, _MOST_HEADER_BYTES)
+        write_file(name, file.beginning(_MOST_HEADER_BYTES))
         with closing(_opened(name, _TO_CHANGE)) as table:
             rebuild(table, wider(schema, column), [*range(1, len(schema) + 1), 0], np.empty(0, np.int64))
         return pathlib.Path(name).read_bytes()

@@ -5,8 +5,11 @@ from __future__ import annotations
 import contextlib
 import os
 import secrets
+import shutil
 import stat
-from typing import Iterator, NamedTuple, Optional, Tuple
+import tempfile
+import time
+from typing import ContextManager, Iterator, NamedTuple, Optional, Tuple
 
 from ._errors import Error
 from ._file_rights import carry_rights
@@ -22,6 +25,7 @@ CHANGED_ELSEWHERE = "the table was changed elsewhere meanwhile; nothing was writ
 # What a table's header says of its rows stands within so many bytes.
 _HEADER_BYTES = 4096
 _MOST_TRIES = 5
+_CLOCK_STEP = 20_000_000  # nanoseconds; longer than systems take to note another time
 # A pipe under the file's name would hold us up.
 _TO_LOOK = os.O_RDONLY | getattr(os, "O_NONBLOCK", 0) | getattr(os, "O_BINARY", 0)
 _TO_MAKE = os.O_RDWR | os.O_CREAT | os.O_EXCL | getattr(os, "O_BINARY", 0)
@@ -39,27 +43,12 @@ class Stamp(NamedTuple):
 
 
 def stamp_of(path: str) -> Stamp:
-    try:
+    with _as_read_errors():
         handle = os.open(path, _TO_LOOK)
         try:
             return _stamp_of(handle)
         finally:
             os.close(handle)
-    except OSError as failure:
-        raise Error(f"the file cannot be read: {failure.strerror}") from None
-
-
-def stamp_apart(path: str) -> Stamp:
-    """The stamp from which on every write bears another time: systems note it in steps of milliseconds."""
-    with contextlib.suppress(OSError):
-        handle = os.open(path, _TO_LOOK)
-        try:
-            facts = os.fstat(handle)
-            moved = facts.st_mtime_ns + 1 + secrets.randbelow(999_999)
-            os.utime(handle if os.utime in os.supports_fd else path, ns=(facts.st_atime_ns, moved))
-        finally:
-            os.close(handle)
-    return stamp_of(path)
 
 
 def _stamp_of(handle: int) -> Stamp:
@@ -81,13 +70,55 @@ def require_file(path: str) -> None:
         raise Error("it is not a regular file")
 
 
-def copy_beginning(source: str, target: str, count: int) -> None:
-    """Copies the first `count` bytes, or all that there are, to a new file."""
+class HeldFile:
+    """An open file, which stays the one that it is whatever comes under its name."""
+
+    def __init__(self, path: str) -> None:
+        self._path = path
+        with _as_read_errors():
+            self._handle = os.open(path, _TO_LOOK)
+
+    @property
+    def name(self) -> str:
+        """By which others open it, where the system has such names."""
+        name = f"/proc/self/fd/{self._handle}"
+        return name if fcntl is not None and os.path.exists(name) else self._path
+
+    def stamp(self) -> Stamp:
+        """The stamp from which on every write bears another time: systems note it in steps of milliseconds."""
+        with _as_read_errors():
+            found = _stamp_of(self._handle)
+        ahead = found.written + _CLOCK_STEP - time.time_ns()
+        if 0 < ahead <= _CLOCK_STEP:
+            time.sleep(ahead / 1e9)
+        return found
+
+    def beginning(self, count: int) -> bytes:
+        """The first `count` bytes, or all that there are."""
+        with _as_read_errors():
+            os.lseek(self._handle, 0, os.SEEK_SET)
+            return os.read(self._handle, count)
+
+    def close(self) -> None:
+        os.close(self._handle)
+
+
+@contextlib.contextmanager
+def private_folder() -> Iterator[str]:
+    """A folder for temporary files that this user alone can read or change."""
+    with _as_errors():
+        # Python's own choice tries to write there, and tells no reason where it cannot.
+        parent = os.environ.get("TMPDIR", "/tmp") if fcntl is not None else None
+        folder = tempfile.mkdtemp(prefix="ovfile-", dir=parent)
     try:
-        with open(source, "rb") as old, open(target, "xb") as new:
-            new.write(old.read(count))
-    except OSError as failure:
-        raise Error(f"the file cannot be copied: {failure.strerror}") from None
+        yield folder
+    finally:
+        shutil.rmtree(folder, ignore_errors=True)
+
+
+def write_file(path: str, content: bytes) -> None:
+    with _as_errors(), open(path, "xb") as file:
+        file.write(content)
 
 
 class Replacement:
@@ -158,18 +189,33 @@ class Replacement:
             if self._handle < 0:
                 self._open_again()
             os.fsync(self._handle)
-            if expected is None and not os.path.exists(self._target):
-                self._take_name()
-            else:
+            if expected is not None or os.path.exists(self._target) or not self._take_free_name():
                 self._replace(expected)
             self._sync_folder()
 
+    def _take_free_name(self) -> bool:
+        """False where a file has come under the name meanwhile."""
+        self._require_own_name()
+        try:
+            if fcntl is None:
+                os.rename(self._name, self._target)
+            else:
+                os.link(self._name, self._target, follow_symlinks=False)
+        except FileExistsError:
+            return False
+        except OSError:
+            os.replace(self._name, self._target)  # a file system without links
+        return True
+
     def _take_name(self) -> None:
+        self._require_own_name()
+        os.replace(self._name, self._target)
+
+    def _require_own_name(self) -> None:
         if fcntl is None:
             self.close()  # open files are not moved there
         elif not os.path.samestat(os.fstat(self._handle), os.lstat(self._name)):
             raise Error("the file cannot be written: somebody put another one in its place")
-        os.replace(self._name, self._target)
 
     def _replace(self, expected: Optional[Stamp]) -> None:
         with self._locked() as old:
@@ -224,11 +270,15 @@ def _remove(path: str) -> None:
 
 
 @contextlib.contextmanager
-def _as_errors() -> Iterator[None]:
+def _as_errors(what: str = "written") -> Iterator[None]:
     try:
         yield
     except OSError as failure:
-        raise Error(f"the file cannot be written: {failure.strerror}") from None
+        raise Error(f"the file cannot be {what}: {failure.strerror}") from None
+
+
+def _as_read_errors() -> ContextManager[None]:
+    return _as_errors("read")
 
 
 def _lock(handle: int) -> None:

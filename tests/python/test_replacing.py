@@ -5,6 +5,7 @@ import os
 import stat
 import struct
 import tempfile
+import time
 
 import numpy as np
 import pytest
@@ -80,22 +81,26 @@ def test_a_table_that_others_change_gets_no_column(path, monkeypatch, moment, sc
     assert os.listdir(path.parent) == [path.name]
 
 
-def test_a_change_at_the_time_of_the_last_write_is_seen(path, monkeypatch):
-    """Where the clock stands still, as it does for some milliseconds on many systems."""
+def test_a_change_at_the_time_of_the_last_write_is_in_the_new_table(path, monkeypatch):
+    """Where the clock stands still, as it does for some milliseconds on many systems: until it goes on all is read."""
     ovfile.write({"A": [1.0, 2.0]}, path)
-    moment = os.stat(path).st_mtime_ns
+    moment = time.time_ns()
+    os.utime(path, ns=(moment, moment))
+    slept = []
 
-    def change():
+    def change(seconds):
+        slept.append(seconds)
         with open(path, "r+b") as file:
             file.seek(4096)
             file.write(struct.pack("<d", 77.0))
         os.utime(path, ns=(moment, moment))
 
-    monkeypatch.setattr(_rebuilding, "append_stream", before(_rebuilding.append_stream, change))
     with ovfile.open(path, "r+") as table:
-        with pytest.raises(ovfile.Error, match="changed elsewhere meanwhile"):
-            table.add_column("B", [4.0, 5.0])
-    with ovfile.open(path) as table:
+        moment = time.time_ns()
+        os.utime(path, ns=(moment, moment))
+        monkeypatch.setattr(_replacement.time, "sleep", change)
+        table.add_column("B", [4.0, 5.0])
+        assert slept
         assert table["A"].tolist() == [77, 2]
 
 
@@ -515,6 +520,27 @@ def test_a_link_under_the_new_files_name_leads_nowhere(path, monkeypatch):
     assert stat.S_IMODE(victim.stat().st_mode) == 0o600
     with ovfile.open(path) as table:
         assert table["A"].tolist() == [1]
+
+
+def test_a_table_that_came_meanwhile_and_is_open_stays(tmp_path, monkeypatch):
+    path = tmp_path / "table.ovt"
+    others = []
+
+    def make():
+        if not others:
+            monkeypatch.undo()
+            ovfile.write({"A": [1.0, 2.0]}, path)
+            others.append(ovfile.open(path, "r+"))
+
+    taking = _replacement.Replacement._take_free_name
+    monkeypatch.setattr(_replacement.Replacement, "_take_free_name", before(taking, make))
+    with pytest.raises(ovfile.Error, match="open somewhere else"):
+        ovfile.write({"A": [9.0]}, path)
+    others[0].append({"A": [3.0]})
+    others[0].close()
+    with ovfile.open(path) as table:
+        assert table["A"].tolist() == [1, 2, 3]
+    assert os.listdir(tmp_path) == [path.name]
 
 
 @linux
