@@ -11,6 +11,7 @@
 #include "replacement.h"
 #include "sql/copy_target.h"
 #include "sql/number_texts.h"
+#include "sql/piped_input.h"
 #include "sql/query_table.h"
 #include "sql/sql_database.h"
 #include "sql/sql_options.h"
@@ -119,6 +120,8 @@ void run_sql(const sql_request& request) {
   }
   check_suffix(request);
   if (request.made.description) check_description("--description", *request.made.description);
+  hold_piped_input(statements);
+  refuse_pipes(statements);
   sql_database database(request.options.settings());
   database.show("asking");
   for (std::size_t i = 0; i + 1 < statements.size(); ++i) {

@@ -138,7 +138,7 @@ TEST_F(sql_stopping_test, no_room_for_what_does_not_fit_into_memory) {
 }
 
 TEST_F(sql_stopping_test, a_table_that_is_cut_while_it_is_read_is_a_failure) {
-  make_long_table("t.ovt", 2'000'000);
+  make_long_table("t.ovt", 500'000);
   const auto result = shell(
       "{ \"$OVFILE\" sql \"select I, I + 0.5 as J, 'some text' as T from 't.ovt'\" -o csv; echo $? >status; "
       "} | "
@@ -150,7 +150,7 @@ TEST_F(sql_stopping_test, a_table_that_is_cut_while_it_is_read_is_a_failure) {
 }
 
 TEST_F(sql_stopping_test, a_table_that_becomes_another_while_the_statement_runs_is_a_failure) {
-  make_long_table("t.ovt", 2'000'000);
+  make_long_table("t.ovt", 500'000);
   const std::vector<std::pair<std::string, std::string>> changes = {
       {"mv fewer.ovt u.ovt", "u.ovt: the table was changed while the statement ran"},
       {"mv columns.ovt u.ovt", "u.ovt: the table was changed while the statement ran"},
@@ -178,12 +178,12 @@ TEST_F(sql_stopping_test, a_table_that_becomes_another_while_the_statement_runs_
 }
 
 TEST_F(sql_stopping_test, a_table_that_is_read_is_not_replaced_by_others) {
-  make_long_table("t.ovt", 2'000'000);
+  make_long_table("t.ovt", 500'000);
   const auto result = shell(
       "{ \"$OVFILE\" sql \"select I, I + 0.5 as J, 'some text' as T from 't.ovt'\" -o csv; echo $? >status; "
       "} | "
       "{ head -n 1; \"$OVFILE\" sort t.ovt --by I --descending 2>refused; tail -n 1; }");
-  EXPECT_EQ(result.output, "I,J,T\n2000000,2000000.5,some text\n");
+  EXPECT_EQ(result.output, "I,J,T\n500000,500000.5,some text\n");
   EXPECT_EQ(result.error, "");
   EXPECT_EQ(read("status"), "0\n");
   EXPECT_NE(read("refused"), "");

@@ -16,10 +16,14 @@ bool reads_csv(const std::string& statement) {
   return std::search(statement.begin(), statement.end(), name.begin(), name.end(), same) != statement.end();
 }
 
-/// Whether there are values other than blank ones, and each is a number.
+/// Whether there are values other than blank ones, and each is a number; what begins with a zero too many is
+/// the name of something.
 std::string all_numbers(const std::string& column) {
   return fmt::format(
-      "coalesce(bool_and(try_cast({0} as double) is not null) filter (trim({0}) <> ''), false)", column);
+      "coalesce(bool_and(try_cast({0} as double) is not null and not regexp_matches(trim({0}), "
+      "'^[+-]?0[0-9]')) "
+      "filter (trim({0}) <> ''), false)",
+      column);
 }
 
 }  // namespace

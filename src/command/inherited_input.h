@@ -1,0 +1,17 @@
+// Input that a program was started with: standard input, or another open file by its number.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "raw_file.h"
+
+namespace command {
+
+/// The number of the open file that a name such as /dev/stdin or /dev/fd/3 stands for, where it is one that
+/// can be read alone.
+std::optional<int> inherited_input(const std::string& name);
+/// Whoever opens the number's name from now on opens `held` from its beginning.
+void put_in_place_of(int number, const raw_file& held);
+
+}  // namespace command
