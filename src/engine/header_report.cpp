@@ -6,7 +6,8 @@ namespace ovf {
 namespace {
 
 void tell(wide_view what, wide_view value) {
-  debug_output(wide_format(OLESTR("OvFile Header: %s: %s")).arg(what).arg(value).text());
+  const wide_view text = value.substr(0, value.find_last_not_of(OLESTR(' ')) + 1);
+  debug_output(wide_format(OLESTR("OvFile Header: %s: %s")).arg(what).arg(text).text());
 }
 
 void tell(wide_view what, std::uint64_t value) {
