@@ -73,7 +73,7 @@ void append_words(std::string& out, const table_view& view, const table_facts& f
   line("record", fmt::format("{} words, {} in a page", file.recordWords, file.recordsPerPage));
   line("pages", fmt::format("{}, {} of them header", file.pages, file.headerPages));
   line("file size", fmt::format("{} bytes", file.fileBytes));
-  if (const LONG held = view.rows_in_file(); held < view.rows()) {
+  if (const LONG held = view.rows_held(); held < view.rows()) {
     line("cut off", fmt::format("behind row {}; the header promises more than the file holds", held));
   }
   line("columns", std::to_string(view.fields().size()));

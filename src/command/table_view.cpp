@@ -95,10 +95,28 @@ LONG table_view::rows_in_file() const {
   return static_cast<LONG>(std::min<long long>(rows_, pages * found.recordsPerPage));
 }
 
+LONG table_view::rows_held() const {
+  const OvTableFacts found = facts();
+  const LONG read = rows_in_file();
+  const long long page_bytes = 512LL * found.wordBytes;
+  const long long record_bytes = static_cast<long long>(found.recordWords) * found.wordBytes;
+  const long long pages = found.fileBytes / page_bytes - found.headerPages;
+  if (read == rows_ || pages < 0 || pages * found.recordsPerPage != read) return read;
+  const long long of_cut_page = found.fileBytes % page_bytes / record_bytes;
+  return static_cast<LONG>(
+      std::min<long long>(rows_, read + std::min<long long>(of_cut_page, found.recordsPerPage)));
+}
+
+std::string table_view::target() const {
+  ovfile::text name;
+  check(table_->get_Name(name.out()));
+  return name.utf8();
+}
+
 void table_view::require_whole_file() const {
-  const LONG held = rows_in_file();
-  if (held == rows_) return;
-  throw failure(fmt::format("{}: the file ends behind row {}; its header promises {}", file_, held, rows_));
+  if (rows_in_file() == rows_) return;
+  throw failure(
+      fmt::format("{}: the file ends behind row {}; its header promises {}", file_, rows_held(), rows_));
 }
 
 std::string table_view::description() const {

@@ -27,8 +27,12 @@ class table_view {
   ovfile::pointer<IOvSchema> schema() const;
   /// What the file looks like.
   OvTableFacts facts() const;
-  /// Fewer than `rows()` where the file is shorter than its header promises.
+  /// Rows that the library reads: fewer than `rows()` where the file is shorter than its header promises.
   LONG rows_in_file() const;
+  /// The same with those of a page in which the file ends, of which the library reads none.
+  LONG rows_held() const;
+  /// The name of the file that has the rows: a link's target.
+  std::string target() const;
   /// Throws `failure` where it is: for who is about to make room for all rows.
   void require_whole_file() const;
   /// All that the file has of it (a schema lacks the last characters), without blanks at the end.

@@ -1,4 +1,5 @@
 #include <cstring>
+#include <limits>
 
 #include <nlohmann/json.hpp>
 
@@ -29,6 +30,14 @@ class verify_test : public ovtest::command_test {
     const ovtest::process_result end = run({"verify", "t.ovt"});
     EXPECT_EQ(end.status, status) << end.error;
     EXPECT_EQ(end.output, words);
+  }
+
+  /// A table whose description leads to another one.
+  void make_link(const std::string& name, const std::string& target) const {
+    std::string link = table_;
+    const std::string text = "LINK" + target + " .";
+    for (std::size_t i = 0; i < 64; ++i) link[32 + i / 4 * 8 + i % 4] = i < text.size() ? text[i] : ' ';
+    write(name, link);
   }
 
   std::string table_;
@@ -144,9 +153,79 @@ TEST_F(verify_test, a_number_that_is_none_is_told_by_row) {
 TEST_F(verify_test, a_text_outside_the_code_page_is_told_by_row) {
   table_[(first_record + 2 * 4 + 1) * 8] = '\x81';
   write("t.ovt", table_);
-  expect(1,
-         "t.ovt: not whole, 600 rows\n"
-         "  t.ovt, row 5, column B: the text has bytes outside the code page\n");
+  expect(0,
+         "t.ovt: whole, 600 rows\n"
+         "  note: t.ovt, row 5, column B: the text has bytes outside the code page\n");
+}
+
+TEST_F(verify_test, a_file_that_ends_within_its_header_is_not_whole) {
+  for (const std::size_t bytes : {300, 2000}) {
+    write("t.ovt", table_.substr(0, bytes));
+    expect(1, "t.ovt: not whole, 0 rows\n  t.ovt: the file ends within the header\n");
+  }
+}
+
+TEST_F(verify_test, more_entries_than_a_table_has_are_told) {
+  put(25, 300);
+  const ovtest::process_result end = run({"verify", "t.ovt"});
+  EXPECT_EQ(end.status, 1);
+  EXPECT_NE(end.output.find("  t.ovt: the header's number of entries is more than a table has: 300\n"),
+            end.output.npos)
+      << end.output;
+}
+
+TEST_F(verify_test, counts_that_are_none_are_told) {
+  put(27, 1.5);
+  EXPECT_NE(run({"verify", "t.ovt"})
+                .output.find("  t.ovt: the header's number of records in the last page is no count: 1.5\n"),
+            std::string::npos);
+}
+
+TEST_F(verify_test, a_number_without_end_is_told) {
+  const double endless = -std::numeric_limits<double>::infinity();
+  std::memcpy(table_.data() + (first_record + 2 * 4) * 8, &endless, 8);
+  write("t.ovt", table_);
+  expect(1, "t.ovt: not whole, 600 rows\n  t.ovt, row 5, column A: the number is infinite\n");
+}
+
+TEST_F(verify_test, what_a_link_leads_to_is_looked_at) {
+  write("t.ovt", table_.substr(0, 2 * 4096 + 100 * 16));
+  std::filesystem::create_directory(folder() / "links");
+  write("links/u.ovt", read("t.ovt"));
+  for (const std::string target : {"t.ovt", "links/u.ovt"}) {
+    SCOPED_TRACE(target);
+    make_link("link.ovt", target);
+    const ovtest::process_result end = run({"verify", "link.ovt", "--salvage", "saved.ovt"});
+    EXPECT_EQ(end.status, 1);
+    EXPECT_NE(end.output.find("link.ovt: not whole, 354 rows\n"), end.output.npos) << end.output;
+    EXPECT_NE(end.output.find("  note: link.ovt: it is a link to "), end.output.npos);
+    EXPECT_NE(end.output.find("  link.ovt: the file ends behind row 354; its header promises 600\n"),
+              end.output.npos);
+    EXPECT_EQ(run_quietly({"head", "saved.ovt", "-n", "2", "--from", "353"}), "  A  B\n353  ab\n354  ab\n");
+  }
+}
+
+TEST_F(verify_test, faults_in_the_header_of_a_links_target_are_told) {
+  write("t.ovt", table_ + std::string(100, '\0'));
+  make_link("link.ovt", "t.ovt");
+  const ovtest::process_result end = run({"verify", "link.ovt"});
+  EXPECT_EQ(end.status, 0);
+  EXPECT_NE(end.output.find("100 bytes follow the last page that the header counts"), end.output.npos);
+}
+
+TEST_F(verify_test, a_table_whose_description_begins_like_a_links_is_saved_all_the_same) {
+  std::memcpy(table_.data() + 4 * 8, "LINK", 4);
+  write("t.ovt", table_.substr(0, 2 * 4096 + 100 * 16));
+  make_link("link.ovt", "t.ovt");
+  run({"verify", "link.ovt", "--salvage", "saved.ovt"});
+  EXPECT_EQ(run_quietly({"head", "saved.ovt", "-n", "1", "--from", "354"}), "  A  B\n354  ab\n");
+}
+
+TEST_F(verify_test, what_is_saved_goes_to_no_other_file) {
+  write("x.csv", "A\n1\n");
+  expect_wrong_usage({"verify", "t.ovt", "--salvage", "x.csv"},
+                     "x.csv: --salvage makes a table, and the name is another file's");
+  EXPECT_EQ(read("x.csv"), "A\n1\n");
 }
 
 TEST_F(verify_test, places_that_two_columns_share_are_told) {
@@ -173,6 +252,7 @@ TEST_F(verify_test, bytes_behind_the_last_page_are_no_harm) {
 
 TEST_F(verify_test, what_was_left_beside_it_is_told) {
   write(".NEW0123456789.tmp", "x");
+  write(".NEWS.md", "x");
   expect(0,
          "t.ovt: whole, 600 rows\n"
          "  note: t.ovt: beside it lies .NEW0123456789.tmp, of work that was cut off\n");

@@ -15,6 +15,10 @@ class readable_rows {
   /// Throws `failure` where the table cannot be opened.
   explicit readable_rows(const std::string& file);
 
+  ~readable_rows();
+  readable_rows(const readable_rows&) = delete;
+  readable_rows& operator=(const readable_rows&) = delete;
+
   /// Its columns are those of what `at` gives.
   const table_view& table() const noexcept { return whole_; }
   LONG count() const noexcept { return count_; }
@@ -23,6 +27,7 @@ class readable_rows {
 
  private:
   void copy_cut_page();
+  std::string page_name() const { return folder_->name() + "/page.ovt"; }
 
   std::optional<private_folder> folder_;  // goes when no table in it is open any more
   table_view whole_;

@@ -53,6 +53,8 @@ LONG salvage(const std::string& file, const check_result& found, const std::stri
   {
     const auto table = ovfile::create_table();
     const auto schema = from.table().schema();
+    // It would make a link of the new table.
+    if (from.table().description().starts_with("LINK")) check_call(target, schema->put_Description(nullptr));
     check_call("cannot write " + target,
                table->Create(ovfile::text(std::string_view(made.name())).get(), schema.get()));
     row_copier copier(*table.get(), target);

@@ -11,6 +11,7 @@
 #include "field_names.h"
 #include "folder_names.h"
 #include "progress.h"
+#include "replacement.h"
 #include "table_limits.h"
 #include "utf8_path.h"
 #include "verify/readable_rows.h"
@@ -18,6 +19,8 @@
 
 namespace command {
 namespace {
+
+constexpr double most_entries = 256;
 
 bool is_whole_number(double value) noexcept { return value >= 0 && value == std::trunc(value); }
 
@@ -27,6 +30,14 @@ void check_counts(const table_header& header, std::vector<finding>& found) {
       found.push_back({fmt::format("the header's {} is no count: {}", what, count)});
   };
   check(header.atoms, "number of entries");
+  if (is_whole_number(header.atoms) && header.atoms > most_entries) {
+    found.push_back(
+        {fmt::format("the header's number of entries is more than a table has: {}", header.atoms)});
+  }
+  if (is_whole_number(header.pages) && header.pages < static_cast<double>(header.header_pages())) {
+    found.push_back({fmt::format("the header counts {} pages, and takes {} itself", header.pages,
+                                 header.header_pages())});
+  }
   check(header.pages, "number of pages");
   check(header.records_in_last, "number of records in the last page");
 }
@@ -82,17 +93,26 @@ void check_names(const std::vector<dictionary_entry>& entries, bool is_double, s
     if (!names.insert(entry.name).second)
       found.push_back({"another column has its name", false, 0, entry.name});
     if (entry.type != 'A' && entry.type != 'N') {
-      found.push_back({"its type is neither that of texts nor that of numbers", true, 0, entry.name});
+      found.push_back({"its type is neither that of texts nor that of numbers", false, 0, entry.name});
     }
   }
+}
+
+/// As new files are named before they take their place.
+bool is_left_behind(std::string_view name) {
+  const bool is_hidden = name.starts_with('.');
+  if (is_hidden) name.remove_prefix(1);
+  if (!name.starts_with("NEW") || (!is_hidden && !name.ends_with(".tmp"))) return false;
+  const std::string_view number = name.substr(3, name.find('.') - 3);
+  return !number.empty() && number.find_first_not_of("0123456789abcdef-") == number.npos;
 }
 
 /// What works on tables leaves beside them when it is killed.
 void look_beside(const std::string& file, std::vector<finding>& found) {
   const std::filesystem::path folder = path_of_utf8(file).parent_path();
   for (const std::string& name : names_in_folder(folder.empty() ? "." : utf8_of_path(folder))) {
-    const bool is_copy = name.starts_with(".NEW") || (name.starts_with("NEW") && name.ends_with(".tmp"));
-    if (is_copy) found.push_back({fmt::format("beside it lies {}, of work that was cut off", name), false});
+    if (is_left_behind(name))
+      found.push_back({fmt::format("beside it lies {}, of work that was cut off", name), false});
   }
 }
 
@@ -146,7 +166,7 @@ class row_check {
     text_.clear();
     table.append_text(text_, field);
     if (is_outside(text_))
-      report(outside_, {"the text has bytes outside the code page", true, row, field.name});
+      report(outside_, {"the text has bytes outside the code page", false, row, field.name});
   }
 
   readable_rows& rows_;
@@ -157,15 +177,15 @@ class row_check {
   int outside_ = 0;
 };
 
-/// None, and what is wrong, where the library takes it for no table. Whatever else hinders it is no fault of
-/// the table: that is thrown.
-std::optional<readable_rows> opened(const std::string& file, std::vector<finding>& found) {
+/// The library reads tables without a mark too. Returns whether there is one.
+bool look_at_header(const std::string& file, bool is_read, std::vector<finding>& found) {
   try {
-    return std::optional<readable_rows>(std::in_place, file);
-  } catch (const failure& error) {
-    if (std::string_view(error.what()).find("Not a valid") == std::string_view::npos) throw;
-    found.push_back({fmt::format("it cannot be opened: {}", error.what())});
-    return {};
+    const std::vector<finding> more = check_header(read_table_header(file));
+    found.insert(found.end(), more.begin(), more.end());
+    return true;
+  } catch (const not_a_table&) {
+    found.push_back({"it has no table's mark", !is_read});
+    return false;
   }
 }
 
@@ -188,15 +208,25 @@ std::vector<finding> check_header(const table_header& header) {
 
 check_result check_table(const std::string& file) {
   check_result result;
+  std::optional<readable_rows> rows;
+  std::string refusal;
   try {
-    result.findings = check_header(read_table_header(file));
-  } catch (const not_a_table&) {
-    result.findings.push_back({"it has no table's mark"});
+    rows.emplace(file);
+  } catch (const failure& error) {
+    refusal = error.what();
+  }
+  const std::string target = rows ? rows->table().target() : file;
+  if (!same_file(file, target)) result.findings.push_back({"it is a link to " + target, false});
+  const bool is_marked = look_at_header(target, rows.has_value(), result.findings);
+  if (!rows) {
+    // Whatever else hinders the library is no fault of the table.
+    const bool is_told =
+        refusal.find("Not a valid") != refusal.npos || refusal.find("Unrecog") != refusal.npos;
+    if (!is_told && result.is_whole()) throw failure(refusal);
+    if (is_told && is_marked) result.findings.push_back({fmt::format("it cannot be opened: {}", refusal)});
     return result;
   }
-  look_beside(file, result.findings);
-  std::optional<readable_rows> rows = opened(file, result.findings);
-  if (!rows) return result;
+  look_beside(target, result.findings);
   result.rows = rows->table().rows();
   result.rows_in_file = rows->count();
   if (result.rows_in_file < result.rows) {

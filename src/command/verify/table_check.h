@@ -17,6 +17,7 @@ struct finding {
 };
 
 struct check_result {
+  bool is_read = true;            ///< else the system refused the file
   std::vector<finding> findings;  ///< of rows the first ones of each kind
   long long more = 0;             ///< further ones of rows
   LONG rows = 0;                  ///< that the header promises

@@ -16,6 +16,7 @@ constexpr std::size_t words_of_entry = 7;
 constexpr std::size_t entries_before = 4;  ///< what stands before the dictionary is as long
 constexpr std::size_t used_words = 504;    ///< of the 512 of a header page
 constexpr std::size_t page_words = 512;
+constexpr std::size_t description_word = 4;
 constexpr std::size_t mark_word = 24;
 constexpr std::size_t atoms_word = 25;
 constexpr std::size_t most_atoms = 256;
@@ -40,6 +41,10 @@ class header_words {
     for (std::size_t i = 0; i < word_; ++i) ordered[i] = at(word)[i / 4 * 4 + byte_orders[order_][i % 4]];
     if (word_ == 8) return read<double>(ordered);
     return static_cast<double>(read<float>(ordered));
+  }
+  /// Four characters.
+  void put_text(std::size_t word, const char* text) noexcept {
+    std::memcpy(bytes_.data() + place_of(word) * word_, text, 4);
   }
   void put_number(std::size_t word, double number) noexcept {
     char plain[8] = {};
@@ -90,7 +95,7 @@ std::string bytes_at(raw_file& file, std::uint64_t position, std::size_t count) 
 }
 
 /// As far as a header can reach, with the precision and the order of bytes that its mark tells.
-header_words words_of(raw_file& file, std::uint64_t& size) {
+header_words read_words(raw_file& file, std::uint64_t& size) {
   if (!file.is_regular(size)) throw not_a_table();
   constexpr std::size_t most = 4 * page_words * 8;
   const std::string bytes = bytes_at(file, 0, static_cast<std::size_t>(std::min<std::uint64_t>(size, most)));
@@ -128,7 +133,7 @@ std::uint64_t table_header::record_words() const noexcept {
 table_header read_table_header(const std::string& file) {
   table_header header;
   raw_file opened = raw_file::open(file);
-  const header_words words = words_of(opened, header.bytes);
+  const header_words words = read_words(opened, header.bytes);
   header.is_double = words.is_double();
   header.is_cut = !words.has(atoms_word + 2);
   if (header.is_cut) return header;
@@ -146,6 +151,7 @@ table_header read_table_header(const std::string& file) {
     header.entries.push_back({name_of(words.at(word), header.is_double), *words.at(word + 2),
                               words.number(word + 3), words.number(word + 4)});
   }
+  header.is_cut = header.is_cut || header.bytes < header.header_pages() * header.page_bytes();
   return header;
 }
 
@@ -153,9 +159,10 @@ std::string table_of_page(const std::string& file, std::uint64_t page, std::uint
   const table_header header = read_table_header(file);
   raw_file opened = raw_file::open(file);
   std::uint64_t size = 0;
-  header_words words = words_of(opened, size);
+  header_words words = read_words(opened, size);
   words.put_number(atoms_word + 1, static_cast<double>(header.header_pages() + 1));
   words.put_number(atoms_word + 2, static_cast<double>(records));
+  words.put_text(description_word, "    ");
   const std::uint64_t page_bytes = header.page_bytes();
   std::string table = words.bytes();
   table.resize(static_cast<std::size_t>(header.header_pages() * page_bytes));

@@ -37,7 +37,7 @@ struct not_a_table {};
 table_header read_table_header(const std::string& file);
 
 /// The bytes of a table that has the file's columns and, as its only rows, the first `records` of one page,
-/// as far as the file reaches. Throws like `read_table_header`.
+/// as far as the file reaches. It is no link, whatever the file is. Throws like `read_table_header`.
 std::string table_of_page(const std::string& file, std::uint64_t page, std::uint64_t records);
 
 }  // namespace command

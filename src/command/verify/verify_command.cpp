@@ -4,6 +4,7 @@
 
 #include "commands.h"
 #include "failure.h"
+#include "parquet/parquet_file.h"
 #include "replacement.h"
 #include "text_output.h"
 #include "verify/salvage.h"
@@ -44,6 +45,10 @@ std::string place_of(const finding& found) {
 }
 
 void append_words(std::string& out, const std::string& file, const check_result& result) {
+  if (!result.is_read) {
+    out += file + ": not read\n";
+    return;
+  }
   out += fmt::format("{}: {}, {}\n", file, result.is_whole() ? "whole" : "not whole",
                      counted(result.rows_in_file - static_cast<long long>(result.lost.size()), "row"));
   for (const finding& found : result.findings) {
@@ -53,8 +58,9 @@ void append_words(std::string& out, const std::string& file, const check_result&
 }
 
 void append_json(std::string& out, const std::string& file, const check_result& result) {
+  const char* const whole = !result.is_read ? "null" : result.is_whole() ? "true" : "false";
   out += fmt::format("{{\"file\": {}, \"whole\": {}, \"rows\": {}, \"rows_in_file\": {}, \"findings\": [",
-                     json_text(file), result.is_whole(), result.rows, result.rows_in_file);
+                     json_text(file), whole, result.rows, result.rows_in_file);
   for (std::size_t i = 0; i < result.findings.size(); ++i) {
     const finding& found = result.findings[i];
     out += fmt::format("{}{{\"what\": {}, \"damage\": {}", i == 0 ? "" : ", ", json_text(found.what),
@@ -73,6 +79,7 @@ bool look_at(const std::string& file, check_result& result) {
     return true;
   } catch (const failure& error) {
     result = check_result();
+    result.is_read = false;
     result.findings.push_back({error.what()});
     say(error.what());
     return false;
@@ -119,6 +126,9 @@ verdict verify_all(const verify_request& request) {
 
 void run_verify(const verify_request& request) {
   if (!request.target.empty() && request.tables.size() > 1) throw wrong_usage("--salvage is for one table");
+  if (is_named_as_csv(request.target) || is_named_as_parquet(request.target)) {
+    throw wrong_usage(request.target + ": --salvage makes a table, and the name is another file's");
+  }
   if (!request.target.empty() && same_file(request.tables.front(), request.target)) {
     throw wrong_usage("the table and what is saved of it are one file: " + request.target);
   }
