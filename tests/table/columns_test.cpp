@@ -174,6 +174,19 @@ TEST_F(Columns, WithoutARowEachMethodHasItsRefusal) {
   EXPECT_REPORT(table_->WriteOVRecord(record), "WriteOVRecord failed, current row is not valid");
 }
 
+TEST_F(Columns, AnImplicitNumberIsNotSetWithoutARow) {
+  for (const bool is_double : {true, false}) {
+    SCOPED_TRACE(is_double);
+    ASSERT_EQ(create(holes(is_double)), S_OK);
+    EXPECT_EQ(table_->SetColumnDouble(3, 3.5), E_FAIL);
+    ovfile::pointer<IOvSchema> schema;
+    ovfile::variant value;
+    ASSERT_EQ(table_->get_Schema(schema.out()), S_OK);
+    EXPECT_EQ(schema->GetFieldDefault(3, value.out()), S_OK);
+    EXPECT_EQ(value.number(), 2.75);
+  }
+}
+
 TEST_F(Columns, AReadOnlyTableTakesNoValues) {
   make_rows(1);
   ASSERT_EQ(open(1), S_OK);

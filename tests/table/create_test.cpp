@@ -112,6 +112,19 @@ TEST_F(Create, OverTheTableThatIsHeldByAnotherSpelling) {
   EXPECT_EQ(content().size(), 2048U);
 }
 
+TEST_F(Create, OverTheTableThatIsHeldByALink) {
+  make_rows(5);
+  std::error_code refused;
+  std::filesystem::create_symlink(path(), path("link.ovt"), refused);
+  if (refused) GTEST_SKIP() << "no links can be made here";
+  ASSERT_EQ(open(), S_OK);
+  ASSERT_EQ(create(holes(false), "link.ovt"), S_OK);
+  LONG rows = 9;
+  EXPECT_EQ(table_->GetRowCount(&rows), S_OK);
+  EXPECT_EQ(rows, 0);
+  EXPECT_EQ(content().size(), 2048U);
+}
+
 TEST_F(Create, TheFieldsAreCountedBeforeTheirDefaultsAreRead) {
   const auto schema = numbers(65, false);
   const ovfile::variant words(text_of(std::string("no number")));

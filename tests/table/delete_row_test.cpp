@@ -161,6 +161,36 @@ TEST_P(DeleteRow, AWidenedTextTakesTheLongRoad) {
   EXPECT_EQ(ovfile::to_utf8(ovfile::wide_view(value.get().bstrVal)), "none                ");
 }
 
+/// Numbers become texts, and texts that are numbers become numbers, as GetColumn and SetColumn have it.
+TEST_P(DeleteRow, ChangedTypesOfTheHeldSchemaAreTheNewTables) {
+  open_rows(3);
+  ASSERT_EQ(set_->MoveTo(3), S_OK);
+  ASSERT_EQ(set_->SetColumn(1, ovfile::variant(words("12")).get()), S_OK);
+  auto other = ovfile::create_schema();
+  other->put_DoublePrecision(GetParam() ? VARIANT_TRUE : VARIANT_FALSE);
+  other->AddNumericColumn(words("BHID").get(), 0, 0);
+  other->AddStringColumn(words("DEPTH").get(), 8, nullptr, 0);
+  other->AddNumericColumn(words("DENSITY").get(), 2.75, 1);
+  ASSERT_EQ(set_->put_Schema(other.release()), S_OK);
+  ASSERT_EQ(set_->MoveTo(1), S_OK);
+  ASSERT_EQ(set_->SetColumn(1, ovfile::variant(words("7")).get()), S_OK);
+  EXPECT_EQ(set_->DeleteRow(2), S_OK) << ovtest::reported();
+  EXPECT_EQ(set_->MoveTo(2), S_OK);
+  EXPECT_EQ(number(1), 12);
+  ovfile::variant value;
+  EXPECT_EQ(set_->GetColumn(2, value.out()), S_OK);
+  EXPECT_EQ(ovfile::to_utf8(ovfile::wide_view(value.get().bstrVal)), "3       ");
+}
+
+TEST_P(DeleteRow, AnIndexIsLookedAtBeforeAnyRowIsRead) {
+  open_rows(3);
+  ovtest::failing_files disk;
+  ASSERT_EQ(open_set(), S_OK);
+  const int before = disk.count(ovtest::call::read);
+  EXPECT_REPORT(set_->DeleteRow(4), bad_row);
+  EXPECT_EQ(disk.count(ovtest::call::read), before);
+}
+
 TEST_P(DeleteRow, ASchemaOfMoreColumnsFailsAndTheTableStays) {
   open_rows(3);
   const bytes before = content();
