@@ -1,5 +1,6 @@
 // Rich error information: an object that carries the texts, and the one object that each thread holds.
 #include <atomic>
+#include <cstdlib>
 #include <new>
 #include <string>
 #include <utility>
@@ -138,6 +139,14 @@ thread_local held_error thread_error;
 /// be registered, and the C library ends the process where it finds no memory for that.
 thread_local bool has_held = false;
 
+/// More than the C library takes to register a destructor.
+bool has_memory() noexcept {
+  void* volatile some = std::malloc(256);
+  const bool is_there = some != nullptr;
+  std::free(some);
+  return is_there;
+}
+
 }  // namespace
 
 HRESULT CreateErrorInfo(ICreateErrorInfo** pperrinfo) {
@@ -149,6 +158,7 @@ HRESULT CreateErrorInfo(ICreateErrorInfo** pperrinfo) {
 HRESULT SetErrorInfo(ULONG reserved, IErrorInfo* perrinfo) {
   if (reserved != 0) return E_INVALIDARG;
   if (perrinfo == nullptr && !has_held) return S_OK;
+  if (!has_held && !has_memory()) return E_OUTOFMEMORY;
   has_held = true;
   thread_error.hold(perrinfo);
   return S_OK;
