@@ -58,8 +58,11 @@ void type_finder::look_at_number(std::size_t index, std::string_view cell, std::
   }
 }
 
-void type_finder::look_at_text(std::size_t index, std::string_view text, std::uint64_t line) {
-  column_type& column = columns_[index];
+void type_finder::add_header(const std::vector<std::string_view>& cells, std::uint64_t line) {
+  for (std::size_t i = 0; i < cells.size(); ++i) (void)look_at_encoding(i, cells[i], line);
+}
+
+utf8_facts type_finder::look_at_encoding(std::size_t index, std::string_view text, std::uint64_t line) {
   utf8_facts facts;
   facts.characters = text.size();
   if (!is_ascii(text)) facts = look_at_utf8(text);
@@ -68,6 +71,12 @@ void type_finder::look_at_text(std::size_t index, std::string_view text, std::ui
     first_1252_.note(line, index + 1, {});
   }
   if (facts.characters != text.size()) has_utf8_ = true;
+  return facts;
+}
+
+void type_finder::look_at_text(std::size_t index, std::string_view text, std::uint64_t line) {
+  column_type& column = columns_[index];
+  const utf8_facts facts = look_at_encoding(index, text, line);
   column.longest = std::max(column.longest, facts.characters);
   if (!column.is_text) return;
   if (facts.foreign != 0) {

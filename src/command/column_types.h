@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "encoding.h"
+
 namespace command {
 
 /// A cell's text as a table keeps it: without the blanks and tabs at its end.
@@ -37,6 +39,8 @@ class type_finder {
 
   /// The column is text, and no value may be longer.
   void force_text(std::size_t column, std::size_t width);
+  /// The columns' names, as far as their encoding goes.
+  void add_header(const std::vector<std::string_view>& cells, std::uint64_t line);
   /// One row; as many cells as there are columns.
   void add_row(const std::vector<std::string_view>& cells, std::uint64_t line);
 
@@ -51,6 +55,8 @@ class type_finder {
  private:
   void add_cell(std::size_t index, std::string_view cell, std::uint64_t line);
   void look_at_number(std::size_t index, std::string_view cell, std::uint64_t line);
+  /// What a text that is no UTF-8 is, as Windows-1252.
+  utf8_facts look_at_encoding(std::size_t index, std::string_view text, std::uint64_t line);
   void look_at_text(std::size_t index, std::string_view text, std::uint64_t line);
 
   std::vector<column_type> columns_;

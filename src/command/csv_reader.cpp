@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "failure.h"
+#include "verify/table_header.h"
 #include "words.h"
 
 namespace command {
@@ -41,6 +42,8 @@ const char* other_kind(std::string_view start) noexcept {
   for (const auto& [begin, what] : known) {
     if (start.starts_with(begin)) return what;
   }
+  constexpr std::size_t enough = 256;
+  if (begins_as_table(start.substr(0, enough))) return "a table already";
   const bool is_bzip2 = start.starts_with("BZh") && start.size() >= 10 && start.substr(4, 6) == "1AY&SY";
   return is_bzip2 ? "compressed by bzip2" : nullptr;
 }

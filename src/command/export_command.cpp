@@ -84,16 +84,18 @@ class csv_exporter {
 
 /// Names that promise what is not written.
 constexpr std::pair<const char*, const char*> other_formats[] = {
-    {".json", "JSON"},          {".ndjson", "JSON"},
-    {".geojson", "GeoJSON"},    {".xml", "XML"},
-    {".html", "HTML"},          {".xlsx", "a workbook"},
-    {".xls", "a workbook"},     {".ods", "a workbook"},
-    {".tsv", "tabs"},           {".gz", "compressed data"},
-    {".zip", "an archive"},     {".bz2", "compressed data"},
-    {".xz", "compressed data"}, {".zst", "compressed data"},
-    {".arrow", "Arrow"},        {".feather", "Feather"},
-    {".db", "a database"},      {".sqlite", "a database"},
-    {".duckdb", "a database"}};
+    {".json", "JSON"},           {".ndjson", "JSON"},
+    {".geojson", "GeoJSON"},     {".xml", "XML"},
+    {".html", "HTML"},           {".xlsx", "a workbook"},
+    {".xls", "a workbook"},      {".ods", "a workbook"},
+    {".jsonl", "JSON"},          {".xlsm", "a workbook"},
+    {".shp", "shapes"},          {".gpkg", "a database"},
+    {".dxf", "a drawing"},       {".tsv", "cells with tabs between them"},
+    {".gz", "compressed data"},  {".zip", "an archive"},
+    {".bz2", "compressed data"}, {".xz", "compressed data"},
+    {".zst", "compressed data"}, {".arrow", "Arrow"},
+    {".feather", "Feather"},     {".db", "a database"},
+    {".sqlite", "a database"},   {".duckdb", "a database"}};
 
 /// A table must not get lost under the text that is made of it. `table` may be a link's target.
 void check_target(const std::string& table, const std::string& csv) {

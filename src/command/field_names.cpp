@@ -95,19 +95,22 @@ std::string folded(std::string_view name) {
   return out;
 }
 
-/// How many letters must be put in, taken away or exchanged to make one of the other.
+/// How many letters must be put in, taken away or exchanged, or neighbours swapped, to make one of the other.
 std::size_t distance(std::string_view left, std::string_view right) {
-  std::vector<std::size_t> row(right.size() + 1);
-  for (std::size_t i = 0; i < row.size(); ++i) row[i] = i;
-  for (const char c : left) {
-    std::size_t diagonal = row[0]++;
-    for (std::size_t i = 0; i < right.size(); ++i) {
-      const std::size_t exchanged = diagonal + (right[i] == c ? 0 : 1);
-      diagonal = row[i + 1];
-      row[i + 1] = std::min({exchanged, row[i] + 1, row[i + 1] + 1});
+  std::vector<std::size_t> before_last;
+  std::vector<std::size_t> last(right.size() + 1);
+  for (std::size_t i = 0; i < last.size(); ++i) last[i] = i;
+  for (std::size_t l = 0; l < left.size(); ++l) {
+    std::vector<std::size_t> row(last.size());
+    row[0] = l + 1;
+    for (std::size_t r = 0; r < right.size(); ++r) {
+      row[r + 1] = std::min({last[r] + (left[l] == right[r] ? 0 : 1), row[r] + 1, last[r + 1] + 1});
+      const bool is_swapped = l > 0 && r > 0 && left[l] == right[r - 1] && left[l - 1] == right[r];
+      if (is_swapped) row[r + 1] = std::min(row[r + 1], before_last[r - 1] + 1);
     }
+    before_last = std::exchange(last, std::move(row));
   }
-  return row.back();
+  return last.back();
 }
 
 }  // namespace

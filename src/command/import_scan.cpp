@@ -26,6 +26,16 @@ std::vector<std::string> read_header(csv_reader& reader, const std::string& file
   return headers;
 }
 
+/// What stands between the cells where it is no comma; nothing where there is one.
+std::string other_separators(const std::vector<std::string>& headers) {
+  if (headers.size() != 1) return {};
+  for (const auto& [sign, what] :
+       {std::pair(';', "semicolons"), std::pair('\t', "tabs"), std::pair('|', "bars")}) {
+    if (headers.front().find(sign) != std::string::npos) return what;
+  }
+  return {};
+}
+
 /// What is probably not what the user wanted.
 void note_oddities(import_plan& plan, const std::string& file, const std::vector<std::string>& headers,
                    const cell_problem& mixed) {
@@ -34,13 +44,9 @@ void note_oddities(import_plan& plan, const std::string& file, const std::vector
         fmt::format("warning: {} is not UTF-8 as other cells are; such cells are read as Windows-1252",
                     csv_place(file, mixed.line, mixed.column)));
   }
-  if (headers.size() != 1) return;
-  for (const auto& [sign, what] :
-       {std::pair(';', "semicolons"), std::pair('\t', "tabs"), std::pair('|', "bars")}) {
-    if (headers.front().find(sign) == std::string::npos) continue;
+  if (const std::string what = other_separators(headers); !what.empty()) {
     plan.notes.push_back(fmt::format(
         "warning: {} has {} and no comma in its first line; all of it is one column", file, what));
-    return;
   }
 }
 
@@ -90,9 +96,11 @@ std::uint64_t scan_rows(csv_reader& reader, csv_input& input, type_finder& types
       ++rows;
       bar.at(reader.bytes_read(), input.size());
     }
-  } catch (const failure&) {
+  } catch (const failure& error) {
     check();
-    throw;
+    const std::string what = other_separators(headers);
+    if (what.empty()) throw;
+    throw failure(fmt::format("{}; there are {} and no comma in its first line", error.what(), what));
   }
   check();
   if (rows > static_cast<std::uint64_t>(std::numeric_limits<LONG>::max())) {
@@ -172,6 +180,7 @@ import_plan scan_csv(csv_input& input, const import_request& request) {
   }
 
   type_finder types(headers.size(), request.single);
+  types.add_header(reader.cells(), reader.line());
   force_texts(types, request, headers, plan.stored);
   plan.rows = scan_rows(reader, input, types, headers);
   for (std::size_t i = 0; i < headers.size(); ++i) {

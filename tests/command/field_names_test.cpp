@@ -114,6 +114,7 @@ TEST(field_names, names_near_another_are_the_nearest_ones) {
   const names there = {"FROM", "FROM_2", "Au", "au", "DENSITY", "X", "Y"};
   EXPECT_EQ(command::names_near(there, "from"), names{"FROM"});
   EXPECT_EQ(command::names_near(there, "FRM"), names{"FROM"});
+  EXPECT_EQ(command::names_near({"head", "heap2"}, "haed"), names{"head"});
   EXPECT_EQ(command::names_near(there, "FROMS"), names{"FROM"});
   EXPECT_EQ(command::names_near(there, "FROM2"), (names{"FROM", "FROM_2"}));
   EXPECT_EQ(command::names_near(there, "DNESITY"), names{"DENSITY"});

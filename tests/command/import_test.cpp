@@ -114,6 +114,31 @@ TEST_F(import_test, other_signs_between_cells_are_told) {
   }
 }
 
+TEST_F(import_test, other_signs_between_cells_are_told_where_rows_do_not_fit) {
+  write("in.csv", "N;W\n1,5;2\n");
+  expect_failure(
+      {"import", "in.csv", "t.ovt"},
+      "in.csv, line 2, column 2: the row has 2 cells, the header has 1; there are semicolons and no "
+      "comma in its first line");
+}
+
+TEST_F(import_test, names_of_another_encoding_are_told) {
+  write("in.csv", "N\xFCm,B\nZ\xC3\xBCrich,1\n");
+  EXPECT_NE(run({"import", "in.csv", "t.ovt"})
+                .error.find("warning: in.csv, line 1, column 1 is not UTF-8 as other cells are"),
+            std::string::npos);
+}
+
+TEST_F(import_test, a_table_is_no_csv_whatever_its_name) {
+  round_trip("A\n1\n");
+  std::filesystem::copy_file(folder() / "t.ovt", folder() / "table.csv");
+  const ovtest::process_result end = run({"import", "table.csv", "u.ovt"});
+  EXPECT_EQ(end.status, 1);
+  EXPECT_NE(end.error.find("table.csv"), end.error.npos);
+  EXPECT_NE(end.error.find("a table already"), end.error.npos) << end.error;
+  EXPECT_FALSE(std::filesystem::exists(folder() / "u.ovt"));
+}
+
 TEST_F(import_test, a_table_that_was_there_is_replaced) {
   write("in.csv", "A\n1\n2\n");
   run_quietly({"import", "in.csv", "t.ovt"});

@@ -130,6 +130,11 @@ std::uint64_t table_header::record_words() const noexcept {
       std::count_if(entries.begin(), entries.end(), [](const auto& each) { return each.position != 0; }));
 }
 
+bool begins_as_table(std::string_view bytes) {
+  return header_words(std::string(bytes), false).find_order(single_mark) ||
+         header_words(std::string(bytes), true).find_order(double_mark);
+}
+
 table_header read_table_header(const std::string& file) {
   table_header header;
   raw_file opened = raw_file::open(file);

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace command {
@@ -32,6 +33,9 @@ struct table_header {
 };
 
 struct not_a_table {};
+
+/// Whether bytes are the beginning of a table.
+bool begins_as_table(std::string_view bytes);
 
 /// Throws `failure` where the file cannot be read, and `not_a_table` where it has no table's mark.
 table_header read_table_header(const std::string& file);
