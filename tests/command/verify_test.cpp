@@ -71,7 +71,7 @@ TEST_F(verify_test, a_file_that_was_cut_within_its_last_page_lacks_rows) {
 }
 
 TEST_F(verify_test, rows_of_a_page_in_which_the_file_ends_are_read) {
-  for (const std::size_t cut : {4096 + 50 * 16 + 15, 2 * 4096 + 16, 2 * 4096 + 253 * 16 + 8}) {
+  for (const std::size_t cut : {4911U, 8208U, 12248U}) {  // within the first and the second page of rows
     SCOPED_TRACE(cut);
     write("t.ovt", table_.substr(0, cut));
     const std::string rows = std::to_string((cut / 4096 - 1) * 254 + cut % 4096 / 16);
@@ -159,7 +159,7 @@ TEST_F(verify_test, a_text_outside_the_code_page_is_told_by_row) {
 }
 
 TEST_F(verify_test, a_file_that_ends_within_its_header_is_not_whole) {
-  for (const std::size_t bytes : {300, 2000}) {
+  for (const std::size_t bytes : {300U, 2000U}) {
     write("t.ovt", table_.substr(0, bytes));
     expect(1, "t.ovt: not whole, 0 rows\n  t.ovt: the file ends within the header\n");
   }
@@ -296,6 +296,18 @@ TEST_F(verify_test, what_can_be_read_is_saved) {
 TEST_F(verify_test, a_table_is_not_saved_into_itself) {
   expect_wrong_usage({"verify", "t.ovt", "--salvage", "./t.ovt"},
                      "the table and what is saved of it are one file: ./t.ovt");
+}
+
+TEST_F(verify_test, names_that_are_not_allowed_are_changed_in_what_is_saved) {
+  table_[(28 + 7) * 8] = 'A';
+  write("t.ovt", table_);
+  expect(0,
+         "t.ovt: whole, 600 rows\n"
+         "  note: t.ovt, column A: another column has its name\n");
+  const ovtest::process_result end = run({"verify", "t.ovt", "--salvage", "saved.ovt"});
+  EXPECT_EQ(end.status, 0);
+  EXPECT_NE(end.error.find("column 2 \"A\""), end.error.npos) << end.error;
+  EXPECT_EQ(run_quietly({"head", "saved.ovt", "-n", "1"}), "A  A_2\n1  ab\n");
 }
 
 }  // namespace

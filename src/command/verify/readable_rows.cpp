@@ -10,21 +10,15 @@ readable_rows::readable_rows(const std::string& file)
   if (count_ > in_whole_pages_) copy_cut_page();
 }
 
-readable_rows::~readable_rows() {
-  if (!folder_) return;
-  cut_page_.reset();
-  remove_file(page_name());
-}
-
 void readable_rows::copy_cut_page() {
   const OvTableFacts facts = whole_.facts();
   const auto page = static_cast<std::uint64_t>(facts.fileBytes / (512LL * facts.wordBytes));
-  folder_.emplace("ovfile-verify");
+  copy_.emplace();
   bool taken = false;
-  raw_file copy = raw_file::make_new(page_name(), true, taken);
+  raw_file copy = raw_file::make_new(copy_->name(), true, taken);
   copy.write(table_of_page(whole_.target(), page, static_cast<std::uint64_t>(count_ - in_whole_pages_)));
   copy.close();
-  cut_page_.emplace(page_name());
+  cut_page_.emplace(copy_->name());
 }
 
 table_view& readable_rows::at(LONG row) {

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "private_folder.h"
+#include "raw_file.h"
 #include "table_view.h"
 
 namespace command {
@@ -15,10 +16,6 @@ class readable_rows {
   /// Throws `failure` where the table cannot be opened.
   explicit readable_rows(const std::string& file);
 
-  ~readable_rows();
-  readable_rows(const readable_rows&) = delete;
-  readable_rows& operator=(const readable_rows&) = delete;
-
   /// Its columns are those of what `at` gives.
   const table_view& table() const noexcept { return whole_; }
   LONG count() const noexcept { return count_; }
@@ -26,10 +23,24 @@ class readable_rows {
   table_view& at(LONG row);
 
  private:
-  void copy_cut_page();
-  std::string page_name() const { return folder_->name() + "/page.ovt"; }
+  /// A file for a while, whose end takes no memory.
+  class page_copy {
+   public:
+    page_copy() : folder_("ovfile-verify"), name_(folder_.name() + "/page.ovt") {}
+    ~page_copy() { remove_file(name_); }
+    page_copy(const page_copy&) = delete;
+    page_copy& operator=(const page_copy&) = delete;
 
-  std::optional<private_folder> folder_;  // goes when no table in it is open any more
+    const std::string& name() const noexcept { return name_; }
+
+   private:
+    private_folder folder_;
+    std::string name_;
+  };
+
+  void copy_cut_page();
+
+  std::optional<page_copy> copy_;  // goes when its table is not open any more
   table_view whole_;
   LONG in_whole_pages_;
   LONG count_;

@@ -5,9 +5,12 @@
 
 #include "absent.h"
 #include "failure.h"
+#include "field_names.h"
 #include "progress.h"
 #include "replacement.h"
+#include "table_limits.h"
 #include "verify/readable_rows.h"
+#include "words.h"
 
 namespace command {
 namespace {
@@ -43,6 +46,34 @@ class row_copier {
   ovfile::text text_;
 };
 
+/// The library reads names that it does not make: these are changed, which is told.
+std::vector<std::string> allowed_names(const table_view& from) {
+  std::vector<std::string> names;
+  for (const field_view& field : from.fields()) names.push_back(field.name);
+  std::vector<std::string> notes;
+  std::vector<std::string> allowed = make_field_names(names, {}, longest_name(from.is_single()), notes);
+  for (const std::string& note : notes) say(note);
+  return allowed;
+}
+
+ovfile::pointer<IOvSchema> saved_schema(const table_view& from) {
+  const std::vector<std::string> names = allowed_names(from);
+  // One that begins so would make a link of the new table.
+  const std::string description = from.description().starts_with("LINK") ? "" : from.description();
+  auto schema = ovfile::create_schema();
+  from.check(schema->put_DoublePrecisionFlag(from.is_single() ? 0 : 1));
+  from.check(schema->put_Description(ovfile::text(std::string_view(description)).get()));
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    const field_view& field = from.fields()[i];
+    const ovfile::text name{std::string_view(names[i])};
+    const ovfile::text value{std::string_view(field.text_default)};
+    const LONG implicit = field.implicit ? 1 : 0;
+    from.check(field.is_text ? schema->AddStringColumn(name.get(), field.width, value.get(), implicit)
+                             : schema->AddNumericColumn(name.get(), field.number_default, implicit));
+  }
+  return schema;
+}
+
 }  // namespace
 
 LONG salvage(const std::string& file, const check_result& found, const std::string& target) {
@@ -52,9 +83,7 @@ LONG salvage(const std::string& file, const check_result& found, const std::stri
   LONG rows = 0;
   {
     const auto table = ovfile::create_table();
-    const auto schema = from.table().schema();
-    // It would make a link of the new table.
-    if (from.table().description().starts_with("LINK")) check_call(target, schema->put_Description(nullptr));
+    const auto schema = saved_schema(from.table());
     check_call("cannot write " + target,
                table->Create(ovfile::text(std::string_view(made.name())).get(), schema.get()));
     row_copier copier(*table.get(), target);

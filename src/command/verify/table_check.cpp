@@ -56,7 +56,8 @@ void check_size(const table_header& header, std::vector<finding>& found) {
 void check_order(const std::vector<dictionary_entry>& entries, std::vector<finding>& found) {
   for (std::size_t i = 0; i < entries.size(); ++i) {
     const dictionary_entry& entry = entries[i];
-    const bool goes_on = i > 0 && entries[i - 1].name == entry.name && entry.type == 'A';
+    const bool goes_on =
+        i > 0 && entries[i - 1].name == entry.name && entries[i - 1].type == 'A' && entry.type == 'A';
     const double expected = goes_on ? entries[i - 1].ordinal + 1 : 1;
     if (entry.ordinal == expected || (entry.position == 0 && entry.type == 'A')) continue;
     found.push_back(
