@@ -7,7 +7,7 @@ namespace ovf {
 namespace {
 
 /// Puts one name in another's place while nobody else has the file behind it open. The lock is held until the
-/// other file has the name: who opened the old one meanwhile waits for it, and finds that its name is
+/// other file has the name: who would open the old one meanwhile is turned away, or finds that its name is
 /// another's. Who opened, changed and closed it before has his changes in it: `expected` tells.
 bool rename_over(const descriptor_file& copy, descriptor_file& old, const std::string& from,
                  const std::string& to, const file_stamp* expected) noexcept {

@@ -46,7 +46,7 @@ std::vector<std::string> pipes_in(std::string_view statement) {
 }
 
 /// The first words in small letters, without what brackets them.
-std::vector<std::string> first_words(std::string_view statement) {
+std::vector<std::string> leading_words(std::string_view statement) {
   constexpr std::size_t enough = 4;  // create or replace temp ...
   std::vector<std::string> words(1);
   for (sql_scanner scanner(statement); !scanner.is_at_end() && words.size() <= enough;) {
@@ -66,7 +66,7 @@ std::vector<std::string> first_words(std::string_view statement) {
 
 /// Without a look at its columns before.
 bool is_run_at_once(std::string_view statement) {
-  const std::vector<std::string> words = first_words(statement);
+  const std::vector<std::string> words = leading_words(statement);
   constexpr std::string_view works[] = {"create", "insert", "copy"};
   const auto is_kept_text = [](const std::string& word) { return word == "view" || word == "macro"; };
   return !words.empty() && std::ranges::find(works, words.front()) != std::end(works) &&
@@ -92,7 +92,7 @@ void hold_piped_input(const std::vector<std::string>& statements) {
 bool names_a_pipe(std::string_view statement) { return !pipes_in(statement).empty(); }
 
 bool begins_as_query(std::string_view statement) {
-  const std::vector<std::string> words = first_words(statement);
+  const std::vector<std::string> words = leading_words(statement);
   constexpr std::string_view queries[] = {"select", "from", "with", "values", "table", "pivot", "unpivot"};
   return !words.empty() && std::ranges::find(queries, words.front()) != std::end(queries);
 }
