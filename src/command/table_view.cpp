@@ -98,10 +98,11 @@ LONG table_view::rows_in_file() const {
 LONG table_view::rows_held() const {
   const OvTableFacts found = facts();
   const LONG read = rows_in_file();
+  if (read == rows_ || found.wordBytes <= 0 || found.recordWords <= 0) return read;
   const long long page_bytes = 512LL * found.wordBytes;
   const long long record_bytes = static_cast<long long>(found.recordWords) * found.wordBytes;
   const long long pages = found.fileBytes / page_bytes - found.headerPages;
-  if (record_bytes == 0 || read == rows_ || pages < 0 || pages * found.recordsPerPage != read) return read;
+  if (pages < 0 || pages * found.recordsPerPage != read) return read;
   const long long of_cut_page = found.fileBytes % page_bytes / record_bytes;
   return static_cast<LONG>(
       std::min<long long>(rows_, read + std::min<long long>(of_cut_page, found.recordsPerPage)));

@@ -1,5 +1,7 @@
 #include "verify/readable_rows.h"
 
+#include <algorithm>
+
 #include "raw_file.h"
 #include "verify/table_header.h"
 
@@ -12,7 +14,8 @@ readable_rows::readable_rows(const std::string& file)
 
 void readable_rows::copy_cut_page() {
   const OvTableFacts facts = whole_.facts();
-  const auto page = static_cast<std::uint64_t>(facts.fileBytes / (512LL * facts.wordBytes));
+  const long long page_bytes = std::max(512LL * facts.wordBytes, 1LL);
+  const auto page = static_cast<std::uint64_t>(facts.fileBytes / page_bytes);
   copy_.emplace();
   bool taken = false;
   raw_file copy = raw_file::make_new(copy_->name(), true, taken);
