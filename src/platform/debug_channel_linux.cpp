@@ -13,7 +13,7 @@ wide for_terminal(wide_view message) {
   wide shown;
   for (const OLECHAR c : message) {
     const bool is_control = c < 0x20 || (c >= 0x7F && c < 0xA0);
-    if (c == u'\r') continue;  // before a line feed
+    if (c == u'\r') continue;  // lines end with a line feed here
     shown += is_control && c != u'\t' && c != u'\n' ? u'.' : c;
   }
   return shown;

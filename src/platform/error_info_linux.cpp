@@ -134,10 +134,14 @@ class held_error {
   bool is_own_ = false;
 };
 
-thread_local held_error thread_error;
+/// In the memory that every thread has from its beginning: where a library is loaded later, the C library
+/// would look for some at the first use, and end the process where there is none.
+#define OVFILE_EARLY [[gnu::tls_model("initial-exec")]]
+
+OVFILE_EARLY thread_local held_error thread_error;
 /// Whether the thread has held an error. Before it has, `thread_error` is not touched: its destructor would
 /// be registered, and the C library ends the process where it finds no memory for that.
-thread_local bool has_held = false;
+OVFILE_EARLY thread_local bool has_held = false;
 
 /// More than the C library takes to register a destructor.
 bool has_memory() noexcept {
