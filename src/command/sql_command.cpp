@@ -62,7 +62,9 @@ void check_suffix(const sql_request& request) {
       request.output));
 }
 
-void write_to_table(sql_database& database, const sql_request& request, const std::string& statement) {
+/// `asked` is the statement as the user wrote it.
+void write_to_table(sql_database& database, const sql_request& request, const std::string& statement,
+                    const std::string& asked) {
   const sql_shape shape = database.shape_of(statement);
   if (!shape.is_query) throw failure("this statement gives no rows to make a table of");
   // The rows are looked at twice, and the second time has to find the same.
@@ -70,7 +72,7 @@ void write_to_table(sql_database& database, const sql_request& request, const st
                                joined(own_column_names(shape.columns.size()), ", ")),
                    1);
   std::vector<std::string> notes;
-  if (auto note = note_number_texts(database, statement, "ovfile_rows", shape.columns)) {
+  if (auto note = note_number_texts(database, asked, "ovfile_rows", shape.columns)) {
     notes.push_back(*std::move(note));
   }
   query_table_request made = request.made;
@@ -131,7 +133,7 @@ void run_sql(const sql_request& request) {
   refuse_copy_to_table(database, statements.back());
   const std::string last = database.settled(statements.back());
   if (makes_table(request)) {
-    write_to_table(database, request, last);
+    write_to_table(database, request, last, statements.back());
   } else if (form_of(request) == "parquet") {
     write_to_parquet(database, request, last);
   } else {

@@ -66,6 +66,31 @@ TEST_F(sql_pipe_test, a_named_pipe_is_for_queries) {
   EXPECT_EQ(result.output, "1\n");
 }
 
+TEST_F(sql_pipe_test, a_view_of_a_named_pipe_is_refused) {
+  const auto result = shell(
+      "mkfifo p.csv; timeout 20 \"$OVFILE\" sql \"create or replace temp view v as from read_csv('p.csv'); "
+      "from v\"; "
+      "echo $?");
+  EXPECT_EQ(result.output, "1\n");
+  EXPECT_NE(result.error.find("p.csv: only a query can read a named pipe"), std::string::npos)
+      << result.error;
+}
+
+TEST_F(sql_pipe_test, a_query_that_needs_no_more_waits_for_no_end) {
+  const auto result = shell(
+      "{ printf 'A\\n1\\n2\\n'; yes 3; } | timeout 30 \"$OVFILE\" sql \"select count(*) as N from (from "
+      "read_csv('/dev/stdin') limit 2)\" -o csv; echo $?");
+  EXPECT_EQ(result.error, "");
+  EXPECT_EQ(result.output, "N\n2\n0\n");
+}
+
+TEST_F(sql_pipe_test, a_name_between_dollars_is_a_name) {
+  const auto result = shell(
+      "printf 'A\\n1\\n' | \"$OVFILE\" sql 'create view v as from read_csv($$/dev/stdin$$); from v' -o csv");
+  EXPECT_EQ(result.error, "");
+  EXPECT_EQ(result.output, "A\n1\n");
+}
+
 TEST_F(sql_pipe_test, rows_go_to_standard_output) {
   const auto result = shell("\"$OVFILE\" sql \"copy (select 1 as A) to '/dev/stdout'\" | cat");
   EXPECT_EQ(result.error, "");

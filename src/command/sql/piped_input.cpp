@@ -30,24 +30,29 @@ bool is_named_pipe(const std::string& name) {
          !name.starts_with("/dev/") && !name.starts_with("/proc/");
 }
 
+/// What stands between single quotes or $tags$; nothing for any other piece.
+std::string_view quoted_text(std::string_view piece) {
+  std::size_t mark = piece.starts_with('\'') ? 1 : 0;
+  if (piece.starts_with('$')) mark = piece.find('$', 1) + 1;
+  return mark == 0 || piece.size() <= 2 * mark ? std::string_view()
+                                               : piece.substr(mark, piece.size() - 2 * mark);
+}
+
 /// The texts of a statement that name pipes.
 std::vector<std::string> pipes_in(std::string_view statement) {
   std::vector<std::string> found;
   for (sql_scanner scanner(statement); !scanner.is_at_end();) {
     const std::size_t begin = scanner.at();
-    const bool is_text = scanner.here() == '\'';
     scanner.go_on();
-    const std::size_t length = scanner.at() - begin;
-    if (!is_text || length <= 2) continue;
-    std::string name(statement.substr(begin + 1, length - 2));
-    if (is_pipe(name)) found.push_back(std::move(name));
+    std::string name(quoted_text(statement.substr(begin, scanner.at() - begin)));
+    if (!name.empty() && is_pipe(name)) found.push_back(std::move(name));
   }
   return found;
 }
 
 /// The first words in small letters, without what brackets them.
 std::vector<std::string> leading_words(std::string_view statement) {
-  constexpr std::size_t enough = 4;  // create or replace temp ...
+  constexpr std::size_t enough = 5;  // create or replace temp view
   std::vector<std::string> words(1);
   for (sql_scanner scanner(statement); !scanner.is_at_end() && words.size() <= enough;) {
     const char c = scanner.here();
@@ -73,14 +78,34 @@ bool is_run_at_once(std::string_view statement) {
          std::ranges::none_of(words, is_kept_text);
 }
 
+/// Whether a statement is a query that names one pipe and has no part that DuckDB answers by a query before
+/// it.
+bool looks_once(std::string_view statement) {
+  constexpr std::string_view before[] = {"summarize", "describe", "desc", "show", "pivot", "unpivot"};
+  std::string word;
+  const auto ends_as_one = [&] { return std::ranges::find(before, word) != std::end(before); };
+  for (sql_scanner scanner(statement); !scanner.is_at_end();) {
+    const char c = scanner.here();
+    if (scanner.go_on() && is_letter(c)) {
+      word += c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+      continue;
+    }
+    if (ends_as_one()) return false;
+    word.clear();
+  }
+  return !ends_as_one() && begins_as_query(statement) && pipes_in(statement).size() < 2;
+}
+
 }  // namespace
 
 void hold_piped_input(const std::vector<std::string>& statements) {
+  // A single look may end before the pipe does.
+  if (statements.size() == 1 && looks_once(statements.front())) return;
   for (const std::string& statement : statements) {
     for (const std::string& name : pipes_in(statement)) {
-      const std::optional<int> number = inherited_input(name);
+      const std::optional<int> number = is_pipe(name) ? inherited_input(name) : std::nullopt;
       if (!number) continue;
-      raw_file pipe = raw_file::open(name);
+      raw_file pipe = *number == 0 ? raw_file::standard_input() : raw_file::open(name);
       raw_file held = raw_file::make_scratch();
       std::string part(std::size_t{1} << 16, '\0');
       while (const std::size_t count = pipe.read(part.data(), part.size())) held.write({part.data(), count});

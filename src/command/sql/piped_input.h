@@ -8,7 +8,8 @@
 namespace command {
 
 /// Puts what comes through the inherited pipes that the statements name, as /dev/stdin, into temporary files
-/// in their place: most statements read twice, once for the columns and once for the rows. Throws `failure`.
+/// in their place: most statements read twice, once for the columns and once for the rows. A single query
+/// that names one reads it as it comes. Throws `failure`.
 void hold_piped_input(const std::vector<std::string>& statements);
 
 /// Whether a text in the statement names a pipe.
