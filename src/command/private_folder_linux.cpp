@@ -25,8 +25,12 @@ private_folder::private_folder(const std::string& purpose)
 private_folder::~private_folder() {
   // Without memory of its own where it can: that may be what has run out.
   if (::rmdir(name_.c_str()) == 0) return;
-  std::error_code ignored;
-  std::filesystem::remove_all(name_, ignored);
+  try {
+    std::error_code ignored;
+    std::filesystem::remove_all(name_, ignored);
+  } catch (...) {
+    // There is no memory for it.
+  }
 }
 
 }  // namespace command

@@ -108,6 +108,26 @@ TEST_F(verify_test, a_page_in_which_a_file_of_single_precision_ends_is_read) {
   EXPECT_EQ(run_quietly({"head", "saved.ovt", "-n", "1", "--from", "100"}), "  A  B\n100  ab\n");
 }
 
+TEST_F(verify_test, a_table_without_a_mark_is_read_as_far_as_the_library_does) {
+  run_quietly({"import", "in.csv", "t.ovt", "--single"});
+  std::string table = read("t.ovt");
+  std::memset(table.data() + 24 * 4, 0, 4);
+  write("t.ovt", table.substr(0, 2048 + 2048 + 100 * 8));
+  expect(1,
+         "t.ovt: not whole, 254 rows\n"
+         "  note: t.ovt: it has no table's mark\n"
+         "  t.ovt: the file ends behind row 254; its header promises 600\n");
+}
+
+TEST_F(verify_test, more_rows_in_a_page_than_fit_are_told) {
+  put(27, 255);
+  const ovtest::process_result end = run({"verify", "t.ovt"});
+  EXPECT_EQ(end.status, 1);
+  EXPECT_NE(end.output.find("  t.ovt: the header counts 255 records in the last page, of which 254 fit\n"),
+            end.output.npos)
+      << end.output;
+}
+
 TEST_F(verify_test, a_last_page_that_ends_with_its_rows_is_whole) {
   write("t.ovt", table_.substr(0, 3 * 4096 + 92 * 16));
   expect(0, "t.ovt: whole, 600 rows\n");
@@ -252,7 +272,7 @@ TEST_F(verify_test, bytes_behind_the_last_page_are_no_harm) {
 
 TEST_F(verify_test, what_was_left_beside_it_is_told) {
   write(".NEW0123456789.tmp", "x");
-  write(".NEWS.md", "x");
+  for (const char* name : {".NEWS.md", ".NEWcafe", "NEWface.tmp"}) write(name, "x");
   expect(0,
          "t.ovt: whole, 600 rows\n"
          "  note: t.ovt: beside it lies .NEW0123456789.tmp, of work that was cut off\n");

@@ -9,7 +9,13 @@ namespace command {
 
 readable_rows::readable_rows(const std::string& file)
     : whole_(file), in_whole_pages_(whole_.rows_in_file()), count_(whole_.rows_held()) {
-  if (count_ > in_whole_pages_) copy_cut_page();
+  if (count_ == in_whole_pages_) return;
+  try {
+    copy_cut_page();
+  } catch (const not_a_table&) {
+    // The library reads tables without a mark; nothing here tells their precision.
+    count_ = in_whole_pages_;
+  }
 }
 
 void readable_rows::copy_cut_page() {

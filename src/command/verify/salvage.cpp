@@ -74,9 +74,33 @@ ovfile::pointer<IOvSchema> saved_schema(const table_view& from) {
   return schema;
 }
 
+/// Rows as ranges: "3, 10-20".
+std::string listed(const std::vector<LONG>& rows) {
+  std::vector<std::string> ranges;
+  for (std::size_t i = 0; i < rows.size();) {
+    std::size_t last = i;
+    while (last + 1 < rows.size() && rows[last + 1] == rows[last] + 1) ++last;
+    ranges.push_back(i == last ? std::to_string(rows[i]) : fmt::format("{}-{}", rows[i], rows[last]));
+    i = last + 1;
+  }
+  return joined(ranges, ", ");
+}
+
+std::string lost_words(const std::string& file, const check_result& found, const std::string& target,
+                       LONG rows) {
+  std::string words = fmt::format("{} of {} went to {}", rows, counted(found.rows, "row"), target);
+  std::vector<std::string> missing;
+  if (!found.lost.empty()) missing.push_back(listed(found.lost));
+  if (found.rows_in_file < found.rows) {
+    missing.push_back(fmt::format("{}-{}", found.rows_in_file + 1, found.rows));
+  }
+  if (!missing.empty()) words += fmt::format("; of {} these are lost: {}", file, joined(missing, ", "));
+  return words;
+}
+
 }  // namespace
 
-LONG salvage(const std::string& file, const check_result& found, const std::string& target) {
+void salvage(const std::string& file, const check_result& found, const std::string& target) {
   readable_rows from(file);
   if (from.count() != found.rows_in_file) throw failure(file + ": the file was changed meanwhile");
   replacement made(target);
@@ -97,8 +121,9 @@ LONG salvage(const std::string& file, const check_result& found, const std::stri
     }
     check_call("cannot write " + target, table->Close());
   }
+  const message told(lost_words(file, found, target, rows));
   made.commit();
-  return rows;
+  told.say();
 }
 
 }  // namespace command

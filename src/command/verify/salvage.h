@@ -7,8 +7,8 @@
 
 namespace command {
 
-/// Makes a table of all rows that can be read. Numbers that are none become absent. Returns how many rows it
-/// has. Throws `failure`.
-LONG salvage(const std::string& file, const check_result& found, const std::string& target);
+/// Makes a table of all rows that can be read, and says how many they are and which are lost. Numbers that
+/// are none become absent. Throws `failure`.
+void salvage(const std::string& file, const check_result& found, const std::string& target);
 
 }  // namespace command

@@ -22,7 +22,9 @@ namespace {
 
 constexpr double most_entries = 256;
 
-bool is_whole_number(double value) noexcept { return value >= 0 && value == std::trunc(value); }
+bool is_whole_number(double value) noexcept {
+  return std::isfinite(value) && value >= 0 && value == std::trunc(value);
+}
 
 void check_counts(const table_header& header, std::vector<finding>& found) {
   const auto check = [&](double count, const char* what) {
@@ -33,6 +35,13 @@ void check_counts(const table_header& header, std::vector<finding>& found) {
   if (is_whole_number(header.atoms) && header.atoms > most_entries) {
     found.push_back(
         {fmt::format("the header's number of entries is more than a table has: {}", header.atoms)});
+  }
+  constexpr std::uint64_t page_words = 508;
+  const std::uint64_t fit = page_words / std::max<std::uint64_t>(header.record_words(), 1);
+  if (header.record_words() != 0 && is_whole_number(header.records_in_last) &&
+      header.records_in_last > static_cast<double>(fit)) {
+    found.push_back({fmt::format("the header counts {} records in the last page, of which {} fit",
+                                 header.records_in_last, fit)});
   }
   if (is_whole_number(header.pages) && header.pages < static_cast<double>(header.header_pages())) {
     found.push_back({fmt::format("the header counts {} pages, and takes {} itself", header.pages,
@@ -105,7 +114,8 @@ bool is_left_behind(std::string_view name) {
   if (is_hidden) name.remove_prefix(1);
   if (!name.starts_with("NEW") || (!is_hidden && !name.ends_with(".tmp"))) return false;
   const std::string_view number = name.substr(3, name.find('.') - 3);
-  return !number.empty() && number.find_first_not_of("0123456789abcdef-") == number.npos;
+  const bool is_length = number.size() == 10 || number.size() == 12 || number.find('-') != number.npos;
+  return is_length && number.find_first_not_of("0123456789abcdef-") == number.npos;
 }
 
 /// What works on tables leaves beside them when it is killed.

@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "failure.h"
+
 namespace command {
 
 /// One word of a field: seven words of the header.
@@ -32,7 +34,9 @@ struct table_header {
   std::uint64_t record_words() const noexcept;
 };
 
-struct not_a_table {};
+struct not_a_table : failure {
+  not_a_table() : failure("it has no table's mark") {}
+};
 
 /// Whether bytes are the beginning of a table.
 bool begins_as_table(std::string_view bytes);

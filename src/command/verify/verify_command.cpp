@@ -25,18 +25,6 @@ struct verify_request {
   bool json = false;
 };
 
-/// Rows as ranges: "3, 10-20".
-std::string listed(const std::vector<LONG>& rows) {
-  std::vector<std::string> ranges;
-  for (std::size_t i = 0; i < rows.size();) {
-    std::size_t last = i;
-    while (last + 1 < rows.size() && rows[last + 1] == rows[last] + 1) ++last;
-    ranges.push_back(i == last ? std::to_string(rows[i]) : fmt::format("{}-{}", rows[i], rows[last]));
-    i = last + 1;
-  }
-  return joined(ranges, ", ");
-}
-
 std::string place_of(const finding& found) {
   std::string place;
   if (found.row != 0) place += fmt::format(", row {}", found.row);
@@ -86,18 +74,6 @@ bool look_at(const std::string& file, check_result& result) {
   }
 }
 
-void report_lost(const std::string& file, const check_result& result, const std::string& target, LONG rows) {
-  std::vector<LONG> lost = result.lost;
-  std::string words = fmt::format("{} of {} went to {}", rows, counted(result.rows, "row"), target);
-  std::vector<std::string> missing;
-  if (!lost.empty()) missing.push_back(listed(lost));
-  if (result.rows_in_file < result.rows) {
-    missing.push_back(fmt::format("{}-{}", result.rows_in_file + 1, result.rows));
-  }
-  if (!missing.empty()) words += fmt::format("; of {} these are lost: {}", file, joined(missing, ", "));
-  say(words);
-}
-
 enum class verdict { whole, not_whole, unread };
 
 verdict verify_all(const verify_request& request) {
@@ -119,8 +95,7 @@ verdict verify_all(const verify_request& request) {
   if (request.json) output.text() += "]\n";
   output.finish();
   if (request.target.empty() || all == verdict::unread) return all;
-  const std::string& file = request.tables.front();
-  report_lost(file, result, request.target, salvage(file, result, request.target));
+  salvage(request.tables.front(), result, request.target);
   return all;
 }
 
