@@ -117,14 +117,15 @@ def write_with_column(table: Interface, schema: Schema, column: Column, source: 
     """
     path, rows = table.out_text("get_Name"), table.out_long("GetRowCount")
     table.call("FlushChanges")
-    with held_signals() as signals, replacement(path) as new, contextlib.closing(HeldFile(path)) as file:
-        before = file.stamp()
-        with closing(_opened(file.name, _TO_READ)) as old:
-            _require_same(old, schema, rows)
-            new.fill(_without_rows(file, schema, column))
-            with closing(_opened(new.beside, _TO_CHANGE)) as made, stoppable(made, signals):
-                producer = _merged(old, schema, source, rows)
-                append_stream(made, producer.stream(), producer)
+    with held_signals() as signals, replacement(path) as new:
+        with contextlib.closing(HeldFile(path)) as file:
+            before = file.stamp()
+            with closing(_opened(file.name, _TO_READ)) as old:
+                _require_same(old, schema, rows)
+                new.fill(_without_rows(file, schema, column))
+                with closing(_opened(new.beside, _TO_CHANGE)) as made, stoppable(made, signals):
+                    producer = _merged(old, schema, source, rows)
+                    append_stream(made, producer.stream(), producer)
         signals.check()
         if stamp_of(path) != before:
             raise Error(CHANGED_ELSEWHERE)

@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import contextlib
+import errno
 import os
 import secrets
 import shutil
@@ -25,6 +26,9 @@ CHANGED_ELSEWHERE = "the table was changed elsewhere meanwhile; nothing was writ
 # What a table's header says of its rows stands within so many bytes.
 _HEADER_BYTES = 4096
 _MOST_TRIES = 5
+# Of file systems that give a file one name alone.
+_WITHOUT_LINKS = (errno.EPERM, errno.ENOTSUP, errno.EOPNOTSUPP, errno.ENOSYS)
+_SECOND = 1_000_000_000
 _CLOCK_STEP = 20_000_000  # nanoseconds; longer than systems take to note another time
 # A pipe under the file's name would hold us up.
 _TO_LOOK = os.O_RDONLY | getattr(os, "O_NONBLOCK", 0) | getattr(os, "O_BINARY", 0)
@@ -89,7 +93,7 @@ class HeldFile:
         with _as_read_errors():
             found = _stamp_of(self._handle)
         ahead = found.written + _CLOCK_STEP - time.time_ns()
-        if 0 < ahead <= _CLOCK_STEP:
+        if 0 < ahead <= _CLOCK_STEP + _SECOND:  # else it is another machine's clock
             time.sleep(ahead / 1e9)
         return found
 
@@ -108,7 +112,7 @@ def private_folder() -> Iterator[str]:
     """A folder for temporary files that this user alone can read or change."""
     with _as_errors():
         # Python's own choice tries to write there, and tells no reason where it cannot.
-        parent = os.environ.get("TMPDIR", "/tmp") if fcntl is not None else None
+        parent = (os.environ.get("TMPDIR") or "/tmp") if fcntl is not None else None
         folder = tempfile.mkdtemp(prefix="ovfile-", dir=parent)
     try:
         yield folder
@@ -203,8 +207,10 @@ class Replacement:
                 os.link(self._name, self._target, follow_symlinks=False)
         except FileExistsError:
             return False
-        except OSError:
-            os.replace(self._name, self._target)  # a file system without links
+        except OSError as failure:
+            if failure.errno not in _WITHOUT_LINKS:
+                raise
+            os.replace(self._name, self._target)
         return True
 
     def _take_name(self) -> None:
