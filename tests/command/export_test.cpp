@@ -130,8 +130,10 @@ TEST_F(export_test, a_csv_does_not_get_a_tables_name) {
 
 TEST_F(export_test, a_name_does_not_promise_another_format) {
   round_trip("A\n1\n");
-  for (const auto& [name, what] : {std::pair("x.json", "JSON"), std::pair("x.XLSX", "a workbook"),
-                                   std::pair("x.csv.gz", "compressed data"), std::pair("x.tsv", "tabs")}) {
+  for (const auto& [name, what] :
+       {std::pair("x.json", "JSON"), std::pair("x.XLSX", "a workbook"),
+        std::pair("x.csv.gz", "compressed data"), std::pair("x.tsv", "cells with tabs between them"),
+        std::pair("x.jsonl", "JSON")}) {
     expect_wrong_usage(
         {"export", "t.ovt", name},
         std::string(name) + ": export writes CSV and Parquet, not " + what + "; nothing is written");

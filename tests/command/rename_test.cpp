@@ -37,8 +37,7 @@ TEST_F(rename_test, its_own_name_and_another_case_are_allowed) {
 TEST_F(rename_test, an_unknown_name_tells_which_ones_there_are) {
   round_trip("BHID,FROM,FROM_2,Au,au\nB,1,2,3,4\n");
   expect_failure({"rename", "t.ovt", "from", "X"}, "t.ovt has no column from; it has FROM");
-  expect_failure({"rename", "t.ovt", "BHDI", "X"},
-                 "t.ovt has no column BHDI; its columns are BHID, FROM, FROM_2, Au, au");
+  expect_failure({"rename", "t.ovt", "BHDI", "X"}, "t.ovt has no column BHDI; it has BHID");
   expect_failure({"rename", "t.ovt", "FROM2", "X"}, "t.ovt has no column FROM2; it has FROM, FROM_2");
   expect_failure({"rename", "t.ovt", "AU", "X"}, "t.ovt has no column AU; it has Au, au");
   expect_failure({"rename", "t.ovt", "TO", "X"},
