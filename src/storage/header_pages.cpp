@@ -55,7 +55,7 @@ void header_pages<Precision>::turn_to(file& target) noexcept {
 
 template <class Precision>
 void header_pages<Precision>::note_page() noexcept {
-  const std::uint64_t index = map_.segment();
+  const auto index = static_cast<std::size_t>(map_.segment());
   if (index < known_.size()) std::memcpy(known_[index].emplace().data(), map_.data(), sizeof(page_bytes));
 }
 
@@ -85,7 +85,7 @@ std::byte* header_pages<Precision>::page(std::uint64_t index) {
     flush();
     map_.load(index, {Precision::page_bytes, Precision::page_bytes}, Precision::page_bytes, 0);
     // The first reading counts: a later one may find what others have written since.
-    if (index < known_.size() && !known_[index]) note_page();
+    if (index < known_.size() && !known_[static_cast<std::size_t>(index)]) note_page();
   }
   return map_.data();
 }
