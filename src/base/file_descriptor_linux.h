@@ -132,10 +132,13 @@ class descriptor_file final : public file {
   int descriptor_ = -1;
 };
 
+/// A name that leads to an open file, whatever stands under its own.
+inline std::string path_of_descriptor(int number) { return "/proc/self/fd/" + std::to_string(number); }
+
 /// What `file_system` says of these names.
 bool resolve_file(wide_view name, wide& path) noexcept;
 bool carry_file_rights(int from, int to) noexcept;
-bool name_file_first(wide_view from, wide_view to) noexcept;
+bool name_file_first(const descriptor_file& copy, wide_view from, wide_view to) noexcept;
 bool replace_open_file(std::unique_ptr<file>& own, std::unique_ptr<file>& copy, wide_view from, wide_view to,
                        const file_stamp* expected) noexcept;
 

@@ -108,6 +108,7 @@ std::unique_ptr<file> open_once(const std::string& path, open_mode mode, bool ma
                       (mode != open_mode::truncate || empty(descriptor, *opened));
   if (usable) return opened;
   const int reason = errno;
+  if (makes_anew(mode)) (void)::unlink(path.c_str());
   opened.reset();
   errno = reason;
   return nullptr;
@@ -183,13 +184,12 @@ class linux_files final : public file_system {
 
   bool resolve(wide_view name, wide& path) noexcept override { return resolve_file(name, path); }
 
-  bool name_first(std::unique_ptr<file>&, wide_view from, wide_view to) noexcept override {
-    return name_file_first(from, to);
+  bool name_first(std::unique_ptr<file>& copy, wide_view from, wide_view to) noexcept override {
+    return name_file_first(static_cast<descriptor_file&>(*copy), from, to);
   }
 
   wide second_name(file& opened) noexcept override try {
-    const std::string name =
-        "/proc/self/fd/" + std::to_string(static_cast<descriptor_file&>(opened).number());
+    const std::string name = path_of_descriptor(static_cast<descriptor_file&>(opened).number());
     struct stat facts;
     return ::stat(name.c_str(), &facts) == 0 ? wide_from_utf8(name) : wide();
   } catch (...) {

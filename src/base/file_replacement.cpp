@@ -79,7 +79,9 @@ bool file_replacement::make(wide_view folder, open_mode mode) {
   copy_ = files().open(name, mode);
   if (copy_ == nullptr) return false;
   copy_name_ = std::move(name);
-  return copy_->stamp(made_);
+  if (copy_->stamp(made_)) return true;
+  discard();
+  return false;
 }
 
 bool file_replacement::make_elsewhere() {

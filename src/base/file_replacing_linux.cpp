@@ -17,13 +17,33 @@ bool rename_over(const descriptor_file& copy, descriptor_file& old, const std::s
     if (!is_as_expected || !old.stands_at(to) || !copy.is_named(from)) {
       errno = ESTALE;
     } else if (std::rename(from.c_str(), to.c_str()) == 0) {
-      return true;
+      if (copy.is_named(to)) return true;
+      errno = ESTALE;  // somebody was quicker with another file under the copy's name
     }
   }
   // A lock that could not be raised may be lost.
   const int reason = errno;
   (void)old.lock(LOCK_SH);
   errno = reason;
+  return false;
+}
+
+/// Gives the copy a name that is free, where a file has but one or open files cannot be named.
+bool rename_first(const descriptor_file& copy, const std::string& from, const std::string& to) noexcept {
+  if (!copy.is_named(from)) {
+    errno = ESTALE;
+    return false;
+  }
+  bool done = ::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0;
+  if (!done && errno != EINVAL && errno != ENOSYS) return false;
+  // A file system that cannot do it in one step: whoever makes a file of that name just now loses it.
+  if (!done && ::access(to.c_str(), F_OK) == 0) {
+    errno = EEXIST;
+    return false;
+  }
+  done = done || std::rename(from.c_str(), to.c_str()) == 0;
+  if (!done || copy.is_named(to)) return done;
+  errno = ESTALE;
   return false;
 }
 
@@ -44,24 +64,18 @@ bool replace_open_file(std::unique_ptr<file>& own, std::unique_ptr<file>& copy, 
   return false;
 }
 
-bool name_file_first(wide_view from, wide_view to) noexcept try {
+bool name_file_first(const descriptor_file& copy, wide_view from, wide_view to) noexcept try {
   std::string old_path;
   std::string new_path;
   if (!system_name(from, old_path) || !system_name(to, new_path)) return false;
-  if (::renameat2(AT_FDCWD, old_path.c_str(), AT_FDCWD, new_path.c_str(), RENAME_NOREPLACE) == 0) return true;
-  if (errno != EINVAL && errno != ENOSYS) return false;
-  // A file system that cannot do it in one step gives the file a second name for a moment.
-  if (::link(old_path.c_str(), new_path.c_str()) == 0) {
-    (void)::unlink(old_path.c_str());
+  // A second name for the open file: whoever may change the folder can put another one under its own.
+  const std::string opened = path_of_descriptor(copy.number());
+  if (::linkat(AT_FDCWD, opened.c_str(), AT_FDCWD, new_path.c_str(), AT_SYMLINK_FOLLOW) == 0) {
+    if (copy.is_named(old_path)) (void)::unlink(old_path.c_str());
     return true;
   }
-  if (errno != EPERM && errno != ENOTSUP) return false;
-  // And some have no second names: whoever makes a file of that name just now loses it.
-  if (::access(new_path.c_str(), F_OK) == 0) {
-    errno = EEXIST;
-    return false;
-  }
-  return std::rename(old_path.c_str(), new_path.c_str()) == 0;
+  if (errno == EEXIST) return false;
+  return rename_first(copy, old_path, new_path);
 } catch (...) {
   errno = ENOMEM;
   return false;

@@ -7,6 +7,9 @@
 namespace ovf {
 namespace {
 
+/// What no file is like: a replacement that expects it is refused.
+constexpr file_stamp nobodys{};
+
 std::optional<file_stamp> stamp_of(const wide& name) {
   file_stamp now;
   return files().stamp(name, now) ? std::optional(now) : std::nullopt;
@@ -51,22 +54,28 @@ void table_core::note_stamp(const std::optional<file_stamp>& now) {
   stamp_ = now;
   stamped_ = table_->version();
   is_past_ = false;
-  // Who may change the folder can put another file under the name for the moment in which it is opened.
   file_stamp own;
-  if (stamp_ && !(table_->stamp(own) && own.is_of_same_file(*stamp_))) stamp_ = file_stamp{};
+  if (!stamp_) return;
+  if (!table_->stamp(own)) {
+    stamp_.reset();
+  } else if (!own.is_of_same_file(*stamp_)) {
+    // Who may change the folder can put another file under the name for the moment in which it is opened.
+    stamp_ = nobodys;
+  }
 }
 
-std::optional<file_stamp> table_core::stamp() {
+file_stamp table_core::stamp() {
   const bool is_own = opened().version() != stamped_;
-  if (stamp_ && !is_own && (is_past_ || stamp_of(path_) != stamp_)) return stamp_;
+  if (stamp_ && !is_own && (is_past_ || stamp_of(path_) != stamp_)) return *stamp_;
   opened().flush();
   note_stamp(stamp_of(path_));
-  if (stamp_) files().wait_past(*stamp_);
+  if (!stamp_) return nobodys;
+  files().wait_past(*stamp_);
   // What others have changed before that moment is read from here on; rows of theirs are not, and no later
   // look at the file would tell of them.
-  if (!opened().readAgain()) stamp_ = file_stamp{};
+  if (!opened().readAgain()) stamp_ = nobodys;
   is_past_ = true;
-  return stamp_;
+  return *stamp_;
 }
 
 bool table_core::was_changed_elsewhere() const {

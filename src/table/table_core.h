@@ -46,8 +46,8 @@ class table_core {
   struct not_open {};
   /// What the open table's file is like while this object knows all of it: now, or when it was opened, where
   /// others have changed it since. Every later write makes it another. Writes what is still in memory.
-  /// Nothing when the system does not tell.
-  std::optional<file_stamp> stamp();
+  /// What no file is like where the system does not tell just now.
+  file_stamp stamp();
   /// Whether the open table's file is not what it was when it was opened, while this object has changed
   /// nothing. False where it has, or the system did not tell: then the engine's own check is all there is.
   bool was_changed_elsewhere() const;
@@ -92,7 +92,7 @@ class table_core {
   void note_stamp(const std::optional<file_stamp>& now);
 
   std::unique_ptr<table> table_;
-  std::optional<file_stamp> stamp_;
+  std::optional<file_stamp> stamp_;       ///< nothing when the system did not tell
   std::optional<table_version> stamped_;  ///< what the table's version was then
   bool is_past_ = false;                  ///< no later write bears the stamp's time
   wide path_;

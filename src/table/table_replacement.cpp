@@ -60,7 +60,7 @@ void table_replacement::make_copy(const table_definition& definition, bool keep_
   for (std::uint64_t i = 0; i < old.getFieldCount(); ++i) copied.known_names.insert(old.getFieldName(i));
   new_table made(copied);
   made.carry_over(old, keep_description);
-  if (before_) file_.expect(*before_);
+  file_.expect(before_);
   if (!file_.begin()) throw file_error(with_system_error(OLESTR("cannot create file (%x: %s)")));
   copy_ = create_table(file_.writer_name(), made);
 }

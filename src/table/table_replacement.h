@@ -69,7 +69,7 @@ class table_replacement {
   kept_cursor cursor_;
   wide path_;
   file_replacement file_;
-  std::optional<file_stamp> before_;
+  file_stamp before_;
   std::unique_ptr<table> copy_;
 };
 

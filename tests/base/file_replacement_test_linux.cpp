@@ -278,6 +278,37 @@ TEST_F(LinuxReplacement, ALinkUnderTheCopysNameLeadsNowhere) {
   }
 }
 
+/// What stands under the new name is what was written, and not what somebody puts under the copy's.
+TEST_F(LinuxReplacement, AFirstFileIsTheOneThatWasWritten) {
+  const auto victim = folder_ / "victim";
+  const auto fresh = folder_ / "fresh.ovt";
+  ovtest::write_bytes(victim, {'v'});
+  ovf::file_replacement made(ovtest::wide_path(fresh));
+  ASSERT_TRUE(made.begin_beside());
+  const std::byte text[] = {std::byte{'n'}};
+  ASSERT_TRUE(ovf::write_whole(made.copy(), text));
+  ASSERT_TRUE(made.settle());
+  const std::filesystem::path copy(ovf::utf8_from_wide(made.copy_name()));
+  std::filesystem::rename(copy, folder_ / "taken");
+  std::filesystem::create_symlink(victim, copy);
+  EXPECT_TRUE(made.commit());
+  EXPECT_FALSE(std::filesystem::is_symlink(fresh));
+  EXPECT_EQ(ovtest::read_bytes(fresh), (ovtest::bytes{'n'}));
+  EXPECT_TRUE(std::filesystem::is_symlink(copy));
+  EXPECT_EQ(ovtest::read_bytes(victim), (ovtest::bytes{'v'}));
+}
+
+TEST_F(LinuxReplacement, ACopyThatIsGoneIsNotSaidToStandUnderTheNewName) {
+  const auto fresh = folder_ / "fresh.ovt";
+  ovf::file_replacement made(ovtest::wide_path(fresh));
+  ASSERT_TRUE(made.begin_beside());
+  const std::filesystem::path copy(ovf::utf8_from_wide(made.copy_name()));
+  std::filesystem::remove(copy);
+  std::filesystem::create_symlink(path_, copy);
+  EXPECT_FALSE(made.commit());
+  EXPECT_FALSE(std::filesystem::exists(std::filesystem::symlink_status(fresh)));
+}
+
 TEST_F(LinuxReplacement, ALinkInTheFilesPlaceLendsItsTargetsRightsToNobody) {
   ovf::file_replacement made(ovtest::wide_path(path_));
   ASSERT_TRUE(made.begin_beside());

@@ -1,10 +1,29 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
+#include <cerrno>
 #include <filesystem>
 
 #include "base/file.h"
 #include "support/scratch_folder.h"
+
+namespace {
+
+bool facts_are_denied = false;
+
+}  // namespace
+
+/// In front of the C library's, for a disk that fails behind an open file.
+extern "C" int fstat(int descriptor, struct stat* facts) noexcept {
+  if (!facts_are_denied) {
+    return static_cast<int>(::syscall(SYS_newfstatat, descriptor, "", facts, AT_EMPTY_PATH));
+  }
+  errno = EIO;
+  return -1;
+}
 
 namespace {
 
@@ -29,6 +48,22 @@ TEST(LinuxFiles, ScratchFilesAreTheirOwnersAlone) {
   struct stat facts;
   ASSERT_EQ(::stat(scratch.c_str(), &facts), 0);
   EXPECT_EQ(facts.st_mode & 0777, 0600U);
+}
+
+TEST(LinuxFiles, AFileThatIsMadeAndCannotBeUsedIsGone) {
+  const ovtest::scratch_folder folder;
+  const auto path = folder / "table.ovt";
+  using ovf::open_mode;
+  for (const open_mode mode :
+       {open_mode::make_new, open_mode::scratch, open_mode::make_copy, open_mode::make_first}) {
+    facts_are_denied = true;
+    const auto opened = ovf::system_files().open(wide_of(path), mode);
+    const int reason = errno;
+    facts_are_denied = false;
+    EXPECT_EQ(opened, nullptr);
+    EXPECT_EQ(reason, EIO);
+    EXPECT_FALSE(std::filesystem::exists(path));
+  }
 }
 
 TEST(LinuxFiles, BrokenUtf16NamesNoFile) {

@@ -154,7 +154,9 @@ class failing_files final : public ovf::file_system {
       return owner_->ask(call::seek, name_) == fate::works && real_->seek(distance, origin);
     }
     bool position(std::uint64_t& bytes) noexcept override { return real_->position(bytes); }
-    bool stamp(ovf::file_stamp& found) noexcept override { return real_->stamp(found); }
+    bool stamp(ovf::file_stamp& found) noexcept override {
+      return owner_->ask(call::stamp, name_) == fate::works && real_->stamp(found);
+    }
     bool read(std::span<std::byte> bytes, std::size_t& done) noexcept override {
       done = 0;
       const fate how = owner_->ask(call::read, name_);
