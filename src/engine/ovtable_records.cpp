@@ -15,7 +15,7 @@ template <class Precision>
 void basic_ovtable<Precision>::readFreshRecord(std::byte* buffer) {
   const std::byte* words = record();
   for (const field& each : rows_.fields()) {
-    if (each.is_implicit()) continue;
+    if (!each.has_stored_words()) continue;
     if (each.kind == field_kind::numeric) {
       const std::byte* place = word_of(each.atoms.front(), words, Precision::word_bytes);
       store_number<Precision>(buffer, load_number<Precision>(place, rows_.order()), byte_order::native);

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "engine/values.h"
 #include "stream/column_writer.h"
 
@@ -23,6 +25,8 @@ class text_writer final : public column_writer {
         page_(page),
         stride_(layout.record_bytes),
         width_(to.atoms.size() * format::text_word_chars),
+        is_in_rows_(to.has_stored_words()),
+        is_mixed_(std::ranges::any_of(to.atoms, [](const atom& each) { return each.position == 0; })),
         constant_(kept(default_text_of(to))) {}
 
   void put(const column_span& from, std::int64_t first, std::byte* records, std::size_t rows) override {
@@ -32,15 +36,25 @@ class text_writer final : public column_writer {
       const auto text = place == column_span::null ? std::string_view() : from.values.text_at(place);
       if (!text) throw bad_value{row, wide(bad_offsets)};
       take(row, *text);
-      if (!field_.is_implicit()) {
-        put_text<Precision>(field_, records + i * stride_, ansi_);
-      } else if (ansi_ != constant_) {
-        throw bad_value{row, wide(not_the_constant)};
-      }
+      if (!is_as_the_header_has_it()) throw bad_value{row, wide(not_the_constant)};
+      if (is_in_rows_) put_text<Precision>(field_, records + i * stride_, ansi_);
     }
   }
 
  private:
+  /// The words that have no place in the rows: all of them of an implicit column, and of others mostly none.
+  bool is_as_the_header_has_it() const {
+    if (!is_in_rows_) return ansi_ == constant_;
+    const auto word = [](std::string_view text, std::size_t i) {
+      const std::size_t begin = std::min(i * format::text_word_chars, text.size());
+      return kept(text.substr(begin, format::text_word_chars));
+    };
+    for (std::size_t i = 0; is_mixed_ && i < field_.atoms.size(); ++i) {
+      if (field_.atoms[i].position == 0 && word(ansi_, i) != word(constant_, i)) return false;
+    }
+    return true;
+  }
+
   /// The text as the file has it.
   void take(std::int64_t row, std::string_view utf8) {
     const std::string_view text = kept(utf8);
@@ -55,6 +69,8 @@ class text_writer final : public column_writer {
   const ansi_page& page_;
   std::size_t stride_;
   std::size_t width_;
+  bool is_in_rows_;
+  bool is_mixed_;
   std::string constant_;
   std::string ansi_;
 };

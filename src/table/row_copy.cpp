@@ -27,9 +27,10 @@ void copy_straight(table& from, table& to, std::span<const std::uint32_t> rows, 
 bool have_like_records(table& one, table& other) {
   const std::uint64_t fields = one.getFieldCount();
   if (one.isDouble() != other.isDouble() || other.getFieldCount() != fields) return false;
+  const auto is_in_rows = [](table& of, std::uint64_t i) { return of.fields().at(i).has_stored_words(); };
   for (std::uint64_t i = 0; i < fields; ++i) {
     if (one.getFieldType(i) != other.getFieldType(i) || one.getFieldWidth(i) != other.getFieldWidth(i) ||
-        one.isImplicit(i) != other.isImplicit(i)) {
+        is_in_rows(one, i) != is_in_rows(other, i)) {
       return false;
     }
   }

@@ -1,5 +1,6 @@
 #include "table/table_edits.h"
 
+#include <algorithm>
 #include <numeric>
 
 #include "table/column_values.h"
@@ -19,13 +20,26 @@ std::vector<column_origin> same_columns(IOvSchema& schema) {
   return origins;
 }
 
+/// A text that has its first word in the header alone, and others in the rows, shows as implicit: the new
+/// table has all of it in the rows, where it would lose the others else.
+table_definition definition_under(IOvSchema& schema, table& from, std::span<const column_origin> origins) {
+  table_definition definition = definition_of(schema);
+  for (std::size_t i = 0; i < std::min(origins.size(), definition.fields.size()); ++i) {
+    const auto column = static_cast<std::size_t>(origins[i].column);
+    if (column == 0 || column > from.fields().size()) continue;
+    const field& origin = from.fields().at(field_index(origins[i].column));
+    if (origin.is_implicit() && origin.has_stored_words()) definition.fields[i].implicit = false;
+  }
+  return definition;
+}
+
 void copy_under(IOvSchema& schema, table& from, table_replacement& made, std::span<const std::uint32_t> rows,
                 work_progress& work, bool keep_description) {
-  table& copy = made.begin(definition_of(schema), keep_description);
+  const std::vector<column_origin> origins = same_columns(schema);
+  table& copy = made.begin(definition_under(schema, from, origins), keep_description);
   if (have_like_records(from, copy)) {
     copy_rows(from, copy, rows, work);
   } else {
-    const std::vector<column_origin> origins = same_columns(schema);
     copy_cells(from, copy, {origins, long_texts::cut, cell_road::variants}, rows, work);
   }
   work.finish();
@@ -58,7 +72,7 @@ void rebuild_table(table_core& core, IOvSchema& schema, const cell_plan& plan,
                    std::span<const std::uint32_t> rows, bool keep_description) {
   table_replacement made(core);
   work_progress work(core.progress, rows.size() * steps_per_copied_row);
-  table& copy = made.begin(definition_of(schema), keep_description);
+  table& copy = made.begin(definition_under(schema, core.opened(), plan.origins), keep_description);
   copy_cells(core.opened(), copy, plan, rows, work);
   work.finish();
   made.commit();

@@ -257,5 +257,34 @@ TEST_P(StreamAppendOrders, NumbersGoInTheFilesOwnOrder) {
   EXPECT_TRUE(content() == expected);
 }
 
+/// A text MIXED whose first word stands in the header alone.
+bytes table_with_a_word_in_the_header(word_format format) {
+  std::vector<atom> atoms;
+  add_text_atoms(atoms, "MIXED", 2, 1, "ever");
+  atoms[0].position = 0;
+  atoms[1].position = 1;
+  header_words words;
+  words.pages = 2;
+  words.records_in_last_page = 1;
+  bytes file = make_header(words, atoms, format);
+  add_page(file, format);
+  put_text(file, record_word(1, 0, 1, 1), 1, "here", format);
+  return file;
+}
+
+TEST_P(StreamAppendOrders, AWordThatTheHeaderHasIsTakenAsItStandsThere) {
+  const word_format format{4, GetParam()};
+  write_bytes(path(), table_with_a_word_in_the_header(format));
+  open();
+  EXPECT_EQ(append_batch({texts("MIXED", {"neverone"})}), E_FAIL);
+  ASSERT_EQ(append_batch({texts("MIXED", {"evermore", "ever"})}), S_OK) << take_error_text();
+  ASSERT_EQ(table_->Close(), S_OK);
+  bytes expected = table_with_a_word_in_the_header(format);
+  put_number(expected, 27, 3, format);
+  put_text(expected, record_word(1, 1, 1, 1), 1, "more", format);
+  put_text(expected, record_word(1, 2, 1, 1), 1, "    ", format);
+  EXPECT_TRUE(content() == expected);
+}
+
 }  // namespace
 }  // namespace ovtest

@@ -251,28 +251,26 @@ TEST_F(SortedBytes, LittleMemoryGivesTheSameFile) {
   }
 }
 
-/// Texts whose words have a place in the records only in part, as no program of today writes them.
+/// A text whose last word has no place in the records, as no program of today writes it.
 TEST_F(SortedBytes, AFieldThatIsStoredInPartBecomesWhole) {
   for (const ovtest::word_format format : {ovtest::single_words, ovtest::double_words}) {
-    for (const auto& places : {std::pair{2, 0}, std::pair{0, 2}}) {
-      std::vector<ovtest::atom> atoms{ovtest::number_atom("X", 1)};
-      ovtest::add_text_atoms(atoms, "T", 2, 0, "defaults");
-      atoms[1].position = places.first;
-      atoms[2].position = places.second;
-      ovtest::header_words header;
-      header.pages = 2;
-      header.records_in_last_page = 40;
-      bytes file = ovtest::make_header(header, atoms, format);
-      ovtest::add_page(file, format);
-      for (std::size_t row = 0; row < 40; ++row) {
-        ovtest::put_number(file, ovtest::record_word(1, row, 2, 1), 7.0 * static_cast<double>(row % 11),
-                           format);
-        ovtest::put_text(file, ovtest::record_word(1, row, 2, 2), 1, "r" + std::to_string(row), format);
-      }
-      check_columns(file);
+    std::vector<ovtest::atom> atoms{ovtest::number_atom("X", 1)};
+    ovtest::add_text_atoms(atoms, "T", 2, 0, "defaults");
+    atoms[1].position = 2;
+    atoms[2].position = 0;
+    ovtest::header_words header;
+    header.pages = 2;
+    header.records_in_last_page = 40;
+    bytes file = ovtest::make_header(header, atoms, format);
+    ovtest::add_page(file, format);
+    for (std::size_t row = 0; row < 40; ++row) {
+      ovtest::put_number(file, ovtest::record_word(1, row, 2, 1), 7.0 * static_cast<double>(row % 11),
+                         format);
+      ovtest::put_text(file, ovtest::record_word(1, row, 2, 2), 1, "r" + std::to_string(row), format);
     }
+    check_columns(file);
   }
-  EXPECT_EQ(checked_, 16);
+  EXPECT_EQ(checked_, 8);
 }
 
 }  // namespace
