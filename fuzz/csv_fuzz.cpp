@@ -37,9 +37,9 @@ struct reading {
 
 reading read_all(std::string_view bytes, std::size_t portion, std::size_t buffer) {
   portions source(bytes, portion);
-  command::csv_reader reader(source, "fuzz.csv", buffer);
   reading all;
   try {
+    command::csv_reader reader(source, "fuzz.csv", buffer);
     while (reader.next()) {
       all.rows.emplace_back(reader.cells().begin(), reader.cells().end());
       all.lines.push_back(reader.line());

@@ -82,7 +82,8 @@ bool fits_a_line(wide_view text) { return text.find_first_of(wide_view(u"\r\n\0"
 }  // namespace
 
 registry_document::registry_document(std::string_view content) {
-  if (content.starts_with("\xEF\xBB\xBF")) content.remove_prefix(3);
+  // More than one where programs put one after the other.
+  while (content.starts_with("\xEF\xBB\xBF")) content.remove_prefix(3);
   wide section;
   while (!content.empty()) {
     const std::size_t end = std::min(content.find('\n'), content.size());

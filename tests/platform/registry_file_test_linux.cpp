@@ -56,6 +56,11 @@ TEST_F(registry_file, is_read_as_people_write_it) {
   EXPECT_EQ(ovf::registry_text(user, {}), u"x");
 }
 
+TEST_F(registry_file, a_mark_of_utf8_that_stands_twice_hides_no_section) {
+  write(file, "\xEF\xBB\xBF\xEF\xBB\xBF[HKEY_CURRENT_USER\\Software\\Orvexa\\OvFile]\n@=\"x\"\n");
+  EXPECT_EQ(ovf::registry_text(user, {}), u"x");
+}
+
 TEST_F(registry_file, lines_that_cannot_be_read_stay_and_reading_goes_on) {
   const std::string odd =
       "junk before\n"
