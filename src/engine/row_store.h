@@ -130,6 +130,8 @@ class row_store {
   void write_rest(added_rows& of);
   void require_written(std::uint64_t position, std::span<const std::byte> bytes);
   void prepare_rows();
+  /// What a file has at least that holds all rows.
+  std::uint64_t bytes_of_rows() const noexcept;
   /// Leaves the file as it was before the rows.
   void take_back(const added_rows& lost) noexcept;
   void cut_spare_bytes(std::uint64_t page);

@@ -11,6 +11,7 @@ namespace ovf {
 namespace {
 
 constexpr wide_view nothing_begun = OLESTR("AddRow failed, the rows that were being added were given up");
+constexpr wide_view file_is_cut = OLESTR("Append failed, the table's file ends before its rows do");
 
 template <class Precision>
 constexpr std::size_t block_pages = block_bytes / Precision::page_bytes;
@@ -96,6 +97,8 @@ void row_store<Precision>::prepare_rows() {
   records_.flush();
   added_rows made;
   made.file_bytes = file_bytes();
+  // Rows behind a gap would make zeros of those that are missing.
+  if (made.file_bytes < bytes_of_rows()) throw MyExceptionClass(wide(file_is_cut));
   made.least_bytes = made.file_bytes;
   made.most_bytes = made.file_bytes;
   made.first_page = counts_.header_pages + row_count_ / records_per_page_;
@@ -104,6 +107,13 @@ void row_store<Precision>::prepare_rows() {
   fill_with_defaults(made.record.data());
   if (made.records != 0 || made.first_page < counts_.pages) take_begun_page(made);
   added_ = std::move(made);
+}
+
+template <class Precision>
+std::uint64_t row_store<Precision>::bytes_of_rows() const noexcept {
+  const std::uint64_t last = row_count_ == 0 ? 0 : (row_count_ - 1) / records_per_page_;
+  const std::uint64_t records = row_count_ - last * records_per_page_;
+  return (counts_.header_pages + last) * Precision::page_bytes + records * record_bytes();
 }
 
 template <class Precision>

@@ -257,6 +257,35 @@ TEST_P(StreamAppendOrders, NumbersGoInTheFilesOwnOrder) {
   EXPECT_TRUE(content() == expected);
 }
 
+TEST_P(StreamAppendOrders, AFileMayEndWithItsRows) {
+  const word_format format{4, GetParam()};
+  bytes file = table_in_order(GetParam());
+  file.resize(record_word(1, 1, 2, 1) * 4);
+  write_bytes(path(), file);
+  open();
+  ASSERT_EQ(append_batch({texts("NAME", {"two"})}), S_OK) << take_error_text();
+  ASSERT_EQ(table_->Close(), S_OK);
+  bytes expected = table_in_order(GetParam());
+  put_number(expected, 27, 2, format);
+  put_text(expected, record_word(1, 1, 2, 1), 1, "two", format);
+  put_number(expected, record_word(1, 1, 2, 2), -1, format);
+  EXPECT_TRUE(content() == expected);
+}
+
+/// Rows behind the gap would make zeros of those that are missing.
+TEST_P(StreamAppendOrders, AFileThatHasLostFullPagesIsRefused) {
+  const word_format format{4, GetParam()};
+  bytes file = table_in_order(GetParam());
+  put_number(file, 26, 5, format);
+  put_number(file, 27, 254, format);
+  write_bytes(path(), file);
+  open();
+  EXPECT_EQ(append_batch({texts("NAME", {"two"})}), E_FAIL);
+  EXPECT_EQ(take_error_text(), "Append failed, the table's file ends before its rows do");
+  ASSERT_EQ(table_->Close(), S_OK);
+  EXPECT_TRUE(content() == file);
+}
+
 /// A text MIXED whose first word stands in the header alone.
 bytes table_with_a_word_in_the_header(word_format format) {
   std::vector<atom> atoms;
