@@ -10,6 +10,7 @@ from ._choosing import Choice, Reader
 from ._columns import Source
 from ._component import Interface
 from ._errors import Error, column_error
+from ._extent import extent_of
 from ._interruption import interruptible
 from ._naming import no_such
 from ._recognizing import is_of_pandas, source_of, sources_of
@@ -72,6 +73,8 @@ class Wanted(NamedTuple):
 
 
 def add_column(table: Interface, schema: Schema, wanted: Wanted) -> None:
+    if not wanted.implicit:
+        extent_of(table).require()
     source = None
     if wanted.values is not None:
         source = _source(wanted, table.out_long("GetRowCount"))

@@ -11,6 +11,7 @@ from . import _interfaces as known
 from ._arrow_import import Stream
 from ._component import Interface
 from ._errors import Error, number_of_rows
+from ._extent import extent_of
 from ._filter import passing_rows
 from ._reading import (
     Gathered,
@@ -57,12 +58,12 @@ class Reader:
 
     def __init__(self, table: Interface, schema: Schema) -> None:
         self._table, self._schema = table, schema
-        self._rows = table.out_long("GetRowCount")
+        self._extent = extent_of(table)
 
     def arrays(self, choice: Choice) -> List[Any]:
         """One array for each column."""
         flags = choice.flags()
-        span = span_of(choice.rows, self._rows)
+        span = span_of(choice.rows, self._extent)
         if not choice.places:
             return []
 
@@ -76,7 +77,7 @@ class Reader:
 
     def count(self, choice: Choice) -> int:
         """How many rows are chosen."""
-        span, passing = span_of(choice.rows, self._rows), self._passing(choice.where)
+        span, passing = span_of(choice.rows, self._extent), self._passing(choice.where)
         if passing is None:
             return span.count if span.chosen is None else len(span.chosen)
         passes = passing(span)
@@ -85,10 +86,11 @@ class Reader:
     def batches(self, choice: Choice, rows: int) -> Iterator[List[Any]]:
         """The arrays of each batch. Whatever is wrong with the choice is told before the first one."""
         rows = number_of_rows(rows, "a batch")
-        span, most = Span(0, self._rows, None), max(1, min(rows, self._rows))
+        span = span_of(None, self._extent)
+        most = max(1, min(rows, span.count))
         stream = Stream(open_stream(self._table, choice.places, span, most, choice.flags()))
         passing = self._passing(choice.where)
-        passes = None if passing is None else PassingByParts(passing, 0, self._rows)
+        passes = None if passing is None else PassingByParts(passing, 0, span.count)
         return batches(stream, choice.absent, choice.widen, passes)
 
     def _sink(self, choice: Choice, place: int, count: int) -> Any:

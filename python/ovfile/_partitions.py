@@ -96,6 +96,7 @@ def plan_file(path: str) -> Tuple[PlannedFile, Schema]:
     except OSError as failure:
         raise Error(f"the file cannot be read: {failure.strerror}", file=target) from None
     with open_table(target) as table:
+        table._require_whole()
         schema, rows = table.schema, len(table)
     numbers = (found.st_ino, found.st_dev, platform.node())
     planned = PlannedFile(target, found.st_size, found.st_mtime_ns, rows, _digest(schema), *numbers)

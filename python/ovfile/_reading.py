@@ -15,6 +15,7 @@ from ._arrow_abi import ArrowArrayStream
 from ._arrow_import import ColumnView, Stream
 from ._component import E_NOINTERFACE, Interface
 from ._errors import Error
+from ._extent import Extent
 from ._widening import by_digits
 
 _ROWS = "rows: a slice, a range, row numbers from 0, or a truth value for each row"
@@ -37,12 +38,14 @@ class Span:
 Passing = Callable[[Span], Array]  # which of a span's rows a condition lets through
 
 
-def span_of(rows: Rows, total: int) -> Span:
-    """Raises Error for rows that the table does not have. Slices are cut to the table as for a list."""
+def span_of(rows: Rows, extent: Extent) -> Span:
+    """Raises Error for rows that the table or its file does not have. Slices are cut to the table as for a list."""
+    total = extent.promised
     if rows is None:
+        extent.require()
         return Span(0, total, None)
     if isinstance(rows, (slice, range)):
-        return _span_of_range(rows, total)
+        return _span_of_range(rows, extent)
     try:
         chosen = np.asarray(rows)
     except ValueError:
@@ -62,11 +65,13 @@ def span_of(rows: Rows, total: int) -> Span:
     chosen = np.where(chosen < 0, chosen.astype(np.int64) + total, chosen.astype(np.int64))
     if chosen.min() < 0:
         raise Error(f"rows: the table has {total} rows, numbered from 0")
+    extent.require(int(chosen.max()) + 1)
     first = int(chosen.min())
     return Span(first, int(chosen.max()) - first + 1, chosen - first)
 
 
-def _span_of_range(rows: Union[slice, range], total: int) -> Span:
+def _span_of_range(rows: Union[slice, range], extent: Extent) -> Span:
+    total = extent.promised
     if isinstance(rows, slice):
         try:
             numbers = range(*rows.indices(total))
@@ -79,6 +84,7 @@ def _span_of_range(rows: Union[slice, range], total: int) -> Span:
     low, high = min(numbers[0], numbers[-1]), max(numbers[0], numbers[-1])
     if low < 0 or high >= total:
         raise Error(f"rows: the table has {total} rows, numbered from 0")
+    extent.require(high + 1)
     chosen = None if numbers.step == 1 else np.arange(numbers.start, numbers.stop, numbers.step) - low
     return Span(low, high - low + 1, chosen)
 

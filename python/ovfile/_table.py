@@ -13,6 +13,7 @@ from ._changing import Wanted, add_column, append, sort
 from ._choosing import Choice, Reader
 from ._component import Interface
 from ._errors import WrongType, WrongValue, whole_number
+from ._extent import extent_of
 from ._filter import passing_rows
 from ._interruption import interruptible
 from ._naming import Key, Keys, is_key, places_of, unique_names
@@ -33,6 +34,10 @@ class Table(OpenTable):
     Columns go by name, rows by number from 0. `len(table)` is the number of rows, `for name in table` and
     `name in table` are about columns. Use it in a `with` statement; one that is merely dropped is closed
     too, but its failures are lost. Every method raises `Error`, and so does every use after `close`.
+
+    A file may end before the last one of the rows that its header promises and `len(table)` counts. What
+    reads them all is an error then, before there is room made for any; `rows` of `read` and `to_pandas`
+    reads those that the file has.
 
     Several threads may use a table: each call waits for the one before it. A process that is forked off opens
     its own: there every use of this one raises `Error`, and closing or dropping it does nothing.
@@ -208,7 +213,13 @@ class Table(OpenTable):
     def _passing(self, where: str, first: int, count: int) -> Array:
         """Which of `count` rows from `first` (from 0) on a condition lets through, as booleans."""
         with self._about() as handle:
+            extent_of(handle).require(first + count)
             return passing_rows(handle, self.schema.columns, where, first, count)
+
+    def _require_whole(self) -> None:
+        """Raises Error where the file lacks rows that its header promises."""
+        with self._about() as handle:
+            extent_of(handle).require()
 
     def _names(self, places: Sequence[int]) -> List[str]:
         names = self.columns
@@ -302,6 +313,7 @@ class Table(OpenTable):
             digits = min(whole_number(digits, "digits"), 2**31 - 1)
             if digits < -1:
                 raise WrongValue(f"digits: -1 or how many there are, not {digits}")
+            extent_of(handle).require()
             return handle.out_text("GetSignature", *flags, digits)
 
     # Arrow.
@@ -313,7 +325,9 @@ class Table(OpenTable):
         changed.
         """
         with self._about() as handle:
-            return make_capsule(self._arrow_stream(handle, len(self)), STREAM_CAPSULE)
+            extent = extent_of(handle)
+            extent.require()
+            return make_capsule(self._arrow_stream(handle, extent.promised), STREAM_CAPSULE)
 
     def __arrow_c_schema__(self) -> Any:
         """The types of `__arrow_c_stream__` (a capsule)."""

@@ -162,7 +162,7 @@ def write(
         rows = rows_of(data)
         return write_new(name, rows, planned_schema(rows, wishes))
     except Error as failure:
-        failure.file = name
+        failure.file = failure.file or name  # a table that is the source names itself
         raise
 
 

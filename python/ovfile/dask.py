@@ -63,9 +63,9 @@ def read_table(
             column has.
 
     Raises:
-        Error: no file matches, a file is no table, a column is missing, the columns of two files differ;
-            with the file. When something is computed: a file is gone, was cut, or has changed in size,
-            last write, rows or columns since the frame was made.
+        Error: no file matches, a file is no table or lacks rows that its header promises, a column is
+            missing, the columns of two files differ; with the file. When something is computed: a file is
+            gone, was cut, or has changed in size, last write, rows or columns since the frame was made.
     """
     if rows_per_partition is not None:
         rows_per_partition = number_of_rows(rows_per_partition, "a partition")
