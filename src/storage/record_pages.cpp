@@ -47,7 +47,8 @@ template <class Precision>
 segment_need record_pages<Precision>::need_of(std::uint64_t index, const page_counts& counts) const noexcept {
   const std::uint64_t in_use = record_words_ * counts.records_in_last_page;
   const std::uint64_t within = index % Precision::segment_pages;
-  segment_need need{Precision::page_bytes * Precision::segment_pages, (within + 1) * Precision::page_bytes};
+  segment_need need{Precision::page_bytes * Precision::segment_pages, (within + 1) * Precision::page_bytes,
+                    within * Precision::page_bytes};
   if constexpr (Precision::segment_pages == 1) {
     if (index + 1 == counts.pages) need.required = in_use;
   } else {
@@ -68,7 +69,7 @@ void record_pages<Precision>::append(const page_counts& counts) {
   }
   file& target = *map_->target();
   const std::uint64_t position = counts.pages * Precision::page_bytes;
-  map_->seek(position);
+  (void)map_->seek(position);
   std::uint64_t size = 0;
   if constexpr (Precision::is_double) {
     if (!target.size(size)) throw file_error(OLESTR("cannot retrieve file size"));

@@ -44,11 +44,13 @@ void fileSegmentMap<N>::load(std::uint64_t segment, segment_need need, std::uint
   }
   if (valid_ && segment == segment_) {
     if (ends_early() && held_ < need.usable) fail_short_read(held_, required_);
+    if (need.first < read_begin_ || need.usable > read_end_) read_rest();
     extent_ = std::max(extent_, extent);
     return;
   }
+  const bool is_jump = valid_ && std::max(segment, segment_) - std::min(segment, segment_) > 1;
   flush();
-  read(segment, need);
+  read(segment, need, is_jump);
   extent_ = extent;
   write_start_ = write_start;
 }
@@ -63,28 +65,52 @@ void fileSegmentMap<N>::begin_empty(std::uint64_t segment, std::uint64_t extent,
   write_start_ = write_start;
   held_ = N;
   required_ = N;
+  read_begin_ = 0;
+  read_end_ = N;
   valid_ = true;
 }
 
 template <std::size_t N>
-void fileSegmentMap<N>::read(std::uint64_t segment, segment_need need) {
+void fileSegmentMap<N>::read(std::uint64_t segment, segment_need need, bool is_jump) {
   forget();
-  seek(segment * N);
-  std::size_t held = 0;
-  if (!file_->read({buffer_.get(), N}, held)) fail_with_system_error(page_read_failed);
-  std::memset(buffer_.get() + held, 0, N - held);
+  const std::size_t begin = is_jump ? static_cast<std::size_t>(need.first) : 0;
+  const std::size_t end = is_jump ? static_cast<std::size_t>(need.usable) : N;
+  const std::uint64_t held = read_part(segment, begin, end);
   if (held < std::min(need.required, need.usable)) fail_short_read(held, need.required);
   segment_ = segment;
   held_ = held;
   required_ = need.required;
+  read_begin_ = begin;
+  read_end_ = end;
   valid_ = true;
+}
+
+template <std::size_t N>
+void fileSegmentMap<N>::read_rest() {
+  if (read_begin_ > 0) (void)read_part(segment_, 0, read_begin_);
+  if (read_end_ < N) held_ = read_part(segment_, read_end_, N);
+  read_begin_ = 0;
+  read_end_ = N;
+}
+
+template <std::size_t N>
+std::uint64_t fileSegmentMap<N>::read_part(std::uint64_t segment, std::size_t begin, std::size_t end) {
+  const std::uint64_t base = segment * N;
+  const std::uint64_t size = seek(base + begin);
+  std::size_t done = 0;
+  if (!file_->read({buffer_.get() + begin, end - begin}, done)) fail_with_system_error(page_read_failed);
+  std::memset(buffer_.get() + begin + done, 0, end - begin - done);
+  const std::uint64_t there = std::min<std::uint64_t>(size - std::min(size, base), N);
+  if (done == end - begin) return std::max<std::uint64_t>(there, end);
+  return done > 0 ? begin + done : std::min<std::uint64_t>(there, begin);
 }
 
 template <std::size_t N>
 void fileSegmentMap<N>::flush() {
   if (file_ == nullptr || !valid_ || !writable_ || !dirty_) return;
   if (all_changed_) {
-    write_back(static_cast<std::size_t>(write_start_), static_cast<std::size_t>(extent_));
+    write_back(std::max(static_cast<std::size_t>(write_start_), read_begin_),
+               std::min(static_cast<std::size_t>(extent_), read_end_));
   } else {
     changed_.each_run([this](std::size_t begin, std::size_t end) { write_back(begin, end); });
   }
@@ -110,7 +136,7 @@ void fileSegmentMap<N>::forget_changes() noexcept {
 }
 
 template <std::size_t N>
-void fileSegmentMap<N>::seek(std::uint64_t position) {
+std::uint64_t fileSegmentMap<N>::seek(std::uint64_t position) {
   std::uint64_t size = 0;
   if (!file_->size(size)) throw file_error(OLESTR("cannot retrieve file size"));
   const auto target = static_cast<std::int64_t>(position);
@@ -122,6 +148,7 @@ void fileSegmentMap<N>::seek(std::uint64_t position) {
                       file_->position(reached) && reached == position) ||
                      file_->seek(target, seek_origin::begin);
   if (!moved) throw file_error(OLESTR("cannot move to page in file"));
+  return size;
 }
 
 template <std::size_t N>

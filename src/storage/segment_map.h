@@ -13,8 +13,9 @@ namespace ovf {
 
 /// How much of a segment a caller needs.
 struct segment_need {
-  std::uint64_t required;  ///< bytes that a whole segment must deliver; what the error message names
-  std::uint64_t usable;    ///< bytes that are enough for this caller when the file ends early
+  std::uint64_t required;   ///< bytes that a whole segment must deliver; what the error message names
+  std::uint64_t usable;     ///< bytes that are enough for this caller when the file ends early
+  std::uint64_t first = 0;  ///< where what this caller looks at begins
 };
 
 /// Holds the N bytes of one segment. With a null file every operation does nothing. Errors are thrown
@@ -32,7 +33,9 @@ class fileSegmentMap {
 
   /// Makes `segment` current: flushes the one before and reads, unless it is current already. `extent`
   /// is the number of bytes in use, from the segment's beginning, that a flush writes back, beginning at
-  /// `write_start`; for the current segment it only grows.
+  /// `write_start`; for the current segment it only grows. A jump from a segment farther away reads what the
+  /// caller looks at, and the rest when more of the segment is wanted: rows here and there in a large file
+  /// need no more.
   void load(std::uint64_t segment, segment_need need, std::uint64_t extent, std::uint64_t write_start);
   /// Makes a segment current whose bytes are zero in the file too, because its caller has just written them:
   /// flushes the one before and reads nothing. Otherwise as `load`.
@@ -49,8 +52,8 @@ class fileSegmentMap {
   void mark_changed() noexcept;
   void mark_changed(std::size_t begin, std::size_t bytes) noexcept;
 
-  /// Seeks to a position of the file, from whichever end is nearer.
-  void seek(std::uint64_t position);
+  /// Seeks to a position of the file, from whichever end is nearer. Returns the file's size.
+  std::uint64_t seek(std::uint64_t position);
 
   std::byte* data() noexcept { return buffer_.get(); }
   std::uint64_t segment() const noexcept { return segment_; }
@@ -66,7 +69,10 @@ class fileSegmentMap {
   fileSegmentMap* next = nullptr;
 
  private:
-  void read(std::uint64_t segment, segment_need need);
+  void read(std::uint64_t segment, segment_need need, bool is_jump);
+  void read_rest();
+  /// Reads these bytes of the segment. Returns how many of its bytes the file has.
+  std::uint64_t read_part(std::uint64_t segment, std::size_t begin, std::size_t end);
   void write_back(std::size_t begin, std::size_t end);
   void forget_changes() noexcept;
   void release() noexcept;
@@ -76,8 +82,10 @@ class fileSegmentMap {
   std::uint64_t segment_ = none;
   std::uint64_t extent_ = N;
   std::uint64_t write_start_ = 0;
-  std::uint64_t held_ = 0;      ///< bytes that the last read delivered
+  std::uint64_t held_ = 0;      ///< bytes of the segment that the file has
   std::uint64_t required_ = 0;  ///< bytes that it should have
+  std::size_t read_begin_ = 0;  ///< of the segment's bytes that are in the buffer
+  std::size_t read_end_ = N;
   bool valid_ = false;
   bool writable_ = false;
   bool dirty_ = false;

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "support/failing_files.h"
 #include "support/file_bytes.h"
 #include "support/scratch_folder.h"
@@ -46,6 +48,99 @@ TEST_F(RecordPages, DoublePrecisionHoldsAHundredPagesAtATime) {
   EXPECT_EQ(pages.page(100, counts)[0], std::byte{100});
   EXPECT_EQ(pages.page(204, counts)[0], std::byte{204});
   EXPECT_EQ(files_.count(call::read), reads + 2);
+}
+
+class Jumps : public RecordPages {
+ protected:
+  static constexpr ovf::page_counts counts{1, 405, 127};
+
+  /// What reads bring into memory, in pages.
+  std::size_t pages_read(const std::function<void()>& work) {
+    const std::size_t before = files_.bytes_read();
+    work();
+    return (files_.bytes_read() - before) / double_page;
+  }
+};
+
+TEST_F(Jumps, ReadOnePageAndTheRestWhenMoreIsWanted) {
+  const auto file = file_of(numbered(405, double_page));
+  ovf::record_pages<ovf::double_precision> pages(*file, true, 4);
+  std::byte* found = nullptr;
+  EXPECT_EQ(pages_read([&] { pages.page(1, counts); }), 100U);
+  EXPECT_EQ(pages_read([&] { found = pages.page(350, counts); }), 1U);
+  EXPECT_EQ(found[0], std::byte{350 % 256});
+  EXPECT_EQ(pages_read([&] { pages.page(350, counts); }), 0U);
+  EXPECT_EQ(pages_read([&] { found = pages.page(351, counts); }), 99U);
+  EXPECT_EQ(found[double_page - 1], std::byte{351 % 256});
+  EXPECT_EQ(pages.page(399, counts)[0], std::byte{399 % 256});
+  EXPECT_EQ(pages.page(300, counts)[0], std::byte{300 % 256});
+  EXPECT_EQ(pages_read([&] { found = pages.page(404, counts); }), 5U);
+  EXPECT_EQ(found[0], std::byte{404 % 256});
+}
+
+TEST_F(Jumps, ChangesStayWhenTheRestIsRead) {
+  for (const bool may_write : {true, false}) {
+    const auto file = file_of(numbered(405, double_page));
+    ovf::record_pages<ovf::double_precision> pages(*file, may_write, 4);
+    pages.page(1, counts);
+    std::byte* page = pages.page(350, counts);
+    page[32] = std::byte{'!'};
+    pages.mark_changed(page + 32, 32);
+    pages.page(360, counts);
+    EXPECT_EQ(pages.page(350, counts), page);
+    EXPECT_EQ(page[32], std::byte{'!'});
+    pages.flush();
+    ovtest::bytes expected = numbered(405, double_page);
+    if (may_write) expected[350 * double_page + 32] = '!';
+    EXPECT_EQ(content(), expected);
+  }
+}
+
+TEST_F(Jumps, AFileThatEndsEarlySaysWhatItAlwaysSays) {
+  ovtest::bytes short_file = numbered(352, double_page);
+  short_file.resize(351 * double_page + 100);
+  const auto file = file_of(short_file);
+  ovf::record_pages<ovf::double_precision> pages(*file, true, 4);
+  pages.page(1, counts);
+  EXPECT_EQ(pages.page(350, counts)[0], std::byte{350 % 256});
+  const std::string words =
+      "OvFile Error: cache failed to read an entire page. (208996 bytes read instead of 409600)";
+  EXPECT_EQ(message_of([&] { pages.page(351, counts); }), words);
+  pages.page(1, counts);
+  EXPECT_EQ(message_of([&] { pages.page(351, counts); }), words);
+  pages.page(1, counts);
+  EXPECT_EQ(message_of([&] { pages.page(390, counts); }), words);
+  EXPECT_EQ(message_of([&] {
+              pages.page(404, {1, 405, 120});
+            }),
+            "OvFile Error: cache failed to read an entire page. (0 bytes read instead of 16864)");
+}
+
+TEST_F(Jumps, AFailedReadLeavesWhatIsInMemory) {
+  const auto file = file_of(numbered(405, double_page));
+  ovf::record_pages<ovf::double_precision> pages(*file, true, 4);
+  pages.page(1, counts);
+  std::byte* page = pages.page(350, counts);
+  page[32] = std::byte{'!'};
+  pages.mark_changed(page + 32, 32);
+  for (const int nth : {1, 2}) {
+    files_.fail_nth(call::read, nth);
+    EXPECT_EQ(message_of([&] { pages.page(360, counts); }),
+              with_failing_code("OvFile Error: cache failed to read file."));
+  }
+  EXPECT_EQ(pages.page(350, counts)[32], std::byte{'!'});
+  EXPECT_EQ(pages.page(360, counts)[0], std::byte{360 % 256});
+  EXPECT_EQ(pages.page(349, counts)[0], std::byte{349 % 256});
+}
+
+TEST_F(Jumps, APageThatIsAddedIsEmpty) {
+  const auto file = file_of(numbered(405, double_page));
+  ovf::record_pages<ovf::double_precision> pages(*file, true, 4);
+  pages.page(1, counts);
+  EXPECT_EQ(pages.page(401, counts)[0], std::byte{401 % 256});
+  pages.append(counts);
+  EXPECT_EQ(pages.page(405, {1, 406, 1})[0], std::byte{0});
+  EXPECT_EQ(pages.page(404, {1, 406, 1})[0], std::byte{404 % 256});
 }
 
 TEST_F(RecordPages, FlushingTheFirstSegmentLeavesTheHeaderPagesAlone) {

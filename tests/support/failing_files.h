@@ -52,6 +52,7 @@ class failing_files final : public ovf::file_system {
   struct shared {
     decision decide;
     std::map<call, int> counts;
+    std::size_t bytes_read = 0;
 
     fate ask(call kind, ovf::wide_view name) {
       ++counts[kind];
@@ -141,6 +142,8 @@ class failing_files final : public ovf::file_system {
     return found == shared_->counts.end() ? 0 : found->second;
   }
 
+  std::size_t bytes_read() const { return shared_->bytes_read; }
+
  private:
   class watched final : public ovf::file {
    public:
@@ -161,7 +164,9 @@ class failing_files final : public ovf::file_system {
       done = 0;
       const fate how = owner_->ask(call::read, name_);
       if (how == fate::fails) return false;
-      return real_->read(how == fate::works ? bytes : bytes.first(bytes.size() / 2), done);
+      const bool is_read = real_->read(how == fate::works ? bytes : bytes.first(bytes.size() / 2), done);
+      owner_->bytes_read += done;
+      return is_read;
     }
     bool write(std::span<const std::byte> bytes, std::size_t& done) noexcept override {
       done = 0;
