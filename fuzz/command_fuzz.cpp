@@ -56,15 +56,18 @@ std::string content(const fs::path& file) {
   return {std::istreambuf_iterator<char>(in), {}};
 }
 
+/// What commands say is much, and nobody reads it. Each closes its standard output at the end.
+void open_output() {
+  static const int nowhere = open("/dev/null", O_WRONLY);
+  require(nowhere >= 0 && dup2(nowhere, STDOUT_FILENO) >= 0, "there is a place for output");
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
   static std::string folder = fs::temp_directory_path() / "ovfuzz-XXXXXX";
   require(mkdtemp(folder.data()) != nullptr && chdir(folder.c_str()) == 0, "there is a folder");
   setenv("OVFILE_REGISTRY", (folder + "-settings.reg").c_str(), 1);
-  // What commands say is much, and nobody reads it.
-  const int nowhere = open("/dev/null", O_WRONLY);
-  require(nowhere >= 0 && dup2(nowhere, STDOUT_FILENO) >= 0, "there is a place for output");
   std::atexit([] {
     std::error_code ignored;
     fs::remove_all(folder, ignored);
@@ -77,6 +80,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const work& chosen = works()[data[0] % works().size()];
   const std::string table(reinterpret_cast<const char*>(data + 1), size - 1);
   std::ofstream("t.ovt", std::ios::binary) << table;
+  open_output();
   std::vector<std::string> arguments = {"ovfile"};
   arguments.insert(arguments.end(), chosen.arguments.begin(), chosen.arguments.end());
   const int status = command::run_program(arguments);
