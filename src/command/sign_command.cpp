@@ -39,7 +39,7 @@ std::string signature(const table_view& view, const signature_request& request) 
 
 void run_sign(const signature_request& request) {
   const table_view view(request.table);
-  text_output output;
+  text_output output(meant_for::people);
   output.text() = signature(view, request) + "  " + view.file() + "\n";
   output.finish();
 }

@@ -1,7 +1,9 @@
 #include "words.h"
 
+#include <cstdint>
 #include <cstdio>
 
+#include "ovfile/smart.h"
 #include "shown_text.h"
 
 namespace command {
@@ -39,17 +41,23 @@ std::string joined(const std::vector<std::string>& texts, std::string_view separ
 
 std::string json_text(std::string_view utf8) {
   std::string out = "\"";
-  for (const char c : utf8) {
-    if (c == '"' || c == '\\') {
-      out += {'\\', c};
-    } else if (static_cast<unsigned char>(c) < 0x20 || c == '\x7F') {
-      out += fmt::format("\\u{:04x}", static_cast<unsigned>(c));
-    } else {
-      out.push_back(c);
-    }
+  while (!utf8.empty()) {
+    if (utf8.front() == '"' || utf8.front() == '\\') out.push_back('\\');
+    take_json_character(out, utf8);
   }
   out.push_back('"');
   return out;
+}
+
+void take_json_character(std::string& out, std::string_view& utf8) {
+  const std::string_view before = utf8;
+  bool valid = true;
+  const std::uint32_t c = ovfile::take_utf8(utf8, valid);
+  if (is_control(c)) {
+    out += fmt::format("\\u{:04x}", c);
+  } else {
+    out += before.substr(0, before.size() - utf8.size());
+  }
 }
 
 }  // namespace command

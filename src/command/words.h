@@ -30,7 +30,10 @@ std::string counted(long long count, std::string_view thing);
 /// The texts in one, apart by `separator`.
 std::string joined(const std::vector<std::string>& texts, std::string_view separator);
 
-/// A JSON string, quotes included.
+/// A JSON string, quotes included. All control characters, DEL and C1 as well, are in it by their numbers.
 std::string json_text(std::string_view utf8);
+/// Takes the first character off a text, which is not empty, and appends it as it is within a JSON string
+/// where it is neither a quote nor a backslash.
+void take_json_character(std::string& out, std::string_view& utf8);
 
 }  // namespace command

@@ -67,6 +67,15 @@ TEST_F(sql_output_test, json_of_every_type) {
       "\"t\": \"00000000-0000-0000-0000-000000000001\"}\n]\n");
 }
 
+TEST_F(sql_output_test, json_has_control_characters_by_their_numbers) {
+  EXPECT_EQ(
+      run_quietly({"sql",
+                   "select chr(129) || chr(127) as A, [chr(155) || chr(127) || '\"\xC3\xA9\\NI', 'NI'] as "
+                   "B",
+                   "-o", "json"}),
+      "[\n{\"A\": \"\\u0081\\u007f\", \"B\": [\"\\u009b\\u007f\\\"\xC3\xA9\\\\NI\",\"NI\"]}\n]\n");
+}
+
 TEST_F(sql_output_test, json_escapes_and_gives_each_column_a_name_of_its_own) {
   EXPECT_EQ(run_quietly({"sql",
                          "select 'a\"\\' || chr(10) as \"K\"\"\", 2 as A, 3 as A, 4 as a union all "

@@ -143,20 +143,25 @@ bool is_json_number(std::string_view text) noexcept { return text.find_first_of(
 /// Appends the database's JSON, in which numbers inside a list may have names that JSON does not know.
 void append_json(std::string& out, std::string_view json) {
   bool in_text = false;
-  for (std::size_t at = 0; at < json.size(); ++at) {
-    const char c = json[at];
+  while (!json.empty()) {
+    const char c = json.front();
     if (in_text && c == '\\') {
-      out += json.substr(at++, 2);
+      out += json.substr(0, 2);
+      json.remove_prefix(std::min<std::size_t>(2, json.size()));
+      continue;
+    }
+    if (in_text && c != '"') {
+      take_json_character(out, json);
       continue;
     }
     if (c == '"') in_text = !in_text;
-    const std::string_view rest = json.substr(at);
-    if (in_text || (c != 'N' && c != 'I' && !rest.starts_with("-I"))) {
+    if (in_text || (c != 'N' && c != 'I' && !json.starts_with("-I"))) {
       out += c;
+      json.remove_prefix(1);
       continue;
     }
     out += c == 'N' ? "\"nan\"" : c == 'I' ? "\"inf\"" : "\"-inf\"";
-    at += std::min(rest.find_first_not_of("-NaInfity"), rest.size()) - 1;
+    json.remove_prefix(std::min(json.find_first_not_of("-NaInfity"), json.size()));
   }
 }
 
