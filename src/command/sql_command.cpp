@@ -62,9 +62,9 @@ void check_suffix(const sql_request& request) {
       request.output));
 }
 
-/// `asked` is the statement as the user wrote it.
+/// `asked` are all statements as the user wrote them.
 void write_to_table(sql_database& database, const sql_request& request, const std::string& statement,
-                    const std::string& asked) {
+                    const std::vector<std::string>& asked) {
   const sql_shape shape = database.shape_of(statement);
   if (!shape.is_query) throw failure("this statement gives no rows to make a table of");
   // The rows are looked at twice, and the second time has to find the same.
@@ -133,7 +133,7 @@ void run_sql(const sql_request& request) {
   refuse_copy_to_table(database, statements.back());
   const std::string last = database.settled(statements.back());
   if (makes_table(request)) {
-    write_to_table(database, request, last, statements.back());
+    write_to_table(database, request, last, statements);
   } else if (form_of(request) == "parquet") {
     write_to_parquet(database, request, last);
   } else {

@@ -76,6 +76,23 @@ TEST_F(sql_pipe_test, a_view_of_a_named_pipe_is_refused) {
       << result.error;
 }
 
+TEST_F(sql_pipe_test, a_named_pipe_is_read_but_once) {
+  ASSERT_EQ(shell("mkfifo p.csv").status, 0);
+  for (const std::string statement :
+       {"select count(*) from 'p.csv' a, 'p.csv' b",
+        "select (select count(*) from read_csv('p.csv')), (select count(*) from read_csv('./p.csv'))",
+        "from read_csv(['p.csv', 'p.csv'])", "create table a as from 'p.csv'; from 'p.csv'"}) {
+    SCOPED_TRACE(statement);
+    const auto result = shell("timeout 20 \"$OVFILE\" sql \"" + statement + "\"; echo $?");
+    EXPECT_EQ(result.output, "1\n");
+    EXPECT_NE(
+        result.error.find("p.csv: a named pipe can be read but once; give its bytes by standard input, as "
+                          "/dev/stdin\n"),
+        std::string::npos)
+        << result.error;
+  }
+}
+
 TEST_F(sql_pipe_test, a_query_that_needs_no_more_waits_for_no_end) {
   const auto result = shell(
       "{ printf 'A\\n1\\n2\\n'; yes 3; } | timeout 30 \"$OVFILE\" sql \"select count(*) as N from (from "

@@ -217,6 +217,31 @@ TEST_F(sql_table_test, numbers_that_a_union_of_csv_files_makes_text_are_told) {
   EXPECT_EQ(fields(), (names{"BHID:text:4", "CU:text:4", "NI:text:4"}));
 }
 
+TEST_F(sql_table_test, number_texts_of_an_earlier_statement_are_told) {
+  write("a.csv", "BHID,CU\nA,1.5\n");
+  write("b.csv", "BHID,CU\nB,\n");
+  const auto result = run({"sql",
+                           "create table q as select * from 'a.csv' union all by name select * from 'b.csv'; "
+                           "from q",
+                           "--output", "u.ovt"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_NE(result.error.find("the column CU is text"), std::string::npos) << result.error;
+}
+
+TEST_F(sql_table_test, number_texts_of_other_text_files_are_told) {
+  write("a.tsv", "BHID\tCU\nA\t1.5\n");
+  write("b.tsv", "BHID\tCU\nB\t\n");
+  write("a.json", R"([{"BHID": "A", "CU": 1.5}])");
+  write("b.json", R"([{"BHID": "B", "CU": null}])");
+  for (const std::string form : {"tsv", "json"}) {
+    const auto result =
+        run({"sql", "select * from 'a." + form + "' union all by name select * from 'b." + form + "'",
+             "--output", "u.ovt"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_NE(result.error.find("the column CU is text"), std::string::npos) << result.error;
+  }
+}
+
 TEST_F(sql_table_test, texts_are_taken_for_texts_where_one_is_no_number) {
   write("a.csv", "BHID,CU\nA,<1\nB,2\n");
   EXPECT_EQ(made("from 'a.csv'"), "BHID,CU\nA,<1\nB,2\n");

@@ -10,10 +10,14 @@
 namespace command {
 namespace {
 
-bool reads_csv(const std::string& statement) {
-  constexpr std::string_view name = "csv";
+/// Whether a statement names a file, or a function, of a format whose types are found out by a look at the
+/// values.
+bool reads_guessed_types(const std::string& statement) {
   const auto same = [](char letter, char wanted) { return (letter | 0x20) == wanted; };
-  return std::search(statement.begin(), statement.end(), name.begin(), name.end(), same) != statement.end();
+  const auto is_named = [&](std::string_view name) {
+    return std::search(statement.begin(), statement.end(), name.begin(), name.end(), same) != statement.end();
+  };
+  return is_named("csv") || is_named("tsv") || is_named("json");
 }
 
 /// Whether there are values other than blank ones, and each is a number; what begins with a zero too many is
@@ -28,10 +32,11 @@ std::string all_numbers(const std::string& column) {
 
 }  // namespace
 
-std::optional<std::string> note_number_texts(sql_database& database, const std::string& statement,
+std::optional<std::string> note_number_texts(sql_database& database,
+                                             const std::vector<std::string>& statements,
                                              const std::string& from,
                                              const std::vector<sql_column>& columns) {
-  if (!reads_csv(statement)) return {};
+  if (std::ranges::none_of(statements, reads_guessed_types)) return {};
   const std::vector<std::string> own_names = own_column_names(columns.size());
   std::vector<std::string> questions;
   std::vector<std::string> names;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <optional>
+#include <set>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -123,14 +124,19 @@ bool begins_as_query(std::string_view statement) {
 }
 
 void refuse_pipes(const std::vector<std::string>& statements) {
+  constexpr const char* way_out = "; give its bytes by standard input, as /dev/stdin";
+  std::set<std::filesystem::path> read;
   for (const std::string& statement : statements) {
-    if (begins_as_query(statement) || (&statement != &statements.back() && is_run_at_once(statement)))
-      continue;
+    const bool may_read =
+        begins_as_query(statement) || (&statement != &statements.back() && is_run_at_once(statement));
     const std::string target = copy_target(statement);
     for (const std::string& name : pipes_in(statement)) {
       if (!is_named_pipe(name) || target == "'" + name + "'") continue;
-      throw failure(name +
-                    ": only a query can read a named pipe; give its bytes by standard input, as /dev/stdin");
+      if (!may_read) throw failure(name + ": only a query can read a named pipe" + way_out);
+      std::error_code error;
+      if (!read.insert(std::filesystem::canonical(path_of_utf8(name), error)).second) {
+        throw failure(name + ": a named pipe can be read but once" + way_out);
+      }
     }
   }
 }
