@@ -82,21 +82,6 @@ class csv_exporter {
   std::string text_;
 };
 
-/// Names that promise what is not written.
-constexpr std::pair<const char*, const char*> other_formats[] = {
-    {".json", "JSON"},           {".ndjson", "JSON"},
-    {".geojson", "GeoJSON"},     {".xml", "XML"},
-    {".html", "HTML"},           {".xlsx", "a workbook"},
-    {".xls", "a workbook"},      {".ods", "a workbook"},
-    {".jsonl", "JSON"},          {".xlsm", "a workbook"},
-    {".shp", "shapes"},          {".gpkg", "a database"},
-    {".dxf", "a drawing"},       {".tsv", "cells with tabs between them"},
-    {".gz", "compressed data"},  {".zip", "an archive"},
-    {".bz2", "compressed data"}, {".xz", "compressed data"},
-    {".zst", "compressed data"}, {".arrow", "Arrow"},
-    {".feather", "Feather"},     {".db", "a database"},
-    {".sqlite", "a database"},   {".duckdb", "a database"}};
-
 /// A table must not get lost under the text that is made of it. `table` may be a link's target.
 void check_target(const std::string& table, const std::string& csv) {
   if (csv == "-") return;
@@ -104,8 +89,7 @@ void check_target(const std::string& table, const std::string& csv) {
     throw wrong_usage(fmt::format("the table and the {} are one file: {}",
                                   is_named_as_parquet(csv) ? "Parquet" : "CSV", csv));
   }
-  for (const auto& [suffix, what] : other_formats) {
-    if (!ends_in(csv, suffix)) continue;
+  if (const char* const what = promised_format(csv); what != nullptr) {
     throw wrong_usage(
         fmt::format("{}: export writes CSV and Parquet, not {}; nothing is written", csv, what));
   }

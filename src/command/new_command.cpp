@@ -9,6 +9,7 @@
 #include "failure.h"
 #include "field_names.h"
 #include "field_view.h"
+#include "new_table.h"
 #include "replacement.h"
 #include "schema_xml.h"
 #include "table_limits.h"
@@ -140,11 +141,9 @@ ovfile::pointer<IOvSchema> make_from_xml(const new_request& request) {
 
 void create(const std::string& table, IOvSchema& schema) {
   replacement file(table);
-  const auto check = [&](HRESULT status) { check_call("cannot write " + table, status); };
   {
-    const auto made = ovfile::create_table();
-    check(made->Create(ovfile::text(std::string_view(file.name())).get(), &schema));
-    check(made->Close());
+    const auto made = create_new_table(file.name(), schema, table);
+    check_call("cannot write " + table, made->Close());
   }
   file.commit();
 }

@@ -15,6 +15,8 @@ class raw_file {
   static raw_file standard_output();
   /// An existing file or pipe, for reading.
   static raw_file open(const std::string& name);
+  /// An existing file, for reading; anything else, which could keep the caller waiting, is refused.
+  static raw_file open_regular(const std::string& name);
   /// An existing file, for writing from its beginning; messages name `shown`.
   static raw_file open_to_write(const std::string& name, const std::string& shown);
   /// A new file for writing and reading, with the rights that new files have or, when it is `secret`, for its
@@ -46,6 +48,9 @@ class raw_file {
 
  private:
   raw_file(int handle, std::string name) : handle_(handle), name_(std::move(name)) {}
+
+  /// For reading, whatever it is, without a wait for the other end of a pipe.
+  static raw_file open_at_once(const std::string& name);
 
   int handle_;
   std::string name_;

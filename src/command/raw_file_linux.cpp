@@ -13,13 +13,23 @@
 #include "raw_file.h"
 
 namespace command {
+namespace {
+
+int open_to_read(const std::string& name, int more_flags) {
+  const int handle = ::open(name.c_str(), O_RDONLY | O_CLOEXEC | more_flags);
+  if (handle < 0) throw failure("cannot open " + name + ": " + last_reason());
+  return handle;
+}
+
+}  // namespace
+
 raw_file raw_file::standard_input() { return {0, "standard input"}; }
 raw_file raw_file::standard_output() { return {1, "standard output"}; }
 
-raw_file raw_file::open(const std::string& name) {
-  const int handle = ::open(name.c_str(), O_RDONLY | O_CLOEXEC);
-  if (handle < 0) throw failure("cannot open " + name + ": " + last_reason());
-  return {handle, name};
+raw_file raw_file::open(const std::string& name) { return {open_to_read(name, 0), name}; }
+
+raw_file raw_file::open_at_once(const std::string& name) {
+  return {open_to_read(name, O_NONBLOCK | O_NOCTTY), name};
 }
 
 raw_file raw_file::open_to_write(const std::string& name, const std::string& shown) {

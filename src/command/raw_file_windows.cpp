@@ -48,6 +48,8 @@ raw_file raw_file::open(const std::string& name) {
   return {handle, name};
 }
 
+raw_file raw_file::open_at_once(const std::string& name) { return open(name); }
+
 raw_file raw_file::open_to_write(const std::string& name, const std::string& shown) {
   const int handle = open_handle(name, _O_WRONLY, _SH_DENYNO);
   if (handle < 0) throw failure("cannot write " + shown + ": " + last_reason());

@@ -13,4 +13,8 @@ void refuse_unopenable_file(const std::string& name, bool to_change);
 /// where one can be found out.
 void refuse_unreplaceable_file(const std::string& name);
 
+/// For a new table that could not be written and is not open any more; messages name `shown`. What stands in
+/// its file is lost. Throws `failure` with the reason where one can be found out.
+void refuse_unwritable_file(const std::string& name, const std::string& shown);
+
 }  // namespace command

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 #include "base/system_error.h"
 #include "base/text.h"
@@ -40,7 +41,23 @@ ovf::wide checked(const std::string& target) {
 
 std::string reason() { return ovf::utf8_from_wide(ovf::system_message(ovf::last_system_error())); }
 
+/// What names promise that end otherwise than those of tables, CSV and Parquet.
+constexpr std::pair<const char*, const char*> other_formats[] = {
+    {".json", "JSON"},           {".ndjson", "JSON"},
+    {".geojson", "GeoJSON"},     {".xml", "XML"},
+    {".html", "HTML"},           {".xlsx", "a workbook"},
+    {".xls", "a workbook"},      {".ods", "a workbook"},
+    {".jsonl", "JSON"},          {".xlsm", "a workbook"},
+    {".shp", "shapes"},          {".gpkg", "a database"},
+    {".dxf", "a drawing"},       {".tsv", "cells with tabs between them"},
+    {".gz", "compressed data"},  {".zip", "an archive"},
+    {".bz2", "compressed data"}, {".xz", "compressed data"},
+    {".zst", "compressed data"}, {".arrow", "Arrow"},
+    {".feather", "Feather"},     {".db", "a database"},
+    {".sqlite", "a database"},   {".duckdb", "a database"}};
+
 constexpr const char* open_elsewhere = ": it is open in another program";
+constexpr const char* another_there = ": somebody put another file in its place, or in the new one's";
 
 }  // namespace
 
@@ -68,6 +85,7 @@ void replacement::commit() {
   if (!file_.settle()) throw failure("cannot write " + shown_ + ": " + reason());
   if (file_.commit()) return;
   const bool in_use = ovf::is_in_use(ovf::last_system_error());
+  if (ovf::is_other_file(ovf::last_system_error())) throw failure("cannot replace " + shown_ + another_there);
   const std::string why = reason();
   throw failure("cannot replace " + shown_ + (in_use || is_in_use(shown_) ? open_elsewhere : ": " + why));
 }
@@ -82,6 +100,13 @@ bool ends_in(const std::string& name, std::string_view suffix) {
 bool is_named_as_table(const std::string& name) { return ends_in(name, ".ovt"); }
 
 bool is_named_as_csv(const std::string& name) { return ends_in(name, ".csv"); }
+
+const char* promised_format(const std::string& name) {
+  for (const auto& [suffix, what] : other_formats) {
+    if (ends_in(name, suffix)) return what;
+  }
+  return nullptr;
+}
 
 bool same_file(const std::string& left, const std::string& right) {
   std::error_code error;

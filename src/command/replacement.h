@@ -36,6 +36,9 @@ bool ends_in(const std::string& name, std::string_view suffix);
 /// Whether a file's name says that it holds a table, or a CSV.
 bool is_named_as_table(const std::string& name);
 bool is_named_as_csv(const std::string& name);
+/// What a file's name says that it holds where that is neither a table nor CSV nor Parquet; null where it
+/// says no such thing.
+const char* promised_format(const std::string& name);
 
 /// Whether two names mean one existing file.
 bool same_file(const std::string& left, const std::string& right);

@@ -8,6 +8,7 @@
 #include "decimal.h"
 #include "encoding.h"
 #include "failure.h"
+#include "new_table.h"
 #include "words.h"
 
 namespace command {
@@ -18,10 +19,10 @@ constexpr const char* changed = "the file changed while it was read";
 }  // namespace
 
 table_writer::table_writer(const std::string& file, std::string shown, const import_plan& plan)
-    : shown_(std::move(shown)), plan_(plan), table_(ovfile::create_table()) {
+    : shown_(std::move(shown)), plan_(plan) {
   const auto schema = ovfile::create_schema();
   add_fields(*schema.get());
-  check(table_->Create(ovfile::text(file).get(), schema.get()));
+  table_ = create_new_table(file, *schema.get(), shown_);
 }
 
 void table_writer::check(HRESULT status) const {

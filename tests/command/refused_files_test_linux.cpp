@@ -137,6 +137,18 @@ TEST_F(refused_files_test, a_pipe_in_place_of_a_table_holds_nobody_up) {
   expect_failure({"info", "."}, ".: Not a valid orvexa table");
 }
 
+TEST_F(refused_files_test, what_is_no_file_is_not_verified) {
+  ASSERT_EQ(::mkfifo((folder() / "pipe").c_str(), 0600), 0);
+  for (const std::string name : {"pipe", "."}) {
+    const ovtest::process_result result =
+        ovtest::run_process({"/usr/bin/timeout", "20", program(), "verify", name}, folder().path());
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.output, name + ": not read\n");
+    EXPECT_EQ(result.error, "ovfile: cannot read " + name +
+                                ": it is not a regular file\novfile: not all tables could be read\n");
+  }
+}
+
 TEST_F(refused_files_test, a_copy_for_a_table_that_is_open_elsewhere_says_so) {
   make_wide_table();
   const std::string before = read("t.ovt");

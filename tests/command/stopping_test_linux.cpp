@@ -72,6 +72,18 @@ TEST_F(stopping_test, a_file_that_may_not_grow_leaves_no_table) {
   EXPECT_EQ(files(), (names{"in.csv", "small.csv", "t.ovt"}));
 }
 
+TEST_F(stopping_test, a_table_that_cannot_be_begun_is_told_with_the_reason) {
+  round_trip("A\n1\n");
+  for (const char* arguments : {"import in.csv u.ovt", "import in.csv u.ovt --single",
+                                "new u.ovt --template points", "verify t.ovt --salvage u.ovt"}) {
+    SCOPED_TRACE(arguments);
+    const ovtest::process_result result = shell("ulimit -f 1; exec \"$OVFILE\" " + std::string(arguments));
+    EXPECT_NE(result.status, 0);
+    EXPECT_EQ(result.error, "ovfile: cannot write u.ovt: File too large\n");
+  }
+  EXPECT_EQ(files(), (names{"in.csv", "t.ovt"}));
+}
+
 TEST_F(stopping_test, a_signal_leaves_no_table) {
   make_long_table();
   const std::string before = read("t.ovt");

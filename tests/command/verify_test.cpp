@@ -246,6 +246,11 @@ TEST_F(verify_test, what_is_saved_goes_to_no_other_file) {
   expect_wrong_usage({"verify", "t.ovt", "--salvage", "x.csv"},
                      "x.csv: --salvage makes a table, and the name is another file's");
   EXPECT_EQ(read("x.csv"), "A\n1\n");
+  for (const std::string name : {"x.parquet", "x.json", "x.XLSX", "x.csv.gz"}) {
+    expect_wrong_usage({"verify", "t.ovt", "--salvage", name},
+                       name + ": --salvage makes a table, and the name is another file's");
+    EXPECT_FALSE(std::filesystem::exists(folder() / name));
+  }
 }
 
 TEST_F(verify_test, places_that_two_columns_share_are_told) {
@@ -308,9 +313,61 @@ TEST_F(verify_test, what_can_be_read_is_saved) {
   write("t.ovt", table_.substr(0, 3 * 4096));
   const ovtest::process_result end = run({"verify", "t.ovt", "--salvage", "saved.ovt"});
   EXPECT_EQ(end.status, 1);
-  EXPECT_EQ(end.error, "ovfile: 508 of 600 rows went to saved.ovt; of t.ovt these are lost: 509-600\n");
+  EXPECT_EQ(end.error,
+            "ovfile: 508 of 600 rows went to saved.ovt; of t.ovt these are lost: 509-600; "
+            "numbers that were none became absent in row 5\n");
   EXPECT_EQ(run_quietly({"verify", "saved.ovt"}), "saved.ovt: whole, 508 rows\n");
   EXPECT_EQ(run_quietly({"head", "saved.ovt", "-n", "2", "--from", "4"}), "A  B\n4  ab\n   ab\n");
+}
+
+TEST_F(verify_test, rows_in_which_numbers_became_absent_are_told) {
+  const std::uint64_t none = 0x7FF8000000000000;
+  for (std::size_t row = 0; row < 61; ++row) {
+    if (row != 59) std::memcpy(table_.data() + (first_record + 2 * row) * 8, &none, 8);
+  }
+  write("t.ovt", table_);
+  EXPECT_EQ(
+      run({"verify", "t.ovt", "--salvage", "saved.ovt"}).error,
+      "ovfile: 600 of 600 rows went to saved.ovt; numbers that were none became absent in rows 1-59, 61\n");
+}
+
+/// A table of 3 rows: a number, and a text of two words of which the first stands in the header alone.
+std::string partly_stored_table(std::string table) {
+  const auto put = [&](std::size_t word, double number) {
+    std::memcpy(table.data() + word * 8, &number, sizeof number);
+  };
+  const std::size_t first_word = 28 + 7;
+  const std::size_t second_word = first_word + 7;
+  put(first_word + 3, 0);
+  std::memcpy(table.data() + (first_word + 6) * 8, "ever", 4);
+  put(second_word + 3, 2);
+  // Rows of two words stand where some of three stood.
+  for (std::size_t row = 0; row < 3; ++row) {
+    put(first_record + 2 * row, static_cast<double>(row + 1));
+    std::memcpy(table.data() + (first_record + 2 * row + 1) * 8, row == 1 ? "that" : "here", 4);
+  }
+  return table;
+}
+
+TEST_F(verify_test, a_text_that_the_header_has_in_part_is_told_and_saved_whole) {
+  round_trip("N,MIX\n1,everhere\n2,everthat\n3,everhere\n");
+  write("t.ovt", partly_stored_table(read("t.ovt")));
+  const std::string rows = "N,MIX\n1,everhere\n2,everthat\n3,everhere\n";
+  ASSERT_EQ(run_quietly({"export", "t.ovt"}), rows);
+  make_link("link.ovt", "t.ovt");
+  for (const std::string name : {"t.ovt", "link.ovt"}) {
+    SCOPED_TRACE(name);
+    const ovtest::process_result end = run({"verify", name, "--salvage", "saved.ovt"});
+    EXPECT_EQ(end.status, 0);
+    EXPECT_TRUE(end.output.starts_with(name + ": whole, 3 rows\n")) << end.output;
+    EXPECT_NE(
+        end.output.find("  note: " + name +
+                        ", column MIX: its first word stands in the header alone, others in the rows\n"),
+        end.output.npos)
+        << end.output;
+    EXPECT_EQ(run_quietly({"export", "saved.ovt"}), rows);
+    EXPECT_EQ(run_quietly({"verify", "saved.ovt"}), "saved.ovt: whole, 3 rows\n");
+  }
 }
 
 TEST_F(verify_test, a_table_is_not_saved_into_itself) {

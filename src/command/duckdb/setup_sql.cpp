@@ -81,9 +81,7 @@ struct package_file {
 };
 
 package_file take_given(const wanted_library& wanted, const std::string& name) {
-  raw_file file = raw_file::open(name);
-  std::uint64_t bytes = 0;
-  if (!file.is_regular(bytes)) throw failure("cannot read " + name + ": it is not a regular file");
+  raw_file file = raw_file::open_regular(name);
   check_integrity(file, name, wanted, wanted.integrity);
   return {std::move(file), name};
 }

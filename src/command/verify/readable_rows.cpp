@@ -8,13 +8,24 @@
 namespace command {
 
 readable_rows::readable_rows(const std::string& file)
-    : whole_(file), in_whole_pages_(whole_.rows_in_file()), count_(whole_.rows_held()) {
-  if (count_ == in_whole_pages_) return;
+    : whole_(file),
+      fields_(whole_.fields()),
+      in_whole_pages_(whole_.rows_in_file()),
+      count_(whole_.rows_held()) {
   try {
-    copy_cut_page();
+    find_partly_stored();
+    if (count_ != in_whole_pages_) copy_cut_page();
   } catch (const not_a_table&) {
     // The library reads tables without a mark; nothing here tells their precision.
     count_ = in_whole_pages_;
+  }
+}
+
+void readable_rows::find_partly_stored() {
+  const std::vector<header_field> found = fields_in(read_table_header(whole_.target()).entries);
+  if (found.size() != fields_.size()) return;  // its names are none, or it has changed
+  for (std::size_t i = 0; i < found.size(); ++i) {
+    if (found[i].is_partly_stored) fields_[i].implicit = false;
   }
 }
 

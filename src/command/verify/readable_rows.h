@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "private_folder.h"
 #include "raw_file.h"
@@ -16,8 +17,10 @@ class readable_rows {
   /// Throws `failure` where the table cannot be opened.
   explicit readable_rows(const std::string& file);
 
-  /// Its columns are those of what `at` gives.
   const table_view& table() const noexcept { return whole_; }
+  /// The columns of what `at` gives. A text is implicit where all of it stands in the header: the library
+  /// asks its first word alone.
+  const std::vector<field_view>& fields() const noexcept { return fields_; }
   LONG count() const noexcept { return count_; }
   /// A table that stands on this row, from 1. Throws `failure` where it cannot be read.
   table_view& at(LONG row);
@@ -39,9 +42,11 @@ class readable_rows {
   };
 
   void copy_cut_page();
+  void find_partly_stored();
 
   std::optional<page_copy> copy_;  // goes when its table is not open any more
   table_view whole_;
+  std::vector<field_view> fields_;
   LONG in_whole_pages_;
   LONG count_;
   std::optional<table_view> cut_page_;

@@ -6,6 +6,7 @@
 #include "absent.h"
 #include "failure.h"
 #include "field_names.h"
+#include "new_table.h"
 #include "progress.h"
 #include "replacement.h"
 #include "table_limits.h"
@@ -17,31 +18,37 @@ namespace {
 
 class row_copier {
  public:
-  row_copier(IOvTable& to, const std::string& shown) : to_(to), shown_(shown) {}
+  row_copier(IOvTable& to, const std::vector<field_view>& fields, const std::string& shown)
+      : to_(to), fields_(fields), shown_(shown) {}
 
-  /// The row on which the table stands.
-  void copy(const table_view& from) {
+  /// The row on which the table stands. Returns whether all its numbers are numbers.
+  bool copy(const table_view& from) {
     check(to_.AddRow());
-    for (const field_view& field : from.fields()) {
-      if (!field.implicit) copy(from, field);
+    bool all_kept = true;
+    for (const field_view& field : fields_) {
+      if (!field.implicit) all_kept = copy(from, field) && all_kept;
     }
+    return all_kept;
   }
 
  private:
-  void copy(const table_view& from, const field_view& field) {
+  bool copy(const table_view& from, const field_view& field) {
     if (field.is_text) {
       from.read_text(text_, field);
       check(to_.SetColumnString(field.column, text_.get()));
-      return;
+      return true;
     }
     const double number = from.number(field);
-    const double kept = std::isfinite(number) ? number : absent_number;
+    const bool is_kept = std::isfinite(number);
+    const double kept = is_kept ? number : absent_number;
     check(from.is_single() ? to_.SetColumnFloat(field.column, static_cast<float>(kept))
                            : to_.SetColumnDouble(field.column, kept));
+    return is_kept;
   }
   void check(HRESULT status) const { check_call("cannot write " + shown_, status); }
 
   IOvTable& to_;
+  const std::vector<field_view>& fields_;
   const std::string& shown_;
   ovfile::text text_;
 };
@@ -56,7 +63,8 @@ std::vector<std::string> allowed_names(const table_view& from) {
   return allowed;
 }
 
-ovfile::pointer<IOvSchema> saved_schema(const table_view& from) {
+ovfile::pointer<IOvSchema> saved_schema(const readable_rows& rows) {
+  const table_view& from = rows.table();
   const std::vector<std::string> names = allowed_names(from);
   // One that begins so would make a link of the new table.
   const std::string description = from.description().starts_with("LINK") ? "" : from.description();
@@ -64,7 +72,7 @@ ovfile::pointer<IOvSchema> saved_schema(const table_view& from) {
   from.check(schema->put_DoublePrecisionFlag(from.is_single() ? 0 : 1));
   from.check(schema->put_Description(ovfile::text(std::string_view(description)).get()));
   for (std::size_t i = 0; i < names.size(); ++i) {
-    const field_view& field = from.fields()[i];
+    const field_view& field = rows.fields()[i];
     const ovfile::text name{std::string_view(names[i])};
     const ovfile::text value{std::string_view(field.text_default)};
     const LONG implicit = field.implicit ? 1 : 0;
@@ -86,8 +94,9 @@ std::string listed(const std::vector<LONG>& rows) {
   return joined(ranges, ", ");
 }
 
+/// `made_absent` are rows of the file, as those are that are lost.
 std::string lost_words(const std::string& file, const check_result& found, const std::string& target,
-                       LONG rows) {
+                       LONG rows, const std::vector<LONG>& made_absent) {
   std::string words = fmt::format("{} of {} went to {}", rows, counted(found.rows, "row"), target);
   std::vector<std::string> missing;
   if (!found.lost.empty()) missing.push_back(listed(found.lost));
@@ -95,6 +104,10 @@ std::string lost_words(const std::string& file, const check_result& found, const
     missing.push_back(fmt::format("{}-{}", found.rows_in_file + 1, found.rows));
   }
   if (!missing.empty()) words += fmt::format("; of {} these are lost: {}", file, joined(missing, ", "));
+  if (!made_absent.empty()) {
+    words += fmt::format("; numbers that were none became absent in row{} {}",
+                         made_absent.size() == 1 ? "" : "s", listed(made_absent));
+  }
   return words;
 }
 
@@ -105,23 +118,21 @@ void salvage(const std::string& file, const check_result& found, const std::stri
   if (from.count() != found.rows_in_file) throw failure(file + ": the file was changed meanwhile");
   replacement made(target);
   LONG rows = 0;
+  std::vector<LONG> made_absent;
   {
-    const auto table = ovfile::create_table();
-    const auto schema = saved_schema(from.table());
-    check_call("cannot write " + target,
-               table->Create(ovfile::text(std::string_view(made.name())).get(), schema.get()));
-    row_copier copier(*table.get(), target);
+    const auto table = create_new_table(made.name(), *saved_schema(from).get(), target);
+    row_copier copier(*table.get(), from.fields(), target);
     progress bar("writing");
     for (LONG row = 1; row <= found.rows_in_file; ++row) {
       throw_if_interrupted();
       bar.at(static_cast<std::uint64_t>(row), static_cast<std::uint64_t>(found.rows_in_file));
       if (std::binary_search(found.lost.begin(), found.lost.end(), row)) continue;
-      copier.copy(from.at(row));
+      if (!copier.copy(from.at(row))) made_absent.push_back(row);
       ++rows;
     }
     check_call("cannot write " + target, table->Close());
   }
-  const message told(lost_words(file, found, target, rows));
+  const message told(lost_words(file, found, target, rows, made_absent));
   made.commit();
   told.say();
 }

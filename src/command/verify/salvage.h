@@ -7,8 +7,8 @@
 
 namespace command {
 
-/// Makes a table of all rows that can be read, and says how many they are and which are lost. Numbers that
-/// are none become absent. Throws `failure`.
+/// Makes a table of all rows that can be read, and says how many they are, which are lost, and in which
+/// numbers that are none became absent. Throws `failure`.
 void salvage(const std::string& file, const check_result& found, const std::string& target);
 
 }  // namespace command

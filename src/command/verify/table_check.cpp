@@ -91,6 +91,14 @@ void check_positions(const std::vector<dictionary_entry>& entries, std::vector<f
   }
 }
 
+/// Programs take such a text for one value of all rows, or for one of each.
+void check_first_words(const std::vector<dictionary_entry>& entries, std::vector<finding>& found) {
+  for (const header_field& field : fields_in(entries)) {
+    if (!field.is_partly_stored) continue;
+    found.push_back({"its first word stands in the header alone, others in the rows", false, 0, field.name});
+  }
+}
+
 void check_names(const std::vector<dictionary_entry>& entries, bool is_double, std::vector<finding>& found) {
   constexpr std::size_t longest_double = 24;
   constexpr std::size_t longest_single = 8;
@@ -144,7 +152,7 @@ class row_check {
     for (LONG row = 1; row <= result_.rows_in_file; ++row) {
       try {
         const table_view& table = rows_.at(row);
-        for (const field_view& field : table.fields()) look_at(table, field, row);
+        for (const field_view& field : rows_.fields()) look_at(table, field, row);
       } catch (const failure& error) {
         result_.lost.push_back(row);
         report(unreadable_, {error.what(), true, row});
@@ -213,6 +221,7 @@ std::vector<finding> check_header(const table_header& header) {
   check_size(header, found);
   check_order(header.entries, found);
   check_positions(header.entries, found);
+  check_first_words(header.entries, found);
   check_names(header.entries, header.is_double, found);
   return found;
 }

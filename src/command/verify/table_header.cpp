@@ -130,6 +130,23 @@ std::uint64_t table_header::record_words() const noexcept {
       std::count_if(entries.begin(), entries.end(), [](const auto& each) { return each.position != 0; }));
 }
 
+std::vector<header_field> fields_in(const std::vector<dictionary_entry>& entries) {
+  const auto is_stored = [](const dictionary_entry& entry) { return entry.position >= 1; };
+  std::vector<header_field> fields;
+  const dictionary_entry* first = nullptr;  // of the field
+  for (const dictionary_entry& entry : entries) {
+    const bool goes_on =
+        first != nullptr && first->type == 'A' && entry.type == 'A' && first->name == entry.name;
+    if (!goes_on) {
+      first = &entry;
+      fields.push_back({entry.name});
+    } else if (!is_stored(*first) && is_stored(entry)) {
+      fields.back().is_partly_stored = true;
+    }
+  }
+  return fields;
+}
+
 bool begins_as_table(std::string_view bytes) {
   return header_words(std::string(bytes), false).find_order(single_mark) ||
          header_words(std::string(bytes), true).find_order(double_mark);
@@ -137,7 +154,7 @@ bool begins_as_table(std::string_view bytes) {
 
 table_header read_table_header(const std::string& file) {
   table_header header;
-  raw_file opened = raw_file::open(file);
+  raw_file opened = raw_file::open_regular(file);
   const header_words words = read_words(opened, header.bytes);
   header.is_double = words.is_double();
   header.is_cut = !words.has(atoms_word + 2);
@@ -162,7 +179,7 @@ table_header read_table_header(const std::string& file) {
 
 std::string table_of_page(const std::string& file, std::uint64_t page, std::uint64_t records) {
   const table_header header = read_table_header(file);
-  raw_file opened = raw_file::open(file);
+  raw_file opened = raw_file::open_regular(file);
   std::uint64_t size = 0;
   header_words words = read_words(opened, size);
   words.put_number(atoms_word + 1, static_cast<double>(header.header_pages() + 1));

@@ -34,6 +34,14 @@ struct table_header {
   std::uint64_t record_words() const noexcept;
 };
 
+/// A field as the library puts it together of its words.
+struct header_field {
+  std::string name;
+  bool is_partly_stored = false;  ///< its first word stands in the header alone, others in the rows
+};
+
+std::vector<header_field> fields_in(const std::vector<dictionary_entry>& entries);
+
 struct not_a_table : failure {
   not_a_table() : failure("it has no table's mark") {}
 };
@@ -41,7 +49,7 @@ struct not_a_table : failure {
 /// Whether bytes are the beginning of a table.
 bool begins_as_table(std::string_view bytes);
 
-/// Throws `failure` where the file cannot be read, and `not_a_table` where it has no table's mark.
+/// Throws `failure` where the file cannot be read or is none, and `not_a_table` where it has no table's mark.
 table_header read_table_header(const std::string& file);
 
 /// The bytes of a table that has the file's columns and, as its only rows, the first `records` of one page,

@@ -101,7 +101,8 @@ verdict verify_all(const verify_request& request) {
 
 void run_verify(const verify_request& request) {
   if (!request.target.empty() && request.tables.size() > 1) throw wrong_usage("--salvage is for one table");
-  if (is_named_as_csv(request.target) || is_named_as_parquet(request.target)) {
+  if (is_named_as_csv(request.target) || is_named_as_parquet(request.target) ||
+      promised_format(request.target) != nullptr) {
     throw wrong_usage(request.target + ": --salvage makes a table, and the name is another file's");
   }
   if (!request.target.empty() && same_file(request.tables.front(), request.target)) {
