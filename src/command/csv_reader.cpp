@@ -133,6 +133,7 @@ bool csv_reader::scan_row() {
     ++at;
   }
   blank_ = at == begin_;
+  bare_ = raw_cells_.front().begin == begin_;
   // A CR at the end of what was read may be the first half of a line end.
   if (at < end_ && bytes[at] == '\r' && at + 1 == end_ && !at_end_) return false;
   const std::size_t line_end = at == end_                                                    ? 0

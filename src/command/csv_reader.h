@@ -30,6 +30,10 @@ class csv_reader {
   std::uint64_t line() const noexcept { return line_; }
   /// Whether the row is a line without any character.
   bool is_blank() const noexcept { return blank_; }
+  /// Whether the row is a line of blanks and tabs, or of no character.
+  bool has_blanks_alone() const noexcept {
+    return bare_ && cells_.size() == 1 && cells_.front().find_first_not_of(" \t") == std::string_view::npos;
+  }
   /// Bytes of all rows so far.
   std::uint64_t bytes_read() const noexcept { return consumed_; }
 
@@ -62,6 +66,7 @@ class csv_reader {
   std::uint64_t lines_in_cells_ = 0;
   std::uint64_t consumed_ = 0;
   bool blank_ = false;
+  bool bare_ = false;  ///< the first cell has no quotes
 };
 
 /// "NAME, line N, column K": how messages tell a place; columns count from 1.

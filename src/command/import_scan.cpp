@@ -148,7 +148,7 @@ std::vector<planned_field> plan_implicits(const import_request& request, std::si
 
 bool next_header(csv_reader& reader) {
   while (reader.next()) {
-    if (!reader.is_blank()) return true;
+    if (!reader.has_blanks_alone()) return true;
   }
   return false;
 }

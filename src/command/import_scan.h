@@ -25,7 +25,7 @@ struct import_plan {
 /// The implicit fields that the user asked for. Throws `failure`, also for a name longer than `longest`.
 std::vector<planned_field> plan_implicits(const import_request& request, std::size_t longest);
 
-/// Goes to the row that has the names of the columns, behind lines without any character; false where there
+/// Goes to the row that has the names of the columns, behind lines of nothing or of blanks; false where there
 /// is none.
 bool next_header(csv_reader& reader);
 

@@ -109,6 +109,14 @@ TEST(csv_reader, only_a_line_without_characters_is_blank) {
   EXPECT_EQ(blank, (std::vector<bool>{false, true, false, false}));
 }
 
+TEST(csv_reader, a_line_of_blanks_has_neither_quotes_nor_a_second_cell) {
+  text_source source("a\n\n\"\"\n \t\n\" \"\n ,\n");
+  command::csv_reader reader(source, "a.csv");
+  std::vector<bool> found;
+  while (reader.next()) found.push_back(reader.has_blanks_alone());
+  EXPECT_EQ(found, (std::vector<bool>{false, true, false, true, false, false}));
+}
+
 TEST(csv_reader, rows_longer_than_the_buffer_are_whole) {
   const std::string text(10000, 'x');
   expect_rows("a,\"" + text + "\"\n" + text + ",b\n", {{"a", text}, {text, "b"}});

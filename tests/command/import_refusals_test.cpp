@@ -52,12 +52,15 @@ TEST_F(import_test, a_row_with_a_wrong_number_of_cells_stops) {
   expect_no_table("A,B,C\n1,2,3\n4,5\n", "in.csv, line 3, column 3: the row has 2 cells, the header has 3");
   expect_no_table("A,B\n1,2\n4,5,6\n", "in.csv, line 3, column 3: the row has 3 cells, the header has 2");
   expect_no_table("A,B\n\"x\ny\",2\n4\n", "in.csv, line 4, column 2: the row has 1 cell, the header has 2");
+  expect_no_table(" \n\nA,B\n1\n", "in.csv, line 4, column 2: the row has 1 cell, the header has 2");
 }
 
 TEST_F(import_test, what_is_no_csv_stops) {
   expect_no_table("A,B\n1,\"2\n", "in.csv, line 2, column 2: the quote that opens here is not closed");
   expect_no_table("A,B\n1,\"2\"x\n", "in.csv, line 2, column 2: text follows the closing quote");
-  expect_no_table("", "in.csv, line 1, column 1: the file is empty; it needs a line of column names");
+  for (const char* csv : {"", " \n\t\n"}) {
+    expect_no_table(csv, "in.csv, line 1, column 1: the file is empty; it needs a line of column names");
+  }
 }
 
 TEST_F(import_test, a_file_that_is_not_there_is_named) {

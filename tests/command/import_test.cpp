@@ -101,6 +101,11 @@ TEST_F(import_test, lines_without_a_character_stand_before_the_names) {
   EXPECT_EQ(round_trip("\n\r\nA,B\n1,x\n"), "A,B\n1,x\n");
 }
 
+TEST_F(import_test, lines_of_blanks_stand_before_the_names) {
+  EXPECT_EQ(round_trip(" \n\t \r\n\nA,B\n1,x\n"), "A,B\n1,x\n");
+  EXPECT_EQ(round_trip(" \nA\n1\n"), "A\n1\n");
+}
+
 TEST_F(import_test, other_signs_between_cells_are_told) {
   for (const auto& [csv, what] : {std::pair("A;B\n1;2\n", "semicolons"), std::pair("A\tB\n1\t2\n", "tabs"),
                                   std::pair("A|B\n1|2\n", "bars")}) {
