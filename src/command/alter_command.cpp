@@ -36,6 +36,7 @@ void run_alter(const alteration_request& request) {
   }
   const table_view view(request.table, table_access::change);
   const std::vector<altered_column> columns = altered_columns(view, wanted);
+  view.require_whole_file();
   std::vector<LONG> origins;
   origins.reserve(columns.size());
   for (const altered_column& column : columns) origins.push_back(column.from);

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "console.h"
+#include "environment.h"
 #include "words.h"
 
 namespace command {
@@ -14,10 +15,10 @@ namespace {
 /// How long a bar waits before it shows: $OVFILE_PROGRESS in seconds, else one.
 std::chrono::milliseconds patience() {
   constexpr double day = 86400;
-  const char* const set = std::getenv("OVFILE_PROGRESS");
+  const std::string set = environment_value("OVFILE_PROGRESS");
   char* end = nullptr;
-  const double seconds = set == nullptr ? 1 : std::strtod(set, &end);
-  const bool is_number = end != set && seconds >= 0 && seconds <= day;
+  const double seconds = std::strtod(set.c_str(), &end);
+  const bool is_number = end != set.c_str() && seconds >= 0 && seconds <= day;
   return std::chrono::milliseconds(is_number ? static_cast<long long>(seconds * 1000) : 1000);
 }
 

@@ -54,6 +54,10 @@ TEST_F(bounds_test, values_are_not_set_in_rows_that_are_not_there) {
   expect_refusal({"set", "t.ovt", "A=7", "--all"}, 1, cut_short);
 }
 
+TEST_F(bounds_test, columns_are_not_added_to_rows_that_are_not_there) {
+  expect_refusal({"alter", "t.ovt", "--add", "B"}, 1, cut_short);
+}
+
 TEST_F(bounds_test, info_tells_where_the_file_ends) {
   const std::string words = run_quietly({"info", "t.ovt"});
   EXPECT_NE(words.find("cut off"), std::string::npos) << words;
