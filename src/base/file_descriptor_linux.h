@@ -36,6 +36,7 @@ class descriptor_file final : public file {
   void take(int descriptor) noexcept {
     if (descriptor_ >= 0) ::close(descriptor_);
     descriptor_ = descriptor;
+    position_ = 0;
   }
 
   bool size(std::uint64_t& bytes) noexcept override {
@@ -56,13 +57,14 @@ class descriptor_file final : public file {
     const int whence = origin == seek_origin::begin     ? SEEK_SET
                        : origin == seek_origin::current ? SEEK_CUR
                                                         : SEEK_END;
-    return ::lseek(descriptor_, distance, whence) >= 0;
+    const off_t reached = ::lseek(descriptor_, distance, whence);
+    if (reached >= 0) position_ = static_cast<std::uint64_t>(reached);
+    return reached >= 0;
   }
 
   bool position(std::uint64_t& bytes) noexcept override {
-    const off_t found = ::lseek(descriptor_, 0, SEEK_CUR);
-    bytes = static_cast<std::uint64_t>(found);
-    return found >= 0;
+    bytes = position_;
+    return true;
   }
 
   bool read(std::span<std::byte> bytes, std::size_t& done) noexcept override {
@@ -73,6 +75,7 @@ class descriptor_file final : public file {
       if (now < 0 && errno == EINTR) continue;
       if (now < 0) return false;
       done += static_cast<std::size_t>(now);
+      position_ += static_cast<std::uint64_t>(now);
     }
     return true;
   }
@@ -84,14 +87,12 @@ class descriptor_file final : public file {
       if (now < 0 && errno == EINTR) continue;
       if (now <= 0) return false;
       done += static_cast<std::size_t>(now);
+      position_ += static_cast<std::uint64_t>(now);
     }
     return true;
   }
 
-  bool set_end() noexcept override {
-    const off_t position = ::lseek(descriptor_, 0, SEEK_CUR);
-    return position >= 0 && ::ftruncate(descriptor_, position) == 0;
-  }
+  bool set_end() noexcept override { return ::ftruncate(descriptor_, static_cast<off_t>(position_)) == 0; }
 
   bool sync() noexcept override { return ::fsync(descriptor_) == 0; }
   bool claim_growth() noexcept override {
@@ -130,6 +131,7 @@ class descriptor_file final : public file {
   }
 
   int descriptor_ = -1;
+  std::uint64_t position_ = 0;  ///< nobody else moves it
 };
 
 /// A name that leads to an open file, whatever stands under its own.

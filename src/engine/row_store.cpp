@@ -114,7 +114,10 @@ row_place row_store<Precision>::append_row() {
   try {
     const row_place place = locate(row_count_);
     fill_with_defaults(place.record);
-    records_.mark_changed(place.record, record_bytes());
+    // A full page goes to the file with what lies behind its rows: many of them are one write then.
+    const bool is_full = counts_.records_in_last_page == records_per_page_;
+    const std::size_t spare = Precision::page_bytes - records_per_page_ * record_bytes();
+    records_.mark_changed(place.record, record_bytes() + (is_full ? spare : 0));
     return place;
   } catch (...) {
     // The row is not there: it must not count when nobody could fill it.

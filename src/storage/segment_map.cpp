@@ -132,6 +132,7 @@ void fileSegmentMap<N>::forget_changes() noexcept {
   writable_ = false;
   dirty_ = false;
   all_changed_ = false;
+  marked_bytes_ = 0;
   changed_.clear();
 }
 
@@ -173,8 +174,10 @@ void fileSegmentMap<N>::mark_changed() noexcept {
 }
 
 template <std::size_t N>
-void fileSegmentMap<N>::mark_changed(std::size_t begin, std::size_t bytes) noexcept {
+void fileSegmentMap<N>::mark_others_changed(std::size_t begin, std::size_t bytes) noexcept {
   if (!may_write_) return;
+  marked_begin_ = begin;
+  marked_bytes_ = bytes;
   writable_ = true;
   dirty_ = true;
   changed_.add(begin, bytes);

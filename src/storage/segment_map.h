@@ -50,7 +50,10 @@ class fileSegmentMap {
   /// Says that the buffer was changed, all of it or the words that these bytes touch; no effect on a map that
   /// may not write.
   void mark_changed() noexcept;
-  void mark_changed(std::size_t begin, std::size_t bytes) noexcept;
+  void mark_changed(std::size_t begin, std::size_t bytes) noexcept {
+    // A row is mostly changed value by value.
+    if (begin != marked_begin_ || bytes > marked_bytes_) mark_others_changed(begin, bytes);
+  }
 
   /// Seeks to a position of the file, from whichever end is nearer. Returns the file's size.
   std::uint64_t seek(std::uint64_t position);
@@ -74,6 +77,7 @@ class fileSegmentMap {
   /// Reads these bytes of the segment. Returns how many of its bytes the file has.
   std::uint64_t read_part(std::uint64_t segment, std::size_t begin, std::size_t end);
   void write_back(std::size_t begin, std::size_t end);
+  void mark_others_changed(std::size_t begin, std::size_t bytes) noexcept;
   void forget_changes() noexcept;
   void release() noexcept;
 
@@ -86,6 +90,8 @@ class fileSegmentMap {
   std::uint64_t required_ = 0;  ///< bytes that it should have
   std::size_t read_begin_ = 0;  ///< of the segment's bytes that are in the buffer
   std::size_t read_end_ = N;
+  std::size_t marked_begin_ = 0;  ///< what was marked last
+  std::size_t marked_bytes_ = 0;
   bool valid_ = false;
   bool writable_ = false;
   bool dirty_ = false;
