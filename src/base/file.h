@@ -80,7 +80,7 @@ class file_system {
   virtual bool stamp(wide_view name, file_stamp& found) noexcept = 0;
   /// Waits until every further write bears another time than the stamp's: systems note the moment in steps of
   /// some milliseconds, in which several writes may fall. A time to come, as by another machine's clock, is
-  /// not waited for.
+  /// not waited for, nor can be what is noted by the second, or by a clock that is behind.
   virtual void wait_past(const file_stamp& stamp) noexcept = 0;
   virtual bool remove(wide_view name) noexcept = 0;
   /// Puts `from` in the place of `to` in one step.
